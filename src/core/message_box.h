@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <functional>
+
+class QWidget;
+
+// Every notice and question of the program goes through one themed window, msg_INF.
+// Messages are chosen by number; callers pass only the optional text some of them splice in.
+
+// Answers of AskQuestion, the usual message-box result codes.
+enum MessageAnswer : int {
+    AnswerCancel = 2,
+    AnswerYes = 6,
+    AnswerNo = 7,
+};
+
+// Shows information message `number` (1-based) modally over `owner`.
+void ShowInfoMessage(int number, const QString &extraText = QString(), QWidget *owner = nullptr);
+
+// Asks question `number` (1-based) modally and returns AnswerYes, AnswerNo or AnswerCancel.
+int AskQuestion(int number, const QString &extraText = QString(), QWidget *owner = nullptr);
+
+// Tests only: while set, no window is shown; the responder gets each message (question false)
+// or question (question true) with its number and extra text, and its result is the answer.
+using MessageResponder = std::function<int(bool question, int number, const QString &extraText)>;
+void SetMessageResponderForTesting(MessageResponder responder);
