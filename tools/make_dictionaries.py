@@ -8,13 +8,17 @@ The checker offers suggestions in file order, so the lists are written tier by t
 words first; inside a tier the new words are in accent- and case-folded alphabetical order.
 No word appears twice. UTF-8, one word per line, CR LF after every line.
 
+It also writes data/licenses/SCOWL.txt: the "COPYRIGHT, SOURCES, and CREDITS" section of the
+package's README, which the word lists must carry.
+
 The output is checked before it is written (size, no duplicates, a few words that must or
 must not be present); on failure nothing is written and the exit code is 1.
 
-Usage: python3 make_dictionaries.py [--scowl DIR] [--out DIR]
+Usage: python3 make_dictionaries.py [--scowl DIR] [--readme FILE] [--out DIR] [--licenses DIR]
 """
 
 import argparse
+import gzip
 import os
 import sys
 import unicodedata
@@ -36,6 +40,14 @@ MUST_LACK = {
     "wordsuk.dct": ("color", "center"),
 }
 MIN_WORDS, MAX_WORDS = 140_000, 200_000
+
+SCOWL_VERSION = "2020.12.07"
+CREDITS_START = "COPYRIGHT, SOURCES, and CREDITS:"
+CREDITS_END = "FUTURE PLANS:"
+CREDITS_HEADER = (
+    f"Word lists derived from SCOWL {SCOWL_VERSION}, "
+    "Copyright 2000-2018 Kevin Atkinson and others\n\n"
+)
 
 
 def fold(word):
@@ -87,6 +99,18 @@ def check_list(name, words):
     return failures
 
 
+def scowl_credits(readme_path):
+    """The README's credits section (up to the next section), or None when it is not found."""
+    opener = gzip.open if readme_path.endswith(".gz") else open
+    with opener(readme_path, "rt", encoding="utf-8") as handle:
+        text = handle.read()
+    start = text.find(CREDITS_START)
+    end = text.find(CREDITS_END, start)
+    if start < 0 or end < 0:
+        return None
+    return CREDITS_HEADER + text[start:end].rstrip() + "\n"
+
+
 def write_atomically(path, text):
     temporary = path + ".tmp"
     with open(temporary, "w", encoding="utf-8", newline="") as handle:
@@ -98,7 +122,9 @@ def main():
     here = os.path.dirname(os.path.abspath(__file__))
     parser = argparse.ArgumentParser(description=__doc__.splitlines()[0])
     parser.add_argument("--scowl", default="/usr/share/dict/scowl")
+    parser.add_argument("--readme", default="/usr/share/doc/scowl/README.gz")
     parser.add_argument("--out", default=os.path.join(here, "..", "data", "dictionaries"))
+    parser.add_argument("--licenses", default=os.path.join(here, "..", "data", "licenses"))
     args = parser.parse_args()
 
     if not os.path.isdir(args.scowl):
@@ -107,6 +133,9 @@ def main():
 
     lists = {name: build_list(args.scowl, spellings) for name, spellings in VARIANTS.items()}
     failures = [f for name, words in lists.items() for f in check_list(name, words)]
+    credits = scowl_credits(args.readme) if os.path.exists(args.readme) else None
+    if credits is None or "Kevin Atkinson" not in credits:
+        failures.append(f"no SCOWL credits section in {args.readme}")
     if failures:
         for failure in failures:
             print("check failed: " + failure, file=sys.stderr)
@@ -116,6 +145,9 @@ def main():
     for name, words in lists.items():
         write_atomically(os.path.join(args.out, name), "".join(w + "\r\n" for w in words))
         print(f"{name}: {len(words)} words")
+    os.makedirs(args.licenses, exist_ok=True)
+    write_atomically(os.path.join(args.licenses, "SCOWL.txt"), credits)
+    print("SCOWL.txt written")
     return 0
 
 
