@@ -1,19 +1,63 @@
-// Temporary in-memory store so that the tree links while the real backends are written.
 #include "core/settings_store.h"
 
-#include <QHash>
+#include "core/app_paths.h"
+#include "core/platform/reg_file_backend.h"
+#ifdef Q_OS_WIN
+#include "core/platform/windows_registry_backend.h"
+#endif
+
+#include <cmath>
+#include <limits>
+#include <memory>
 
 namespace {
-QHash<QString, QString> &memory()
+
+// The one backend of the process, and the settings file it was made for (empty for the
+// registry). The file path is asked for on every call because tests move VANTORA_HOME.
+struct ActiveStore
 {
-    static QHash<QString, QString> values;
-    return values;
-}
-QString fullName(Hive hive, const QString &key, const QString &name)
+    std::unique_ptr<SettingsBackend> backend;
+    QString filePath;
+    bool isRegistry = false;
+};
+
+ActiveStore &activeStore()
 {
-    return QString::number(int(hive)) + key.toLower() + QLatin1Char('|') + name.toLower();
+    static ActiveStore store;
+    return store;
 }
+
+#ifdef Q_OS_WIN
+// Tests and benchmarks set VANTORA_HOME and must never touch the user's registry.
+bool useRegistry()
+{
+    return qEnvironmentVariableIsEmpty("VANTORA_HOME");
+}
+#endif
+
 } // namespace
+
+SettingsBackend &ActiveSettingsBackend()
+{
+    ActiveStore &store = activeStore();
+#ifdef Q_OS_WIN
+    if (useRegistry()) {
+        if (!store.isRegistry) {
+            store.backend = std::make_unique<WindowsRegistryBackend>();
+            store.isRegistry = true;
+            store.filePath.clear();
+        }
+        return *store.backend;
+    }
+#endif
+    const QString path = AppPaths::settingsFile();
+    if (!store.backend || store.isRegistry || path != store.filePath) {
+        store.backend = std::make_unique<RegFileBackend>(path);
+        store.filePath = path;
+        store.isRegistry = false;
+    }
+    return *store.backend;
+}
 
 QString SettingsRoot()
 {
@@ -25,15 +69,28 @@ QString DetailsKey(const QString &window)
     return SettingsRoot() + window + QStringLiteral("\\Details");
 }
 
+QString TrimBlanks(const QString &text)
+{
+    qsizetype begin = 0;
+    qsizetype end = text.size();
+    while (begin < end && text.at(begin) == QLatin1Char(' '))
+        ++begin;
+    while (end > begin && text.at(end - 1) == QLatin1Char(' '))
+        --end;
+    return (begin == 0 && end == text.size()) ? text : text.mid(begin, end - begin);
+}
+
 QString ReadSetting(Hive hive, const QString &key, const QString &valueName, const QString &defaultValue)
 {
-    const QString v = memory().value(fullName(hive, key, valueName), defaultValue);
-    return (v.size() > 254 ? defaultValue : v).trimmed();
+    const SettingsValue value = ActiveSettingsBackend().read(hive, key, valueName);
+    if (value.isText() && value.text.size() <= kLongestSetting)
+        return TrimBlanks(value.text);
+    return TrimBlanks(defaultValue);
 }
 
 void WriteSetting(Hive hive, const QString &key, const QString &valueName, const QString &data)
 {
-    memory().insert(fullName(hive, key, valueName), data);
+    ActiveSettingsBackend().write(hive, key, valueName, SettingsValue::fromText(data));
 }
 
 QString ReadDetail(const QString &window, const QString &valueName, const QString &defaultValue)
@@ -46,21 +103,50 @@ void WriteDetail(const QString &window, const QString &valueName, const QString 
     WriteSetting(Hive::CurrentUser, DetailsKey(window), valueName, data);
 }
 
+int SettingToInt(const QString &text, bool *ok)
+{
+    bool converted = false;
+    const QString t = text.trimmed();
+    int result = t.toInt(&converted);
+    if (!converted) {
+        const double d = t.toDouble(&converted);
+        // nearbyint rounds halves to even in the default rounding mode
+        const double rounded = converted ? std::nearbyint(d) : 0.0;
+        converted = converted && std::isfinite(d) && rounded >= std::numeric_limits<int>::min() &&
+                    rounded <= std::numeric_limits<int>::max();
+        result = converted ? int(rounded) : 0;
+    }
+    if (ok)
+        *ok = converted;
+    return result;
+}
+
+bool SettingToBool(const QString &text, bool *ok)
+{
+    const QString t = text.trimmed();
+    bool converted = true;
+    bool result = false;
+    if (t.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0) {
+        result = true;
+    } else if (t.compare(QLatin1String("false"), Qt::CaseInsensitive) != 0) {
+        const double d = t.toDouble(&converted);
+        result = converted && d != 0.0;
+    }
+    if (ok)
+        *ok = converted;
+    return result;
+}
+
 int ReadIntDetail(const QString &window, const QString &valueName, int defaultValue)
 {
     bool ok = false;
-    const int v = ReadDetail(window, valueName, QString::number(defaultValue)).toInt(&ok);
+    const int v = SettingToInt(ReadDetail(window, valueName, QString::number(defaultValue)), &ok);
     return ok ? v : defaultValue;
 }
 
 bool ReadBoolDetail(const QString &window, const QString &valueName, bool defaultValue)
 {
-    const QString t = ReadDetail(window, valueName, defaultValue ? QStringLiteral("True") : QStringLiteral("False"));
-    if (t.compare(QLatin1String("true"), Qt::CaseInsensitive) == 0)
-        return true;
-    if (t.compare(QLatin1String("false"), Qt::CaseInsensitive) == 0)
-        return false;
     bool ok = false;
-    const double d = t.toDouble(&ok);
-    return ok ? d != 0.0 : defaultValue;
+    const bool v = SettingToBool(ReadDetail(window, valueName, QString()), &ok);
+    return ok ? v : defaultValue;
 }

@@ -32,5 +32,27 @@ void WriteDetail(const QString &window, const QString &valueName, const QString 
 // Text-to-number and text-to-boolean conversions with the program's forgiving rules:
 // ReadBool accepts "True"/"False" in any case and numeric text (non-zero is true).
 // A value that does not convert gives the default.
+// ReadIntDetail takes whole-number text ("-1", " 8 ") and decimal text rounded to the nearest
+// integer, halves to even ("2.5" -> 2, "3.5" -> 4, as a coordinate written as "1234.5" is
+// read); text with anything after the number ("12abc"), or outside the int range, converts
+// to nothing and so gives the default.
 int ReadIntDetail(const QString &window, const QString &valueName, int defaultValue);
 bool ReadBoolDetail(const QString &window, const QString &valueName, bool defaultValue);
+
+// The same conversions on any text, for values read with ReadSetting. On failure they return
+// nothing; `ok` says whether they converted.
+int SettingToInt(const QString &text, bool *ok);
+bool SettingToBool(const QString &text, bool *ok);
+
+// Removes leading and trailing blanks (spaces) as every read does; tabs and line breaks stay.
+QString TrimBlanks(const QString &text);
+
+// The longest text a read gives back; a longer stored value reads as the default.
+constexpr int kLongestSetting = 254;
+
+class SettingsBackend;
+// The store behind the routines above. On Windows it is the registry, unless VANTORA_HOME is
+// set (tests, benchmarks), which selects the file store there as everywhere else: the file
+// at AppPaths::settingsFile(), loaded again whenever that path changes. Tests may use it to
+// store values of other types (a REG_DWORD) that the routines above never write.
+SettingsBackend &ActiveSettingsBackend();

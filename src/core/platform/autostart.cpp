@@ -1,0 +1,73 @@
+#include "core/platform/autostart.h"
+
+#include <QCoreApplication>
+#include <QDir>
+#include <QFileInfo>
+#include <QSaveFile>
+#include <QStandardPaths>
+
+#ifdef Q_OS_WIN
+#include "core/settings_store.h"
+#endif
+
+void Autostart::apply(bool on)
+{
+    const QString executable = QCoreApplication::applicationFilePath();
+#ifdef Q_OS_WIN
+    WriteSetting(Hive::LocalMachine, QStringLiteral("Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
+                 QStringLiteral("Vantora"), on ? QDir::toNativeSeparators(executable) : QString());
+#else
+    const QString path = desktopEntryPath();
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QSaveFile file(path);
+    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
+        return;
+    file.write(desktopEntryText(executable, on).toUtf8());
+    file.commit();
+#endif
+}
+
+QString Autostart::desktopEntryPath()
+{
+    const QString home = QString::fromLocal8Bit(qgetenv("VANTORA_HOME"));
+    const QString base = home.isEmpty()
+                             ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
+                             : home;
+    return QDir::cleanPath(base + QStringLiteral("/autostart/vantora.desktop"));
+}
+
+QString Autostart::desktopEntryText(const QString &executable, bool on)
+{
+    const QString hidden = on ? QStringLiteral("false") : QStringLiteral("true");
+    return QStringLiteral("[Desktop Entry]\n"
+                          "Type=Application\n"
+                          "Name=Vantora\n"
+                          "Comment=Themed desktop widgets\n"
+                          "Exec=%1\n"
+                          "Icon=vantora\n"
+                          "Terminal=false\n"
+                          "X-GNOME-Autostart-enabled=%2\n"
+                          "Hidden=%3\n")
+        .arg(execLine(executable), on ? QStringLiteral("true") : QStringLiteral("false"), hidden);
+}
+
+QString Autostart::execLine(const QString &executable)
+{
+    // Exec= quoting: inside double quotes, '"', '`', '$' and '\' are escaped with a backslash,
+    // and a literal '%' is doubled because it starts a field code.
+    static const QString reserved = QStringLiteral(" \t\n\"'\\><~|&;$*?#()`");
+    QString escaped;
+    bool needsQuotes = false;
+    for (const QChar c : executable) {
+        if (reserved.contains(c))
+            needsQuotes = true;
+        if (c == QLatin1Char('"') || c == QLatin1Char('`') || c == QLatin1Char('$') || c == QLatin1Char('\\'))
+            escaped += QLatin1Char('\\');
+        if (c == QLatin1Char('%'))
+            escaped += QLatin1Char('%');
+        escaped += c;
+    }
+    if (!needsQuotes)
+        return escaped;
+    return QLatin1Char('"') + escaped + QLatin1Char('"');
+}
