@@ -1,0 +1,81 @@
+#include "core/platform/autostart.h"
+#include "support/test_home.h"
+
+#include <QFile>
+#include <QSettings>
+#include <QTest>
+
+class TestAutostart : public QObject
+{
+    Q_OBJECT
+private slots:
+    void entryStaysInsideTestHome();
+    void switchingOnAndOff_data();
+    void switchingOnAndOff();
+    void quotesExecutablePaths_data();
+    void quotesExecutablePaths();
+};
+
+namespace {
+QString readEntry(const QString &path, const QString &key)
+{
+    QSettings entry(path, QSettings::IniFormat);
+    entry.beginGroup(QStringLiteral("Desktop Entry"));
+    return entry.value(key).toString();
+}
+} // namespace
+
+void TestAutostart::entryStaysInsideTestHome()
+{
+    TestHome home;
+    QCOMPARE(Autostart::desktopEntryPath(), home.filePath(QStringLiteral("autostart/vantora.desktop")));
+}
+
+void TestAutostart::switchingOnAndOff_data()
+{
+    QTest::addColumn<QList<bool>>("switches");
+    QTest::addColumn<QString>("hidden");
+
+    QTest::newRow("on") << QList<bool>{true} << "false";
+    QTest::newRow("off") << QList<bool>{false} << "true";
+    // Switching off keeps the file (emptied, not deleted) and switching on again revives it.
+    QTest::newRow("on then off") << QList<bool>{true, false} << "true";
+    QTest::newRow("off then on") << QList<bool>{false, true} << "false";
+}
+
+void TestAutostart::switchingOnAndOff()
+{
+    QFETCH(QList<bool>, switches);
+    QFETCH(QString, hidden);
+    TestHome home;
+
+    for (bool on : switches)
+        Autostart::apply(on);
+
+    const QString path = Autostart::desktopEntryPath();
+    QVERIFY(QFile::exists(path));
+    QCOMPARE(readEntry(path, QStringLiteral("Hidden")), hidden);
+    QCOMPARE(readEntry(path, QStringLiteral("Type")), QStringLiteral("Application"));
+    QCOMPARE(readEntry(path, QStringLiteral("Exec")), Autostart::execLine(QCoreApplication::applicationFilePath()));
+}
+
+void TestAutostart::quotesExecutablePaths_data()
+{
+    QTest::addColumn<QString>("executable");
+    QTest::addColumn<QString>("exec");
+
+    QTest::newRow("plain") << "/usr/bin/vantora" << "/usr/bin/vantora";
+    QTest::newRow("blank") << "/opt/My Apps/vantora" << "\"/opt/My Apps/vantora\"";
+    QTest::newRow("dollar") << "/home/a$b/vantora" << "\"/home/a\\$b/vantora\"";
+    QTest::newRow("percent") << "/opt/100%/vantora" << "/opt/100%%/vantora";
+}
+
+void TestAutostart::quotesExecutablePaths()
+{
+    QFETCH(QString, executable);
+    QFETCH(QString, exec);
+    QCOMPARE(Autostart::execLine(executable), exec);
+}
+
+QTEST_GUILESS_MAIN(TestAutostart)
+#include "test_autostart.moc"

@@ -1,0 +1,151 @@
+#include "core/platform/autostart.h"
+#include "core/program_settings_model.h"
+#include "core/settings_store.h"
+#include "support/test_home.h"
+
+#include <QFile>
+#include <QTest>
+
+class TestProgramSettings : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void loadsDefaults();
+    void loadsStoredValues();
+    void okWritesInOrder();
+    void intervalCaptions_data();
+    void intervalCaptions();
+    void tenMinutesIsStoredAsText();
+    void launchSwitchAppliesAutostartEntry();
+    void defaultSettingsResetChecksOnly();
+
+private:
+    std::unique_ptr<TestHome> m_home;
+};
+
+using Values = ProgramSettingsModel::Values;
+
+void TestProgramSettings::init()
+{
+    m_home = std::make_unique<TestHome>();
+}
+
+void TestProgramSettings::cleanup()
+{
+    m_home.reset();
+}
+
+void TestProgramSettings::loadsDefaults()
+{
+    const Values v = ProgramSettingsModel::load();
+    QCOMPARE(v, Values());
+    QVERIFY(v.launchWithSystem);
+    QVERIFY(v.minimizeOnClose);
+    QVERIFY(!v.minimizeOnStart);
+    QCOMPARE(v.timerInterval, QStringLiteral("1 Minute"));
+}
+
+void TestProgramSettings::loadsStoredValues()
+{
+    WriteDetail(QStringLiteral("mdb_SET"), QStringLiteral("Program Minimize on Close"), QStringLiteral("0"));
+    WriteDetail(QStringLiteral("mdb_SET"), QStringLiteral("On-Top"), QStringLiteral(" 1 "));
+    WriteDetail(QStringLiteral("mdb_WCM"), QStringLiteral("Timer-Interval"), QStringLiteral("30 Minutes"));
+    WriteDetail(QStringLiteral("mdb_WCM"), QStringLiteral("Play-Last"), QStringLiteral("junk"));
+    const Values v = ProgramSettingsModel::load();
+    QVERIFY(!v.minimizeOnClose);
+    QVERIFY(v.onTop);
+    QCOMPARE(v.timerInterval, QStringLiteral("30 Minutes"));
+    QVERIFY(!v.playLast);
+
+    WriteDetail(QStringLiteral("mdb_WCM"), QStringLiteral("Timer-Interval"), QStringLiteral("3 Minutes"));
+    QCOMPARE(ProgramSettingsModel::load().timerInterval, QStringLiteral("1 Minute"));
+}
+
+void TestProgramSettings::okWritesInOrder()
+{
+    QStringList writes;
+    Values v;
+    v.launchWithSystem = false;
+    v.onTop = true;
+    v.timerInterval = QStringLiteral("5 Minutes");
+    ProgramSettingsModel::save(v, [&writes](const QString &window, const QString &name, const QString &data) {
+        writes << window + QLatin1Char('\\') + name + QLatin1Char('=') + data;
+    });
+    const QStringList expected{
+        "mdb_SET\\Program Minimize on Close=1",
+        "mdb_SET\\Program Minimize on Start=0",
+        "mdb_SET\\Window Minimize=0",
+        "mdb_SET\\Program Launch=0",
+        "mdb_SET\\On-Top=1",
+        "mdb_WCM\\Timer-Interval=5 Minutes",
+        "mdb_WCM\\Play-Last=0",
+    };
+    QCOMPARE(writes, expected);
+}
+
+void TestProgramSettings::intervalCaptions_data()
+{
+    QTest::addColumn<QString>("caption");
+    QTest::addColumn<int>("seconds");
+    QTest::newRow("1") << "1 Minute" << 60;
+    QTest::newRow("2") << "2 Minutes" << 120;
+    QTest::newRow("5") << "5 Minutes" << 300;
+    QTest::newRow("10") << "10 Minutes" << 600;
+    QTest::newRow("30") << "30 Minutes" << 1800;
+    QTest::newRow("unknown") << "an hour" << 60;
+}
+
+void TestProgramSettings::intervalCaptions()
+{
+    QFETCH(QString, caption);
+    QFETCH(int, seconds);
+    QCOMPARE(ProgramSettingsModel::intervalSeconds(caption), seconds);
+}
+
+void TestProgramSettings::tenMinutesIsStoredAsText()
+{
+    Values v = ProgramSettingsModel::load();
+    v.timerInterval = QStringLiteral("10 Minutes");
+    ProgramSettingsModel::save(v);
+    QCOMPARE(ReadDetail(QStringLiteral("mdb_WCM"), QStringLiteral("Timer-Interval"), QString()),
+             QStringLiteral("10 Minutes"));
+    QCOMPARE(ProgramSettingsModel::webcamIntervalSeconds(), 600);
+    QCOMPARE(ProgramSettingsModel::load(), v);
+}
+
+void TestProgramSettings::launchSwitchAppliesAutostartEntry()
+{
+    Values v;
+    v.launchWithSystem = false;
+    ProgramSettingsModel::save(v);
+    QFile entry(Autostart::desktopEntryPath());
+    QVERIFY(entry.open(QIODevice::ReadOnly));
+    QVERIFY(entry.readAll().contains("Hidden=true"));
+    entry.close();
+
+    v.launchWithSystem = true;
+    ProgramSettingsModel::save(v);
+    QVERIFY(entry.open(QIODevice::ReadOnly));
+    QVERIFY(entry.readAll().contains("Hidden=false"));
+}
+
+void TestProgramSettings::defaultSettingsResetChecksOnly()
+{
+    Values changed;
+    changed.launchWithSystem = false;
+    changed.minimizeOnStart = true;
+    changed.windowMinimize = true;
+    changed.minimizeOnClose = false;
+    changed.onTop = true;
+    changed.playLast = true;
+    changed.timerInterval = QStringLiteral("2 Minutes");
+
+    Values expected;
+    expected.timerInterval = QStringLiteral("2 Minutes");
+    QCOMPARE(ProgramSettingsModel::withDefaultChecks(changed), expected);
+}
+
+QTEST_GUILESS_MAIN(TestProgramSettings)
+#include "test_program_settings.moc"

@@ -1,0 +1,174 @@
+#include "core/settings_store.h"
+#include "core/startup_decisions.h"
+#include "support/test_home.h"
+
+#include <QTest>
+
+using HandOver = StartupDecisions::HandOver;
+
+class TestStartup : public QObject
+{
+    Q_OBJECT
+private slots:
+    void init();
+    void cleanup();
+    void programChoice_data();
+    void programChoice();
+    void dashboardLoadPlan_data();
+    void dashboardLoadPlan();
+    void closeBox_data();
+    void closeBox();
+    void minimise_data();
+    void minimise();
+
+private:
+    std::unique_ptr<TestHome> m_home;
+};
+
+namespace {
+void setDetail(const char *name, const QString &value)
+{
+    WriteDetail(QStringLiteral("mdb_SET"), QString::fromLatin1(name), value);
+}
+} // namespace
+
+void TestStartup::init()
+{
+    m_home = std::make_unique<TestHome>();
+}
+
+void TestStartup::cleanup()
+{
+    m_home.reset();
+}
+
+void TestStartup::programChoice_data()
+{
+    QTest::addColumn<QString>("stored"); // null: nothing stored
+    QTest::addColumn<int>("choice");
+    QTest::addColumn<bool>("wizard");
+    QTest::addColumn<int>("handOver");
+
+    const int dashboard = int(HandOver::Dashboard);
+    const int single = int(HandOver::SingleWidget);
+    QTest::newRow("first run") << QString() << -1 << true << dashboard;
+    QTest::newRow("non-numeric") << "calculator" << -1 << true << dashboard;
+    QTest::newRow("clock") << "0" << 0 << false << single;
+    QTest::newRow("calculator") << "1" << 1 << false << single;
+    QTest::newRow("weather") << "7" << 7 << false << single;
+    QTest::newRow("all widgets") << "8" << 8 << false << dashboard;
+    QTest::newRow("nine behaves as eight") << "9" << 9 << false << dashboard;
+}
+
+void TestStartup::programChoice()
+{
+    QFETCH(QString, stored);
+    QFETCH(int, choice);
+    QFETCH(bool, wizard);
+    QFETCH(int, handOver);
+
+    if (!stored.isNull())
+        WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), stored);
+    const int read = StartupDecisions::readProgramChoice();
+    QCOMPARE(read, choice);
+    QCOMPARE(StartupDecisions::showsWizard(read), wizard);
+    QCOMPARE(int(StartupDecisions::handOverFor(read)), handOver);
+}
+
+void TestStartup::dashboardLoadPlan_data()
+{
+    QTest::addColumn<int>("choice");
+    QTest::addColumn<QStringList>("settings"); // "name=value"
+    QTest::addColumn<QList<int>>("opened");
+    QTest::addColumn<bool>("minimised");
+    QTest::addColumn<bool>("hidden");
+    QTest::addColumn<bool>("webcam");
+
+    const QStringList calcAndNotes{"Start-Load-Notes=True", "Start-Load-Calc=True", "Program Minimize on Start=1"};
+    QTest::newRow("defaults") << 8 << QStringList() << QList<int>() << false << false << false;
+    QTest::newRow("all widgets: calculator then notes")
+        << 8 << calcAndNotes << QList<int>{1, 3} << true << false << false;
+    QTest::newRow("nine as eight") << 9 << calcAndNotes << QList<int>{1, 3} << true << false << false;
+    QTest::newRow("single widget ignores flags") << 1 << calcAndNotes << QList<int>() << false << false << false;
+    QTest::newRow("first run ignores flags") << -1 << calcAndNotes << QList<int>() << false << false << false;
+    QTest::newRow("every flag, index order")
+        << 8
+        << QStringList{"Start-Load-Weather=true", "Start-Load-Clock=1", "Start-Load-Whiteboard=True",
+                       "Start-Load-Timer=True", "Start-Load-Stopwatch=-1", "Start-Load-Calendar=TRUE"}
+        << QList<int>{0, 2, 4, 5, 6, 7} << false << false << false;
+    QTest::newRow("false flags and junk") << 8 << QStringList{"Start-Load-Clock=False", "Start-Load-Calc=yes"}
+                                          << QList<int>() << false << false << false;
+    QTest::newRow("minimise only when exactly 1")
+        << 8 << QStringList{"Program Minimize on Start=2"} << QList<int>() << false << false << false;
+    QTest::newRow("hidden start") << 8 << QStringList{"Start-Show or Hide=Hidden"} << QList<int>() << false
+                                  << true << false;
+    QTest::newRow("webcam in any mode") << 1 << QStringList{"Start-Webcam=True"} << QList<int>() << false
+                                        << false << true;
+}
+
+void TestStartup::dashboardLoadPlan()
+{
+    QFETCH(int, choice);
+    QFETCH(QStringList, settings);
+    QFETCH(QList<int>, opened);
+    QFETCH(bool, minimised);
+    QFETCH(bool, hidden);
+    QFETCH(bool, webcam);
+
+    for (const QString &s : settings)
+        setDetail(s.section(QLatin1Char('='), 0, 0).toLatin1().constData(), s.section(QLatin1Char('='), 1));
+    const StartupDecisions::DashboardLoadPlan plan = StartupDecisions::dashboardLoadPlan(choice);
+    QCOMPARE(plan.widgetsToOpen, opened);
+    QCOMPARE(plan.startMinimised, minimised);
+    QCOMPARE(plan.startHidden, hidden);
+    QCOMPARE(plan.openWebcam, webcam);
+}
+
+void TestStartup::closeBox_data()
+{
+    QTest::addColumn<QString>("stored"); // "Program Minimize on Close"; null: default
+    QTest::addColumn<bool>("userClose");
+    QTest::addColumn<bool>("tray");
+    QTest::addColumn<bool>("hides");
+
+    QTest::newRow("default hides") << QString() << true << true << true;
+    QTest::newRow("0 ends") << "0" << true << true << false;
+    QTest::newRow("2 ends") << "2" << true << true << false;
+    QTest::newRow("no tray: never hide") << QString() << true << false << false;
+    QTest::newRow("program's own close") << "1" << false << true << false;
+}
+
+void TestStartup::closeBox()
+{
+    QFETCH(QString, stored);
+    QFETCH(bool, userClose);
+    QFETCH(bool, tray);
+    QFETCH(bool, hides);
+    if (!stored.isNull())
+        setDetail("Program Minimize on Close", stored);
+    QCOMPARE(StartupDecisions::closeBoxHides(userClose, tray), hides);
+}
+
+void TestStartup::minimise_data()
+{
+    QTest::addColumn<QString>("stored"); // "Window Minimize"; null: default
+    QTest::addColumn<bool>("tray");
+    QTest::addColumn<bool>("hides");
+
+    QTest::newRow("default keeps") << QString() << true << false;
+    QTest::newRow("1 hides") << "1" << true << true;
+    QTest::newRow("1 without tray keeps") << "1" << false << false;
+}
+
+void TestStartup::minimise()
+{
+    QFETCH(QString, stored);
+    QFETCH(bool, tray);
+    QFETCH(bool, hides);
+    if (!stored.isNull())
+        setDetail("Window Minimize", stored);
+    QCOMPARE(StartupDecisions::minimiseHides(tray), hides);
+}
+
+QTEST_GUILESS_MAIN(TestStartup)
+#include "test_startup.moc"
