@@ -1,0 +1,67 @@
+#include "time/clock_model.h"
+
+#include "core/clock_source.h"
+#include "time/date_time_formatter.h"
+
+ClockModel::ClockModel(QObject *parent) : QObject(parent) {}
+
+QString ClockModel::hourText(const QTime &time, bool hour24)
+{
+    int h = time.hour();
+    if (hour24) {
+        if (h == 0)
+            h = 12;
+        return QString::number(h).rightJustified(2, QLatin1Char('0'));
+    }
+    h = time.hour() - 12;
+    if (h < 1)
+        h = time.hour();
+    if (h == 0)
+        h = 12;
+    return QString::number(h);
+}
+
+QString ClockModel::classicSuffix(bool secsShow, bool ampmShow)
+{
+    QString suffix = QStringLiteral(":nn");
+    if (secsShow)
+        suffix += QStringLiteral(":ss");
+    if (ampmShow)
+        suffix += QStringLiteral(" ampm");
+    return suffix;
+}
+
+ClockModel::Display ClockModel::compose(const QDateTime &moment, const ClockSettings &settings,
+                                        const QLocale &locale)
+{
+    Display d;
+    const QString hours = hourText(moment.time(), settings.hour24);
+    if (settings.modern) {
+        d.panel = hours + DateTimeFormatter::format(moment, QStringLiteral(":nn"), locale);
+        d.secs = DateTimeFormatter::format(moment, QStringLiteral("ss"), locale);
+        d.style = DateTimeFormatter::format(moment, QStringLiteral("ampm"), locale);
+    } else {
+        const QString suffix = classicSuffix(settings.secsShow, settings.ampmShow);
+        d.panel = hours + DateTimeFormatter::format(moment, suffix, locale) + QLatin1Char(' ');
+    }
+    d.date = settings.dateDefault ? locale.toString(moment.date(), QLocale::LongFormat)
+                                  : DateTimeFormatter::format(moment, settings.dateCustom, locale);
+    return d;
+}
+
+void ClockModel::refresh()
+{
+    const ClockSettings settings = ClockSettings::load();
+    const bool settingsMoved = !m_loaded || !(settings == m_settings);
+    m_settings = settings;
+    m_loaded = true;
+
+    const Display display = compose(ClockSource::now(), m_settings);
+    const bool displayMoved = !(display == m_display);
+    m_display = display;
+
+    if (settingsMoved)
+        emit settingsChanged();
+    if (displayMoved)
+        emit displayChanged();
+}
