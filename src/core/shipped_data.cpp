@@ -73,8 +73,8 @@ bool installDictionary(const QString &name, const QString &target, QString *erro
     const QString source = QLatin1String(ShippedData::DictionaryFolder) + QLatin1Char('/') + name;
     QFile shipped(source);
     if (!shipped.open(QIODevice::ReadOnly)) {
-        *errorMessage = QStringLiteral("The built-in dictionary %1 is missing from this copy of the program.")
-                            .arg(name);
+        *errorMessage =
+            QStringLiteral("The built-in dictionary %1 is missing from this copy of the program.").arg(name);
         return false;
     }
     QSaveFile out(target);

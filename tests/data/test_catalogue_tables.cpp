@@ -85,8 +85,7 @@ void TestCatalogueTables::tableShape()
 
     const QStringList lines = ShippedData::readLines(resource);
     QCOMPARE(lines.size(), int(bytes.count("\r\n"))); // no empty lines either
-    QVERIFY2(lines.size() >= minLines && lines.size() <= maxLines,
-             qPrintable(QString::number(lines.size())));
+    QVERIFY2(lines.size() >= minLines && lines.size() <= maxLines, qPrintable(QString::number(lines.size())));
     const QRegularExpression shape(pattern);
     for (const QString &line : lines)
         QVERIFY2(shape.match(line).hasMatch(), qPrintable(line));
@@ -187,9 +186,12 @@ void TestCatalogueTables::substringCountriesBothHavePlaces_data()
 {
     QTest::addColumn<QString>("shorter");
     QTest::addColumn<QString>("longer");
-    QTest::newRow("Niger/Nigeria") << "Niger" << "Nigeria";
-    QTest::newRow("Guinea/Papua New Guinea") << "Guinea" << "Papua New Guinea";
-    QTest::newRow("Dominica/Dominican Republic") << "Dominica" << "Dominican Republic";
+    QTest::newRow("Niger/Nigeria") << "Niger"
+                                   << "Nigeria";
+    QTest::newRow("Guinea/Papua New Guinea") << "Guinea"
+                                             << "Papua New Guinea";
+    QTest::newRow("Dominica/Dominican Republic") << "Dominica"
+                                                 << "Dominican Republic";
 }
 
 // ISO and FIPS codes reuse letters for these countries; each must still have its own places

@@ -75,11 +75,9 @@ void TestShippedData::dictionaryContent_data()
     QTest::addColumn<QString>("name");
     QTest::addColumn<QStringList>("present");
     QTest::addColumn<QStringList>("absent");
-    QTest::newRow("US") << "wordsus.dct"
-                        << QStringList{"I", "don't", "color", "center", "John's", "the"}
+    QTest::newRow("US") << "wordsus.dct" << QStringList{"I", "don't", "color", "center", "John's", "the"}
                         << QStringList{"colour", "centre"};
-    QTest::newRow("UK") << "wordsuk.dct"
-                        << QStringList{"I", "don't", "colour", "centre", "John's", "the"}
+    QTest::newRow("UK") << "wordsuk.dct" << QStringList{"I", "don't", "colour", "centre", "John's", "the"}
                         << QStringList{"color", "center"};
 }
 
@@ -155,8 +153,8 @@ void TestShippedData::webcamTable()
     QCOMPARE(lines.size(), 50);
     QCOMPARE(lines.first().section(u'|', 0, 0), QStringLiteral("Australia - NSW McLeans Ridges (country)"));
     QCOMPARE(lines.last().section(u'|', 0, 0), QStringLiteral("Netherlands - Amsterdam (city)"));
-    const QRegularExpression shape(
-        QStringLiteral(R"(^[A-Za-z ]+ - [^|]+ \((city|country|coast|beach|port|mtns|square|town)\)\|(https://\S+)?$)"));
+    const QRegularExpression shape(QStringLiteral(
+        R"(^[A-Za-z ]+ - [^|]+ \((city|country|coast|beach|port|mtns|square|town)\)\|(https://\S+)?$)"));
     QSet<QString> names;
     int withAddress = 0;
     for (const QString &line : lines) {
@@ -175,10 +173,10 @@ void TestShippedData::bellIsShortMono16Bit()
     QVERIFY(wav.startsWith("RIFF") && wav.mid(8, 8) == "WAVEfmt ");
     const auto u16 = [&](int at) { return qFromLittleEndian<quint16>(wav.constData() + at); };
     const auto u32 = [&](int at) { return qFromLittleEndian<quint32>(wav.constData() + at); };
-    QCOMPARE(u16(20), quint16(1));         // PCM
-    QCOMPARE(u16(22), quint16(1));         // mono
-    QCOMPARE(u32(24), quint32(22050));     // sample rate
-    QCOMPARE(u16(34), quint16(16));        // bits per sample
+    QCOMPARE(u16(20), quint16(1));     // PCM
+    QCOMPARE(u16(22), quint16(1));     // mono
+    QCOMPARE(u32(24), quint32(22050)); // sample rate
+    QCOMPARE(u16(34), quint16(16));    // bits per sample
     QCOMPARE(wav.mid(36, 4), QByteArray("data"));
     const double seconds = u32(40) / (22050.0 * 2);
     QVERIFY2(seconds > 1.0 && seconds < 1.5, qPrintable(QString::number(seconds)));
@@ -188,8 +186,8 @@ void TestShippedData::bellIsShortMono16Bit()
 void TestShippedData::creditsNameSourcesAndLicences()
 {
     const QString credits = QString::fromUtf8(ShippedData::read(ShippedData::Credits));
-    for (const char *source : {"GeoNames", "CC BY 4.0", "zipcodes", "countries-list",
-                               "country-code-lookup", "SCOWL", "Open Font License", "Open-Meteo"})
+    for (const char *source : {"GeoNames", "CC BY 4.0", "zipcodes", "countries-list", "country-code-lookup",
+                               "SCOWL", "Open Font License", "Open-Meteo"})
         QVERIFY2(credits.contains(QLatin1String(source)), source);
 
     const QRegularExpression licenceRef(QStringLiteral(R"(`licenses/([^`]+)`)"));
