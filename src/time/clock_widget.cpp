@@ -1,0 +1,230 @@
+#include "time/clock_widget.h"
+
+#include "core/clickable_label.h"
+#include "core/widget_frame.h"
+#include "core/widget_index.h"
+#include "themes/painted_frame.h"
+#include "time/alarm_dialog.h"
+#include "time/clock_model.h"
+#include "time/clock_settings_dialog.h"
+#include "time/font_fit.h"
+#include "time/hover_check.h"
+
+#include <QFontMetricsF>
+#include <cmath>
+#include <QLabel>
+#include <QTimer>
+
+namespace {
+constexpr int kClockInterval = 55;
+constexpr int kMargin = 6;
+// The seconds and am/pm labels beside the modern time, relative to the time's font.
+constexpr double kSideScale = 0.36;
+
+QLabel *panelLabel(const QString &name, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setObjectName(name);
+    label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents); // the panel drags the window
+    return label;
+}
+} // namespace
+
+ClockWidget::ClockWidget(QWidget *parent)
+    : WidgetWindow(WidgetWindowName(WidgetClock), WidgetClock, tr("Vantora Alarm Clock"), parent)
+    , m_model(new ClockModel(this))
+{
+    m_time = panelLabel(QStringLiteral("lblPANECLOCK"), panel());
+    m_secs = panelLabel(QStringLiteral("lblSECS"), panel());
+    m_style = panelLabel(QStringLiteral("lblSTYLE"), panel());
+    m_date = new QLabel(bar());
+    m_date->setObjectName(QStringLiteral("lblBARDATE"));
+    m_date->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    m_date->setAttribute(Qt::WA_TransparentForMouseEvents);
+    m_alarm = new ClickableLabel(QStringLiteral("lblALARM"), tr(" Alarm "), bar());
+    m_alarm->setToolTip(tr("Set the alarms"));
+    m_settings = new ClickableLabel(QStringLiteral("lblSETTINGS"), tr(" Settings "), bar());
+    m_settings->setToolTip(tr("Clock settings"));
+    for (ClickableLabel *b : {m_alarm, m_settings})
+        b->setAlignment(Qt::AlignCenter);
+
+    m_clockTimer = new QTimer(this);
+    m_clockTimer->setObjectName(QStringLiteral("tmrCLOCK"));
+    m_clockTimer->setInterval(kClockInterval);
+    m_barHover = new HoverCheck(this, QStringLiteral("tmrBAR"), {m_alarm, m_settings});
+
+    connect(m_clockTimer, &QTimer::timeout, m_model, &ClockModel::refresh);
+    connect(m_model, &ClockModel::displayChanged, this, &ClockWidget::showDisplay);
+    connect(m_model, &ClockModel::settingsChanged, this, &ClockWidget::relayout);
+    connect(m_alarm, &ClickableLabel::clicked, this, &ClockWidget::openAlarmDialog);
+    connect(m_settings, &ClickableLabel::clicked, this, &ClockWidget::openSettingsDialog);
+
+    m_model->refresh();
+}
+
+void ClockWidget::openSettingsDialog()
+{
+    auto *dialog = ClockSettingsDialog::showSingle();
+    // Show the new choices at once rather than at the next tick.
+    connect(dialog, &QDialog::finished, m_model, &ClockModel::refresh, Qt::UniqueConnection);
+}
+
+void ClockWidget::openAlarmDialog()
+{
+    AlarmDialog::showSingle();
+}
+
+void ClockWidget::ThemeElementsUpdate()
+{
+    WidgetWindow::ThemeElementsUpdate(); // colours, font faces, then relayout()
+}
+
+void ClockWidget::setTextIfChanged(QLabel *label, const QString &text)
+{
+    if (label->text() != text)
+        label->setText(text);
+}
+
+QString ClockWidget::layoutKey() const
+{
+    const ClockModel::Display &d = m_model->display();
+    QString key = d.panel + QLatin1Char('|') + d.style;
+    for (QChar &c : key) {
+        if (c.isDigit())
+            c = QLatin1Char('0');
+    }
+    return key + QLatin1Char('|') + QString::number(width()) + QLatin1Char('x') + QString::number(height());
+}
+
+void ClockWidget::showDisplay()
+{
+    const ClockModel::Display &d = m_model->display();
+    if (d.date != m_fullDate) {
+        m_fullDate = d.date;
+        layoutBar();
+    }
+    if (layoutKey() != m_laidOutFor) {
+        relayout(); // sets the texts too
+        return;
+    }
+    setTextIfChanged(m_time, d.panel);
+    setTextIfChanged(m_secs, d.secs);
+    setTextIfChanged(m_style, d.style);
+}
+
+void ClockWidget::relayout()
+{
+    if (!m_time)
+        return; // a resize before this window's own controls exist
+    const ClockModel::Display &d = m_model->display();
+    setTextIfChanged(m_time, d.panel);
+    setTextIfChanged(m_secs, d.secs);
+    setTextIfChanged(m_style, d.style);
+    m_fullDate = d.date;
+    layoutBar();
+
+    const QRect area = panel()->rect().adjusted(kMargin, kMargin / 2, -kMargin, -kMargin);
+    const bool modern = m_model->settings().modern;
+    m_secs->setVisible(modern);
+    m_style->setVisible(modern);
+    if (modern)
+        layoutModern(area);
+    else
+        layoutClassic(area);
+    m_laidOutFor = layoutKey();
+}
+
+void ClockWidget::layoutBar()
+{
+    const int h = barHeight();
+    QFont barFont = m_date->font();
+    barFont.setPixelSize(qMax(9, h / 2));
+    for (QLabel *label : {static_cast<QLabel *>(m_date), static_cast<QLabel *>(m_alarm),
+                          static_cast<QLabel *>(m_settings)}) {
+        if (label->font() != barFont)
+            label->setFont(barFont);
+    }
+    const QFontMetrics fm(barFont);
+    const int closeRoom = 34;
+    int right = width() - closeRoom;
+    for (ClickableLabel *b : {m_settings, m_alarm}) {
+        const int w = fm.horizontalAdvance(b->text()) + 4;
+        right -= w;
+        b->setGeometry(right, 0, w, h);
+    }
+    const int dateWidth = qMax(0, right - 8 - 4);
+    m_date->setGeometry(8, 0, dateWidth, h);
+    // A date too long for the bar is cut with an ellipsis; the whole of it is in the tip.
+    setTextIfChanged(m_date, fm.elidedText(m_fullDate, Qt::ElideRight, dateWidth));
+    m_date->setToolTip(m_date->text() == m_fullDate ? QString() : m_fullDate);
+}
+
+void ClockWidget::layoutModern(const QRect &area)
+{
+    const QFont base = m_time->font();
+    const QString main = FontFit::widestDigits(base, m_time->text());
+    const QString side = FontFit::widestDigits(base, QStringLiteral("00"));
+    const QString style = m_style->text();
+    auto sideWidth = [&](const QFontMetricsF &fm) {
+        return qMax(fm.horizontalAdvance(side), fm.horizontalAdvance(style));
+    };
+    const int size = FontFit::largestPixelSize([&](int px) {
+        const QFontMetricsF fm(FontFit::withPixelSize(base, px));
+        const QFontMetricsF sfm(FontFit::withPixelSize(base, qMax(6, int(px * kSideScale))));
+        const double w = fm.horizontalAdvance(main) + px * 0.08 + sideWidth(sfm);
+        return w <= area.width() && fm.height() <= area.height();
+    });
+    const QFont mainFont = FontFit::withPixelSize(base, size);
+    const QFont sideFont = FontFit::withPixelSize(base, qMax(6, int(size * kSideScale)));
+    const QFontMetricsF fm(mainFont);
+    const QFontMetricsF sfm(sideFont);
+    const int mainWidth = int(std::ceil(fm.horizontalAdvance(main)));
+    const int gap = int(size * 0.08);
+    const int columnWidth = int(std::ceil(sideWidth(sfm)));
+    const int left = area.left() + qMax(0, (area.width() - mainWidth - gap - columnWidth) / 2);
+    const int top = area.top() + qMax(0, int(area.height() - fm.height()) / 2);
+
+    m_time->setFont(mainFont);
+    m_time->setAlignment(Qt::AlignLeft | Qt::AlignTop);
+    m_time->setGeometry(left, top, mainWidth + 1, int(std::ceil(fm.height())));
+    // am/pm level with the top of the digits, seconds standing on their baseline.
+    const int column = left + mainWidth + gap;
+    const double baseline = top + fm.ascent();
+    const double digitTop = baseline - fm.capHeight();
+    m_style->setFont(sideFont);
+    m_secs->setFont(sideFont);
+    const int sideHeight = int(std::ceil(sfm.height()));
+    m_style->setGeometry(column, int(digitTop - (sfm.ascent() - sfm.capHeight())), columnWidth + 1, sideHeight);
+    m_secs->setGeometry(column, int(baseline - sfm.ascent()), columnWidth + 1, sideHeight);
+}
+
+void ClockWidget::layoutClassic(const QRect &area)
+{
+    const QFont base = m_time->font();
+    const QFont font = FontFit::fitting(base, FontFit::widestDigits(base, m_time->text()), area.width(),
+                                        area.height());
+    m_time->setFont(font);
+    m_time->setAlignment(Qt::AlignCenter);
+    m_time->setGeometry(area);
+}
+
+void ClockWidget::showEvent(QShowEvent *event)
+{
+    WidgetWindow::showEvent(event);
+    m_model->refresh();
+    m_clockTimer->start();
+}
+
+void ClockWidget::hideEvent(QHideEvent *event)
+{
+    m_clockTimer->stop();
+    m_barHover->stop();
+    WidgetWindow::hideEvent(event);
+}
+
+void ClockWidget::enterEvent(QEnterEvent *event)
+{
+    m_barHover->start();
+    WidgetWindow::enterEvent(event);
+}

@@ -1,0 +1,208 @@
+#include "time/countdown_widget.h"
+
+#include "core/clickable_label.h"
+#include "core/widget_index.h"
+#include "themes/painted_frame.h"
+#include "themes/theme_painter.h"
+#include "time/font_fit.h"
+#include "time/hover_check.h"
+
+#include <QFontMetrics>
+#include <QLabel>
+#include <QLineEdit>
+#include <QRegularExpressionValidator>
+#include <QTimer>
+
+namespace {
+constexpr int kTickInterval = 1000;
+constexpr int kMargin = 6;
+const char *const kRunningNames[3] = {"txtHRS", "txtMIN", "txtSECS"};
+const char *const kSetNames[3] = {"txtSUBHRS", "txtSUBMIN", "txtSUBSECS"};
+
+QLineEdit *field(const char *name, QWidget *parent)
+{
+    auto *edit = new QLineEdit(parent);
+    edit->setObjectName(QLatin1String(name));
+    edit->setAlignment(Qt::AlignCenter);
+    edit->setMaxLength(2);
+    return edit;
+}
+
+QLabel *colon(int index, QWidget *parent)
+{
+    auto *label = new QLabel(QStringLiteral(":"), parent);
+    label->setObjectName(QStringLiteral("lblCOLON_") + QString::number(index));
+    label->setAlignment(Qt::AlignCenter);
+    label->setAttribute(Qt::WA_TransparentForMouseEvents);
+    return label;
+}
+} // namespace
+
+CountdownWidget::CountdownWidget(QWidget *parent)
+    : WidgetWindow(WidgetWindowName(WidgetTimer), WidgetTimer, tr("Vantora Timer"), parent)
+    , m_model(new CountdownModel(this))
+{
+    m_model->setMessageOwner(this);
+    m_model->load();
+
+    auto *twoDigits = new QRegularExpressionValidator(QRegularExpression(QStringLiteral("\\d{0,2}")), this);
+    const QString setNames[3] = {tr("Hours"), tr("Minutes"), tr("Seconds")};
+    for (int f = 0; f < 3; ++f) {
+        m_running[f] = field(kRunningNames[f], panel());
+        m_running[f]->setReadOnly(true);
+        m_running[f]->setFrame(false);
+        m_running[f]->setFocusPolicy(Qt::NoFocus);
+        m_running[f]->setAttribute(Qt::WA_TransparentForMouseEvents); // the panel drags
+        m_set[f] = field(kSetNames[f], panel());
+        m_set[f]->setValidator(twoDigits);
+        m_set[f]->setText(m_model->setField(CountdownModel::Field(f)));
+        m_set[f]->setAccessibleName(tr("Set %1").arg(setNames[f]));
+        m_set[f]->setToolTip(tr("Set %1").arg(setNames[f]));
+        const auto which = CountdownModel::Field(f);
+        connect(m_set[f], &QLineEdit::textEdited, this, [this, which] { setFieldEdited(which); });
+        connect(m_set[f], &QLineEdit::editingFinished, this, [this, which] { setFieldFinished(which); });
+    }
+    for (int i = 0; i < 4; ++i)
+        m_separators[i] = colon(i, panel());
+    m_setCaption = new QLabel(tr("Set"), panel());
+    m_setCaption->setObjectName(QStringLiteral("lblSETTIME"));
+    m_setCaption->setAttribute(Qt::WA_TransparentForMouseEvents);
+
+    m_start = new ClickableLabel(QStringLiteral("lblBTNSTART"), m_model->startCaption(), bar());
+    m_stop = new ClickableLabel(QStringLiteral("lblBTNSTOP"), m_model->stopCaption(), bar());
+
+    m_countTimer = new QTimer(this);
+    m_countTimer->setObjectName(QStringLiteral("tmrSTARTPLAY"));
+    m_panelHover = new HoverCheck(this, QStringLiteral("tmrPANEL"), {m_start, m_stop});
+
+    connect(m_countTimer, &QTimer::timeout, m_model, &CountdownModel::tick);
+    connect(m_model, &CountdownModel::fieldsChanged, this, &CountdownWidget::showFields);
+    connect(m_model, &CountdownModel::buttonsChanged, this, &CountdownWidget::showButtons);
+    connect(m_model, &CountdownModel::countingChanged, this, &CountdownWidget::setCounting);
+    connect(m_start, &ClickableLabel::clicked, m_model, &CountdownModel::clickStart);
+    connect(m_stop, &ClickableLabel::clicked, m_model, &CountdownModel::clickStop);
+    showFields();
+}
+
+void CountdownWidget::showFields()
+{
+    for (int f = 0; f < 3; ++f) {
+        const QString text = m_model->runningField(CountdownModel::Field(f));
+        if (m_running[f]->text() != text)
+            m_running[f]->setText(text);
+    }
+}
+
+void CountdownWidget::showButtons()
+{
+    if (m_start->text() != m_model->startCaption())
+        m_start->setText(m_model->startCaption());
+    if (m_stop->text() != m_model->stopCaption())
+        m_stop->setText(m_model->stopCaption());
+    relayout();
+}
+
+void CountdownWidget::setCounting(bool counting)
+{
+    if (counting) {
+        m_countTimer->setInterval(kTickInterval);
+        m_countTimer->start();
+    } else {
+        m_countTimer->stop();
+    }
+}
+
+void CountdownWidget::setFieldEdited(CountdownModel::Field field)
+{
+    m_model->setSetField(field, m_set[field]->text());
+}
+
+void CountdownWidget::setFieldFinished(CountdownModel::Field field)
+{
+    // "5" is kept as "05", an emptied field as "00": the set time is always two digits.
+    const QString text = m_set[field]->text().rightJustified(2, QLatin1Char('0'));
+    if (text == m_set[field]->text())
+        return;
+    m_set[field]->setText(text);
+    m_model->setSetField(field, text);
+}
+
+void CountdownWidget::layoutRow(const QList<QWidget *> &row, const QFont &font, int top, int height)
+{
+    const QFontMetrics fm(font);
+    const int digits = fm.horizontalAdvance(FontFit::widestDigits(font, QStringLiteral("00"))) + fm.averageCharWidth();
+    const int sep = fm.horizontalAdvance(QLatin1Char(':')) + 2;
+    auto widthOf = [&](QWidget *w) {
+        if (qobject_cast<QLineEdit *>(w))
+            return digits;
+        return w == m_setCaption ? fm.horizontalAdvance(m_setCaption->text()) + sep : sep;
+    };
+    int total = 0;
+    for (QWidget *w : row)
+        total += widthOf(w);
+    int x = qMax(kMargin, (panel()->width() - total) / 2);
+    for (QWidget *w : row) {
+        if (w->font() != font)
+            w->setFont(font);
+        w->setGeometry(x, top, widthOf(w), height);
+        x += widthOf(w);
+    }
+}
+
+void CountdownWidget::ThemeElementsUpdate()
+{
+    // The running time is display text on the panel: no field background, the panel's colour.
+    const QColor text = ResolveColor(CurrentTheme().PanelColor);
+    for (QLineEdit *f : m_running) {
+        QPalette pal = f->palette();
+        pal.setColor(QPalette::Base, Qt::transparent);
+        pal.setColor(QPalette::Text, text);
+        f->setPalette(pal);
+    }
+    WidgetWindow::ThemeElementsUpdate(); // colours, font faces, then relayout()
+}
+
+void CountdownWidget::relayout()
+{
+    if (!m_setCaption)
+        return; // a resize before this window's own controls exist
+    const int h = barHeight();
+    QFont barFont = m_start->font();
+    barFont.setPixelSize(qMax(9, h / 2));
+    const QFontMetrics bfm(barFont);
+    int x = 6;
+    for (ClickableLabel *b : {m_start, m_stop}) {
+        if (b->font() != barFont)
+            b->setFont(barFont);
+        const int w = bfm.horizontalAdvance(b->text()) + 4;
+        b->setGeometry(x, 0, w, h);
+        x += w + 4;
+    }
+
+    // The running time takes the upper two thirds of the panel, the set row the rest.
+    const QRect area = panel()->rect().adjusted(kMargin, kMargin / 2, -kMargin, -kMargin);
+    const int setHeight = qMax(18, area.height() / 3);
+    const int runHeight = qMax(10, area.height() - setHeight - kMargin / 2);
+    const QFont base = m_running[0]->font();
+    // Two extra character widths for the padding of the three fields.
+    const QString sample = FontFit::widestDigits(base, QStringLiteral("00:00:00")) + QStringLiteral("00");
+    const QFont runFont = FontFit::fitting(base, sample, area.width(), runHeight);
+    layoutRow({m_running[0], m_separators[0], m_running[1], m_separators[1], m_running[2]}, runFont, area.top(),
+              runHeight);
+
+    QFont setFont = FontFit::withPixelSize(m_set[0]->font(), qMax(9, setHeight * 11 / 20));
+    layoutRow({m_setCaption, m_set[0], m_separators[2], m_set[1], m_separators[3], m_set[2]}, setFont,
+              area.bottom() - setHeight + 1, setHeight);
+}
+
+void CountdownWidget::hideEvent(QHideEvent *event)
+{
+    m_panelHover->stop();
+    WidgetWindow::hideEvent(event);
+}
+
+void CountdownWidget::enterEvent(QEnterEvent *event)
+{
+    m_panelHover->start();
+    WidgetWindow::enterEvent(event);
+}
