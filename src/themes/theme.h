@@ -39,6 +39,16 @@ void LoadThemeFromRegistry();
 // Writes the nine values to "mdb_THM\Details".
 void SaveThemeToRegistry();
 
+// The settings key and the registry value names of the theme.
+inline constexpr const char *kThemeWindow = "mdb_THM";
+
+// Stored numbers are decimal text. A colour is written as the signed 32-bit number it is
+// (system colour 5 is "-2147483643"); reading also takes its unsigned spelling. Leading digits
+// count ("235px" reads 235); text without a number gives `fallback`.
+qint64 ParseThemeNumber(const QString &text, qint64 fallback);
+QString ColorToText(OleColor color);
+OleColor TextToColor(const QString &text, OleColor fallback);
+
 // Emits themeChanged() after SetCurrentTheme(); windows that paint themselves listen to it.
 class ThemeNotifier : public QObject
 {

@@ -1,34 +1,67 @@
-// Placeholder until the theme module lands.
 #include "themes/theme_painter.h"
 
+#include "core/settings_store.h"
+#include "core/widget_frame.h"
 #include "themes/painted_frame.h"
 
 #include <QApplication>
-#include <QPalette>
+#include <QMetaObject>
 #include <QWidget>
+
+namespace {
+
+const char *const kThemeElementsUpdate = "ThemeElementsUpdate";
+
+// Gives an edge line its colour whichever way it draws itself: a QFrame line uses the
+// foreground, a filled widget the background.
+void colourEdgeLine(QWidget *line, OleColor colour)
+{
+    const QColor c = ResolveColor(colour);
+    QPalette pal = line->palette();
+    pal.setColor(QPalette::WindowText, c);
+    pal.setColor(QPalette::Window, c);
+    pal.setColor(QPalette::Light, c);
+    pal.setColor(QPalette::Dark, c);
+    pal.setColor(QPalette::Mid, c);
+    line->setPalette(pal);
+    line->setProperty("borderColor", c);
+}
+
+void callThemeElementsUpdate(QWidget *window)
+{
+    // Dialogs have no such procedure; look first so that no warning is printed for them.
+    if (window->metaObject()->indexOfMethod("ThemeElementsUpdate()") < 0)
+        return;
+    QMetaObject::invokeMethod(window, kThemeElementsUpdate, Qt::DirectConnection);
+}
+
+} // namespace
 
 QColor ResolveColor(OleColor color)
 {
-    if (color & kSystemColorFlag)
-        return QApplication::palette().color(QPalette::Base);
-    return QColor(color & 0xFF, (color >> 8) & 0xFF, (color >> 16) & 0xFF);
+    const OleColor plain = TranslateColor(color);
+    return QColor(RedOf(plain), GreenOf(plain), BlueOf(plain));
 }
 
 OleColor ToOleColor(const QColor &c)
 {
-    return OleColor(c.red()) | (OleColor(c.green()) << 8) | (OleColor(c.blue()) << 16);
+    const QColor rgb = c.toRgb();
+    return OleColor(rgb.red()) | (OleColor(rgb.green()) << 8) | (OleColor(rgb.blue()) << 16);
 }
 
 OleColor BlendColor(OleColor a, OleColor b, int weight)
 {
-    const QColor ca = ResolveColor(a), cb = ResolveColor(b);
-    weight = qMin(weight, 255);
-    auto mix = [weight](int x, int y) { return qBound(0, int(x * weight / 255.0 + y * (255 - weight) / 255.0), 255); };
-    return ToOleColor(QColor(mix(ca.red(), cb.red()), mix(ca.green(), cb.green()), mix(ca.blue(), cb.blue())));
+    const OleColor ca = TranslateColor(a);
+    const OleColor cb = TranslateColor(b);
+    const double w = weight >= 256 ? 255.0 : double(weight);
+    auto mix = [w](int x, int y) { return x * w / 255.0 + y * (255.0 - w) / 255.0; };
+    return ComposeColor(mix(RedOf(ca), RedOf(cb)), mix(GreenOf(ca), GreenOf(cb)), mix(BlueOf(ca), BlueOf(cb)));
 }
 
 void SetWindowOpacity(QWidget *window, int alpha)
 {
+    if (!window)
+        return;
     window->setWindowOpacity(qBound(20, alpha, 255) / 255.0);
 }
 
@@ -39,19 +72,48 @@ ThemeGradients GradientsFor(const Theme &t)
             BlendColor(t.MainColor, kWindowBackground, 255 - t.MainContrast)};
 }
 
+OleColor LightEdgeColor(const Theme &t)
+{
+    return BlendColor(GradientsFor(t).panelStart, kWindowBackground, 355 - t.MainContrast);
+}
+
+OleColor ShadowEdgeColor(const Theme &t)
+{
+    return BlendColor(GradientsFor(t).panelStart, kShadowGrey, 455 - t.MainContrast);
+}
+
 void ApplyTheme(QWidget *window)
 {
+    if (!window)
+        return;
     const Theme &t = CurrentTheme();
+    SetKeepOnTop(window, ReadBoolDetail(QStringLiteral("mdb_SET"), QStringLiteral("On-Top"), false));
+
+    auto *panel = window->findChild<PaintedFrame *>(QStringLiteral("pfrPANEL"));
+    auto *bar = window->findChild<PaintedFrame *>(QStringLiteral("pfrBAR"));
+    for (PaintedFrame *frame : {panel, bar}) {
+        if (frame)
+            frame->setBackgroundColor(t.MainColor);
+    }
     const ThemeGradients g = GradientsFor(t);
-    if (auto *bar = window->findChild<PaintedFrame *>(QStringLiteral("pfrBAR")))
+    if (bar)
         bar->setGradient(t.BarAngle, g.barStart, g.barEnd);
-    if (auto *panel = window->findChild<PaintedFrame *>(QStringLiteral("pfrPANEL")))
+    if (panel)
         panel->setGradient(t.PanelAngle, g.panelStart, g.panelEnd);
-    QMetaObject::invokeMethod(window, "ThemeElementsUpdate", Qt::DirectConnection);
+
+    callThemeElementsUpdate(window);
+
+    if (auto *light = window->findChild<QWidget *>(QStringLiteral("lneLIGHT")))
+        colourEdgeLine(light, LightEdgeColor(t));
+    if (auto *shadow = window->findChild<QWidget *>(QStringLiteral("lneSHAD")))
+        colourEdgeLine(shadow, ShadowEdgeColor(t));
 }
 
 void ApplyThemeToAllWindows()
 {
+    if (!qobject_cast<QApplication *>(QCoreApplication::instance()))
+        return;
+    // Hidden windows too, so that a widget shown again later is already in the new theme.
     for (QWidget *w : QApplication::topLevelWidgets()) {
         if (w->findChild<PaintedFrame *>(QStringLiteral("pfrPANEL")))
             ApplyTheme(w);

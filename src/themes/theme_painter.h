@@ -1,6 +1,8 @@
 #pragma once
 
+#include "themes/gradient_painter.h"
 #include "themes/theme.h"
+#include "themes/theme_colors.h"
 
 #include <QColor>
 
@@ -35,3 +37,7 @@ struct ThemeGradients
     OleColor panelEnd;
 };
 ThemeGradients GradientsFor(const Theme &theme);
+
+// The edge-line colours ApplyTheme gives "lneLIGHT" and "lneSHAD".
+OleColor LightEdgeColor(const Theme &theme);
+OleColor ShadowEdgeColor(const Theme &theme);

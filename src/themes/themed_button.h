@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColor>
 #include <QPixmap>
 #include <QWidget>
 
@@ -10,7 +11,13 @@ class QTimer;
 class ThemedButton : public QWidget
 {
     Q_OBJECT
+    Q_PROPERTY(bool Enabled READ Enabled WRITE setEnabledState)
+    Q_PROPERTY(QColor BACKCOLOR READ backColor WRITE setBackColor)
 public:
+    // Which of the three pictures the button shows (imgMAIN).
+    enum class Picture { Normal, Highlight, Pressed };
+    Q_ENUM(Picture)
+
     explicit ThemedButton(QWidget *parent = nullptr);
 
     // The three pictures; the normal one is shown until the mouse comes over the button.
@@ -21,8 +28,18 @@ public:
     bool Enabled() const { return isEnabled(); }
     void setEnabledState(bool enabled) { setEnabled(enabled); }
 
+    // The colour behind the pictures; invalid (the default) leaves the host showing through.
+    QColor backColor() const { return m_backColor; }
+    void setBackColor(const QColor &color);
+
     // Puts the normal picture back (after a click that closes or refreshes).
     void CloseRefresh();
+
+    Picture shownPicture() const { return m_shownKind; }
+    // Whether tmrCOLORCHK is watching for the mouse to leave.
+    bool isWatchingMouse() const;
+    // The tmrCOLORCHK tick: the normal picture again once the mouse is no longer over the button.
+    void colorCheckTick();
 
     QSize sizeHint() const override;
 
@@ -32,18 +49,28 @@ signals:
 protected:
     void paintEvent(QPaintEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
+    void leaveEvent(QEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void keyPressEvent(QKeyEvent *event) override;
+    void keyReleaseEvent(QKeyEvent *event) override;
+    void changeEvent(QEvent *event) override;
 
 private:
     void showPicture(const QPixmap *picture);
     void checkMouseLeft();
+    void hover();
+    void renderCloseGlyph();
+    const QPixmap *pictureFor(Picture kind) const;
 
     QPixmap m_normal;
     QPixmap m_highlight;
     QPixmap m_pressed;
     const QPixmap *m_shown = &m_normal;
+    Picture m_shownKind = Picture::Normal;
     QTimer *m_colorCheck = nullptr; // tmrCOLORCHK
+    QColor m_backColor;
+    QColor m_glyphColor; // valid while the pictures are the drawn close glyph
+    bool m_keyDown = false;
 };

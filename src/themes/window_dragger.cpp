@@ -1,0 +1,42 @@
+#include "themes/window_dragger.h"
+
+#include <QMouseEvent>
+#include <QWidget>
+#include <QWindow>
+
+WindowDragger::WindowDragger(QWidget *window)
+    : QObject(window)
+    , m_window(window)
+{
+}
+
+void WindowDragger::watch(QWidget *handle)
+{
+    handle->installEventFilter(this);
+}
+
+bool WindowDragger::eventFilter(QObject *, QEvent *event)
+{
+    switch (event->type()) {
+    case QEvent::MouseButtonPress: {
+        auto *mouse = static_cast<QMouseEvent *>(event);
+        if (mouse->button() != Qt::LeftButton)
+            return false;
+        QWindow *handle = m_window->windowHandle();
+        m_manual = !(handle && handle->startSystemMove());
+        m_offset = mouse->globalPosition().toPoint() - m_window->frameGeometry().topLeft();
+        return true;
+    }
+    case QEvent::MouseMove:
+        if (m_manual && (static_cast<QMouseEvent *>(event)->buttons() & Qt::LeftButton)) {
+            m_window->move(static_cast<QMouseEvent *>(event)->globalPosition().toPoint() - m_offset);
+            return true;
+        }
+        return false;
+    case QEvent::MouseButtonRelease:
+        m_manual = false;
+        return false;
+    default:
+        return false;
+    }
+}

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <QObject>
+#include <QPoint>
+
+class QWidget;
+
+// Lets the user drag a frameless window by the widgets it watches (its bar, its title). The
+// window system moves the window where it can; elsewhere the window follows the mouse.
+class WindowDragger : public QObject
+{
+    Q_OBJECT
+public:
+    explicit WindowDragger(QWidget *window);
+
+    // Presses on `handle` start a drag of the window.
+    void watch(QWidget *handle);
+
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
+private:
+    QWidget *m_window;
+    QPoint m_offset;
+    bool m_manual = false;
+};

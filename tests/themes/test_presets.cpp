@@ -1,0 +1,331 @@
+#include "core/app_paths.h"
+#include "core/message_box.h"
+#include "support/test_home.h"
+#include "themes/ini_file.h"
+#include "themes/preset_file.h"
+#include "themes/theme_painter.h"
+#include "themes/theme_presets.h"
+
+#include <QDir>
+#include <QDirIterator>
+#include <QFile>
+#include <QTest>
+
+namespace {
+
+void writeFile(const QString &path, const QByteArray &bytes)
+{
+    QDir().mkpath(QFileInfo(path).absolutePath());
+    QFile f(path);
+    QVERIFY(f.open(QIODevice::WriteOnly));
+    f.write(bytes);
+}
+
+QByteArray readFile(const QString &path)
+{
+    QFile f(path);
+    return f.open(QIODevice::ReadOnly) ? f.readAll() : QByteArray();
+}
+
+Theme sampleTheme()
+{
+    Theme t;
+    t.MainColor = 0x00445566;
+    t.MainOpacity = 200;
+    t.MainContrast = 40;
+    t.PanelFont = QStringLiteral("DejaVu Serif");
+    t.PanelAngle = 90;
+    t.PanelColor = 0x00FFFFFF;
+    t.BarFont = QStringLiteral("DejaVu Sans Mono");
+    t.BarAngle = 180;
+    t.BarColor = 0x80000009u;
+    return t;
+}
+
+} // namespace
+
+class TestPresets : public QObject
+{
+    Q_OBJECT
+
+private slots:
+    void init()
+    {
+        m_home.reset(); // the old folder goes first, so VANTORA_HOME ends on the new one
+        m_home.reset(new TestHome);
+        QCOMPARE(AppPaths::dataFolder(), QDir::cleanPath(m_home->path()));
+        m_messages.clear();
+        SetMessageResponderForTesting([this](bool question, int number, const QString &) {
+            m_messages.append((question ? QStringLiteral("Q") : QStringLiteral("I")) + QString::number(number));
+            return 0;
+        });
+    }
+
+    void cleanup() { SetMessageResponderForTesting(nullptr); }
+
+    // What PresetRead finds in a file: the "> " prefix, case-insensitive names, trimming.
+    void presetRead_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("section");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QString>("expected");
+
+        const QByteArray file = "[main]\r\n> Main-Color=255\r\n[text]\r\n> Bar-Color = 16777215 \r\n"
+                                "> Bar-Font=\"DejaVu Sans\"\r\nPanel-Font=Hand Written\r\n";
+        QTest::newRow("prefixed key") << file << "main" << "Main-Color" << "255";
+        QTest::newRow("other case") << file << "TEXT" << "bar-Color" << "16777215";
+        QTest::newRow("quotes removed") << file << "text" << "Bar-Font" << "DejaVu Sans";
+        QTest::newRow("key without prefix not found") << file << "text" << "Panel-Font" << "default";
+        QTest::newRow("key in another section not found") << file << "main" << "Bar-Color" << "default";
+        QTest::newRow("empty value takes the default") << QByteArray("[main]\n> Main-Color=\n") << "main"
+                                                       << "Main-Color" << "default";
+    }
+
+    void presetRead()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, section);
+        QFETCH(QString, key);
+        QFETCH(QString, expected);
+        const QString path = m_home->filePath(QStringLiteral("p.dcp"));
+        writeFile(path, content);
+        SetPresetFile(QStringLiteral("  ") + path + QStringLiteral(" "));
+        QCOMPARE(PresetRead(section, key, QStringLiteral(" default ")), expected);
+    }
+
+    void missingValueIsWrittenBack()
+    {
+        const QString path = m_home->filePath(QStringLiteral("p.dcp"));
+        writeFile(path, "[text]\r\nPanel-Font=Hand Written\r\n");
+        SetPresetFile(path);
+        QCOMPARE(PresetRead(QStringLiteral("text"), QStringLiteral("Panel-Font"), QStringLiteral(" Noto Sans ")),
+                 QStringLiteral("Noto Sans"));
+        // The hand-written line stays; the prefixed key joins the section, CRLF kept.
+        QCOMPARE(readFile(path), QByteArray("[text]\r\nPanel-Font=Hand Written\r\n> Panel-Font=Noto Sans\r\n"));
+        QCOMPARE(PresetRead(QStringLiteral("text"), QStringLiteral("panel-font"), QStringLiteral("x")),
+                 QStringLiteral("Noto Sans"));
+    }
+
+    void missingFileIsCreated()
+    {
+        const QString path = m_home->filePath(QStringLiteral("new.dcp"));
+        SetPresetFile(path);
+        QVERIFY(PresetWrite(QStringLiteral("main"), QStringLiteral("Main-Color"), QStringLiteral("5")));
+        QCOMPARE(readFile(path), QByteArray("[main]\r\n> Main-Color=5\r\n"));
+    }
+
+    void otherLinesAreKept()
+    {
+        const QString path = m_home->filePath(QStringLiteral("p.dcp"));
+        const QByteArray before = "; my favourite\n[Main]\nnote = keep me\n> MAIN-COLOR=1\n\n[other]\nx=y\n";
+        writeFile(path, before);
+        SetPresetFile(path);
+        PresetWrite(QStringLiteral("main"), QStringLiteral("Main-Color"), QStringLiteral("2"));
+        PresetWrite(QStringLiteral("main"), QStringLiteral("Main-Opacity"), QStringLiteral("3"));
+        PresetWrite(QStringLiteral("text"), QStringLiteral("Bar-Angle"), QStringLiteral("4"));
+        QCOMPARE(readFile(path), QByteArray("; my favourite\n[Main]\nnote = keep me\n> Main-Color=2\n"
+                                            "> Main-Opacity=3\n\n[other]\nx=y\n\n[text]\n> Bar-Angle=4\n"));
+    }
+
+    void longValuesAreCut()
+    {
+        const QString path = m_home->filePath(QStringLiteral("p.dcp"));
+        writeFile(path, "[text]\n> Bar-Font=" + QByteArray(500, 'a') + "\n");
+        SetPresetFile(path);
+        QCOMPARE(PresetRead(QStringLiteral("text"), QStringLiteral("Bar-Font"), QString()).size(), 399);
+    }
+
+    // A preset holding only its caption keeps every current value and is completed.
+    void applyingCompletesAPreset()
+    {
+        const QString path = m_home->filePath(QStringLiteral("only.dcp"));
+        writeFile(path, "[preset]\n> caption=Only a name\n");
+        const Theme current = sampleTheme();
+        QCOMPARE(ReadPreset(path, current), current);
+
+        IniFile file(path);
+        QVERIFY(file.load());
+        const QStringList mainKeys{"Main-Color", "Main-Opacity", "Main-Contrast"};
+        const QStringList textKeys{"Bar-Font", "Bar-Color", "Bar-Angle", "Panel-Angle", "Panel-Font", "Panel-Color"};
+        for (const QString &k : mainKeys)
+            QVERIFY2(!file.value("main", "> " + k).isEmpty(), qPrintable(k));
+        for (const QString &k : textKeys)
+            QVERIFY2(!file.value("text", "> " + k).isEmpty(), qPrintable(k));
+        QCOMPARE(file.value("text", "> Bar-Color"), QStringLiteral("-2147483639"));
+        QCOMPARE(file.value("preset", "> caption"), QStringLiteral("Only a name"));
+        QCOMPARE(ReadPreset(path, Theme()), current); // now it carries the values
+    }
+
+    void applyingTakesTheFilesValues()
+    {
+        const QString path = m_home->filePath(QStringLiteral("full.dcp"));
+        const Theme saved = sampleTheme();
+        QVERIFY(WritePreset(path, saved, QStringLiteral("Full")));
+        QCOMPARE(ReadPreset(path, Theme()), saved);
+        // A value that is not a number keeps the current one; an empty face the current face.
+        writeFile(path, "[main]\n> Main-Contrast=lots\n[text]\n> Bar-Font=\n");
+        const Theme result = ReadPreset(path, saved);
+        QCOMPARE(result.MainContrast, saved.MainContrast);
+        QCOMPARE(result.BarFont, saved.BarFont);
+        SetPresetFile(path);
+        QCOMPARE(PresetRead("text", "Bar-Font", QString()), saved.BarFont);
+    }
+
+    void savingReplacesTheFile()
+    {
+        QString path;
+        QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Mine"), Theme(), &path),
+                 SavePresetResult::Saved);
+        Theme second = sampleTheme();
+        QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Mine"), second), SavePresetResult::Saved);
+        QCOMPARE(path, AppPaths::dataPath(QStringLiteral("themes/custom/Mine.dcp")));
+        const QByteArray text = readFile(path);
+        QCOMPARE(text.count("Main-Color"), 1);
+        QVERIFY(!text.contains("13855252"));
+        QCOMPARE(text, QByteArray("[main]\r\n> Main-Color=4478310\r\n> Main-Opacity=200\r\n> Main-Contrast=40\r\n"
+                                  "\r\n[text]\r\n> Bar-Font=DejaVu Sans Mono\r\n> Bar-Color=-2147483639\r\n"
+                                  "> Bar-Angle=180\r\n> Panel-Angle=90\r\n> Panel-Font=DejaVu Serif\r\n"
+                                  "> Panel-Color=16777215\r\n\r\n[preset]\r\n> caption=Mine\r\n"));
+        QVERIFY(m_messages.isEmpty());
+    }
+
+    void savingWithoutANameShowsTheMessage_data()
+    {
+        QTest::addColumn<QString>("name");
+        QTest::newRow("empty") << QString();
+        QTest::newRow("blanks") << QStringLiteral("   ");
+    }
+
+    void savingWithoutANameShowsTheMessage()
+    {
+        QFETCH(QString, name);
+        QCOMPARE(SavePreset(QStringLiteral("custom"), name, Theme()), SavePresetResult::NoName);
+        QCOMPARE(m_messages, QStringList{QStringLiteral("I12")});
+        QVERIFY(QDir(PresetFolderPath("custom")).entryList(QDir::Files).isEmpty());
+    }
+
+    void awkwardNamesMakeSafeFiles()
+    {
+        QString path;
+        QCOMPARE(SavePreset(QString(), QStringLiteral("../a/b:c"), Theme(), &path), SavePresetResult::Saved);
+        QCOMPARE(QFileInfo(path).fileName(), QStringLiteral("_._a_b_c.dcp"));
+        QCOMPARE(QFileInfo(path).absolutePath(), PresetFolderPath(QStringLiteral("custom")));
+        SetPresetFile(path);
+        QCOMPARE(PresetRead("preset", "caption", QString()), QStringLiteral("../a/b:c"));
+    }
+
+    void listingShowsSwatchesAndSizes()
+    {
+        Theme t = sampleTheme();
+        QCOMPARE(SavePreset(QStringLiteral("flat"), QStringLiteral("b second"), t), SavePresetResult::Saved);
+        QCOMPARE(SavePreset(QStringLiteral("flat"), QStringLiteral("A first"), Theme()), SavePresetResult::Saved);
+        writeFile(PresetFilePath("flat", "empty.dcp"), QByteArray());
+        writeFile(PresetFilePath("flat", "notes.txt"), "not a preset");
+
+        const QList<PresetListEntry> list = ListPresets(QStringLiteral("flat"), Theme());
+        QCOMPARE(list.size(), 3);
+        QCOMPARE(list[0].fileName, QStringLiteral("A first.dcp"));
+        QCOMPARE(list[1].fileName, QStringLiteral("b second.dcp"));
+        QCOMPARE(list[1].caption, QStringLiteral("b second"));
+        QCOMPARE(list[1].mainSwatch, BlendColor(t.MainColor, kShadowGrey, 250));
+        QCOMPARE(list[1].panelColor, t.PanelColor);
+        QCOMPARE(list[1].barColor, t.BarColor);
+        QCOMPARE(list[1].sizeText, QStringLiteral("1K"));
+        // The empty file was completed by the listing reads.
+        QCOMPARE(list[2].caption, QStringLiteral("empty"));
+        QVERIFY(list[2].bytes > 0);
+    }
+
+    void sizeText_data()
+    {
+        QTest::addColumn<qint64>("bytes");
+        QTest::addColumn<QString>("expected");
+        QTest::newRow("0") << qint64(0) << "0K";
+        QTest::newRow("1") << qint64(1) << "1K";
+        QTest::newRow("1024") << qint64(1024) << "1K";
+        QTest::newRow("1025") << qint64(1025) << "2K";
+    }
+
+    void sizeText()
+    {
+        QFETCH(qint64, bytes);
+        QFETCH(QString, expected);
+        QCOMPARE(PresetSizeText(bytes), expected);
+    }
+
+    void deletingOneOrAll()
+    {
+        for (const char *name : {"one", "two", "three"})
+            SavePreset(QStringLiteral("retro"), QString::fromLatin1(name), Theme());
+        writeFile(PresetFilePath("retro", "keep.txt"), "x");
+        QVERIFY(DeletePreset(QStringLiteral("retro"), QStringLiteral("two.dcp")));
+        QVERIFY(!DeletePreset(QStringLiteral("retro"), QStringLiteral("two.dcp")));
+        QVERIFY(!DeletePreset(QStringLiteral("retro"), QStringLiteral("../retro/one.dcp")));
+        QCOMPARE(DeleteAllPresets(QStringLiteral("retro")), 2);
+        QCOMPARE(QDir(PresetFolderPath("retro")).entryList(QDir::Files), QStringList{"keep.txt"});
+    }
+
+    void shippedPresetsAreCompleteAndInstalledOnce()
+    {
+        QCOMPARE(InstallMissingPresets(), countShipped());
+        for (const QString &group : PresetGroups()) {
+            if (group == QLatin1String("custom"))
+                continue;
+            const QList<PresetListEntry> list = ListPresets(group, Theme());
+            QVERIFY2(list.size() >= 3 && list.size() <= 5, qPrintable(group));
+            for (const PresetListEntry &e : list)
+                QVERIFY(!e.caption.isEmpty());
+        }
+        // A user's edit stays, a deleted preset stays deleted.
+        const QString edited = PresetFilePath("classic", "Slate.dcp");
+        writeFile(edited, "[preset]\n> caption=My slate\n");
+        QVERIFY(DeletePreset(QStringLiteral("led"), QStringLiteral("Red LED.dcp")));
+        QCOMPARE(InstallMissingPresets(), 0);
+        QCOMPARE(readFile(edited), QByteArray("[preset]\n> caption=My slate\n"));
+        QVERIFY(!QFile::exists(PresetFilePath("led", "Red LED.dcp")));
+        // Installed copies can be edited.
+        SetPresetFile(PresetFilePath("glass", "Frost.dcp"));
+        PresetWrite("main", "Main-Opacity", "150");
+        QVERIFY(LastPresetWriteSucceeded());
+    }
+
+    void shippedPresetsCarryEveryValue()
+    {
+        QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        int count = 0;
+        while (it.hasNext()) {
+            IniFile file(it.next());
+            QVERIFY(file.load());
+            for (const char *k : {"Main-Color", "Main-Opacity", "Main-Contrast"})
+                QVERIFY2(!file.value("main", QStringLiteral("> ") + k).isEmpty(), qPrintable(file.path()));
+            for (const char *k : {"Bar-Font", "Bar-Color", "Bar-Angle", "Panel-Angle", "Panel-Font", "Panel-Color"})
+                QVERIFY2(!file.value("text", QStringLiteral("> ") + k).isEmpty(), qPrintable(file.path()));
+            QVERIFY(!file.value("preset", "> caption").isEmpty());
+            const int opacity = file.value("main", "> Main-Opacity").toInt();
+            QVERIFY(opacity >= 10 && opacity <= 255);
+            ++count;
+        }
+        QVERIFY(count >= 21);
+    }
+
+private:
+    static int countShipped()
+    {
+        int n = 0;
+        QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            it.next();
+            ++n;
+        }
+        return n;
+    }
+
+    std::unique_ptr<TestHome> m_home;
+    QStringList m_messages;
+};
+
+QTEST_GUILESS_MAIN(TestPresets)
+#include "test_presets.moc"
