@@ -1,35 +1,153 @@
-// Placeholder until the full placement rules land: position and size in pixels only.
 #include "core/window_placement.h"
 
 #include "core/settings_store.h"
 
+#include <QGuiApplication>
+#include <QScreen>
 #include <QWidget>
+#include <cmath>
 
 namespace {
-QString placementKey(QWidget *w)
+
+const QString kState = QStringLiteral("Window State");
+const QString kLeft = QStringLiteral("Left");
+const QString kTop = QStringLiteral("Top");
+const QString kWidth = QStringLiteral("Width");
+const QString kHeight = QStringLiteral("Height");
+
+enum StoredState { Normal = 0, Minimised = 1, Maximised = 2 };
+
+QString placementKey(const QWidget *window)
 {
-    return SettingsRoot() + w->objectName() + QStringLiteral("\\Window");
+    return SettingsRoot() + window->objectName() + QStringLiteral("\\Window");
 }
+
+QScreen *screenOf(const QWidget *window)
+{
+    QScreen *screen = window->screen();
+    return screen ? screen : QGuiApplication::primaryScreen();
+}
+
+double dotsPerInch(const QWidget *window)
+{
+    const QScreen *screen = screenOf(window);
+    const double dpi = screen ? screen->logicalDotsPerInch() : 96.0;
+    return dpi > 0 ? dpi : 96.0;
+}
+
+int storedStateOf(const QWidget *window)
+{
+    const Qt::WindowStates state = window->windowState();
+    if (state & Qt::WindowMinimized)
+        return Minimised;
+    if (state & (Qt::WindowMaximized | Qt::WindowFullScreen))
+        return Maximised;
+    return Normal;
+}
+
+// Twips are written as single-precision numbers, as decimal text.
+QString twipsText(double twips)
+{
+    return QString::number(double(float(twips)), 'g', 7);
+}
+
+void writeValue(const QString &key, const QString &name, const QString &text)
+{
+    WriteSetting(Hive::CurrentUser, key, name, text);
+}
+
+// The stored number, or `current` when it is missing or is not a number.
+double readNumber(const QString &key, const QString &name, double current)
+{
+    bool ok = false;
+    const double value = ReadSetting(Hive::CurrentUser, key, name, twipsText(current)).toDouble(&ok);
+    return ok && std::isfinite(value) ? value : current;
+}
+
+// Applies the stored state; true when the window is to stay at its normal size and place.
+// A value other than 0, 1 or 2 is skipped and the window keeps its present state.
+bool restoreState(QWidget *window, const QString &key)
+{
+    bool ok = false;
+    const QString text = ReadSetting(Hive::CurrentUser, key, kState, QString::number(storedStateOf(window)));
+    const int stored = SettingToInt(text, &ok);
+    constexpr Qt::WindowStates notNormal = Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen;
+    if (ok && stored == Normal)
+        window->setWindowState(window->windowState() & ~notNormal);
+    const bool maximise = (ok && (stored == Minimised || stored == Maximised)) || storedStateOf(window) != Normal;
+    if (maximise)
+        window->setWindowState(Qt::WindowMaximized); // minimised comes back maximised, by design
+    return !maximise;
+}
+
 } // namespace
+
+double PixelsToTwips(double pixels, double dotsPerInch)
+{
+    return pixels * 1440.0 / dotsPerInch;
+}
+
+int TwipsToPixels(double twips, double dotsPerInch)
+{
+    return int(std::lround(twips * dotsPerInch / 1440.0));
+}
+
+double CentredPosition(double windowSize, double screenSize)
+{
+    const double centred = std::nearbyint((screenSize + windowSize) * 0.5 - windowSize); // halves to even
+    return centred < 0 ? 15.0 : centred;
+}
+
+double PlacementAxis(double stored, double windowSize, double screenSize)
+{
+    if (stored < 0 || stored + windowSize > screenSize)
+        return CentredPosition(windowSize, screenSize);
+    return stored;
+}
 
 void SaveWindowPlacement(QWidget *window, bool withSize)
 {
+    if (!window)
+        return;
     const QString key = placementKey(window);
-    WriteSetting(Hive::CurrentUser, key, QStringLiteral("Left"), QString::number(window->x() * 15));
-    WriteSetting(Hive::CurrentUser, key, QStringLiteral("Top"), QString::number(window->y() * 15));
+    const double dpi = dotsPerInch(window);
     if (withSize) {
-        WriteSetting(Hive::CurrentUser, key, QStringLiteral("Width"), QString::number(window->width() * 15));
-        WriteSetting(Hive::CurrentUser, key, QStringLiteral("Height"), QString::number(window->height() * 15));
+        const int state = storedStateOf(window);
+        writeValue(key, kState, QString::number(state));
+        if (state != Normal)
+            return; // keep the last normal rectangle
+    }
+    writeValue(key, kLeft, twipsText(PixelsToTwips(window->x(), dpi)));
+    writeValue(key, kTop, twipsText(PixelsToTwips(window->y(), dpi)));
+    if (withSize) {
+        writeValue(key, kWidth, twipsText(PixelsToTwips(window->width(), dpi)));
+        writeValue(key, kHeight, twipsText(PixelsToTwips(window->height(), dpi)));
     }
 }
 
 void RestoreWindowPlacement(QWidget *window, bool withSize)
 {
+    if (!window)
+        return;
     const QString key = placementKey(window);
-    auto read = [&](const char *name, int current) {
-        return ReadSetting(Hive::CurrentUser, key, QLatin1String(name), QString::number(current * 15)).toInt() / 15;
-    };
-    if (withSize)
-        window->resize(read("Width", window->width()), read("Height", window->height()));
-    window->move(read("Left", window->x()), read("Top", window->y()));
+    const double dpi = dotsPerInch(window);
+    if (withSize) {
+        if (!restoreState(window, key))
+            return;
+        const double height = readNumber(key, kHeight, PixelsToTwips(window->height(), dpi));
+        const double width = readNumber(key, kWidth, PixelsToTwips(window->width(), dpi));
+        window->resize(TwipsToPixels(width, dpi), TwipsToPixels(height, dpi));
+    }
+
+    const QScreen *screen = screenOf(window);
+    const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    const double originX = PixelsToTwips(area.x(), dpi);
+    const double originY = PixelsToTwips(area.y(), dpi);
+    const double widthTw = PixelsToTwips(window->width(), dpi);
+    const double heightTw = PixelsToTwips(window->height(), dpi);
+    const double left = readNumber(key, kLeft, PixelsToTwips(window->x(), dpi));
+    const double top = readNumber(key, kTop, PixelsToTwips(window->y(), dpi));
+    const double x = originX + PlacementAxis(left - originX, widthTw, PixelsToTwips(area.width(), dpi));
+    const double y = originY + PlacementAxis(top - originY, heightTw, PixelsToTwips(area.height(), dpi));
+    window->move(TwipsToPixels(x, dpi), TwipsToPixels(y, dpi));
 }
