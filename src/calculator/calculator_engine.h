@@ -34,7 +34,14 @@
 class CalculatorEngine
 {
 public:
-    enum class Operator { None, Add, Subtract, Multiply, Divide };
+    enum class Operator
+    {
+        None,
+        Add,
+        Subtract,
+        Multiply,
+        Divide
+    };
 
     // Key actions.
     void pressDigit(int digit);
@@ -65,7 +72,7 @@ public:
     bool freshEntry() const { return m_freshEntry; }
     bool secondOperandTyped() const { return m_secondOperandTyped; }
     double memory() const { return m_memory; }
-    const QString &functionSign() const { return m_functionSign; } // lblDISPLAYFUNC
+    const QString &functionSign() const { return m_functionSign; }   // lblDISPLAYFUNC
     const QString &memoryDisplay() const { return m_memoryDisplay; } // lblDISPLAYMEM
 
     // Text-to-number: the longest leading part of text (after leading blanks) that reads as a
