@@ -116,15 +116,9 @@ void TestCalculatorWidget::clicks_data()
 
     QTest::newRow("add") << "lblNUMBER_2 lblADD lblNUMBER_3 lblEQUALS" << "5.0" << "";
     QTest::newRow("chain shows the step") << "lblNUMBER_2 lblADD lblNUMBER_3 lblMULTIPLY" << "5.0" << "×";
-    QTest::newRow("chain")
-        << "lblNUMBER_2 lblADD lblNUMBER_3 lblMULTIPLY lblNUMBER_4 lblEQUALS" << "20.0" << "";
     QTest::newRow("divide by zero") << "lblNUMBER_7 lblDIVIDE lblNUMBER_0 lblEQUALS" << "0.0" << "";
     QTest::newRow("zero rule") << "lblNUMBER_0 lblPOINT lblNUMBER_0 lblNUMBER_5" << "5" << "";
-    QTest::newRow("plus/minus") << "lblNUMBER_3 lblPLUSMINUS" << "-3.0" << "";
-    QTest::newRow("delete") << "lblNUMBER_1 lblNUMBER_2 lblDELETE" << "1" << "";
-    QTest::newRow("subtract sign") << "lblNUMBER_9 lblSUBTRACT" << "9" << "-";
     QTest::newRow("divide sign") << "lblNUMBER_9 lblDIVIDE" << "9" << "÷";
-    QTest::newRow("clear") << "lblNUMBER_9 lblSUBTRACT lblCLEAR" << "0" << "";
     QTest::newRow("clear entry") << "lblNUMBER_9 lblSUBTRACT lblNUMBER_4 lblCLEARENTRY" << "0" << "-";
     QTest::newRow("memory recall") << "lblNUMBER_6 lblMEMSET lblCLEAR lblMEMRECALL" << "6" << "";
 }
@@ -149,9 +143,7 @@ void TestCalculatorWidget::typing_data()
     QTest::newRow("add") << "12+3=" << "15.0";
     QTest::newRow("multiply") << "2*3=" << "6.0";
     QTest::newRow("divide") << "8/2=" << "4.0";
-    QTest::newRow("subtract") << "9-4=" << "5.0";
     QTest::newRow("comma is a point") << "1,5" << "1.5";
-    QTest::newRow("point") << "2.25" << "2.25";
     QTest::newRow("letters ignored") << "4a2" << "42";
 }
 
