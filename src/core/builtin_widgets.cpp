@@ -1,8 +1,10 @@
 #include "core/builtin_widgets.h"
 
+#include "calculator/calculator_widget.h"
 #include "core/widget_registry.h"
 
 void RegisterBuiltInWidgets()
 {
-    [[maybe_unused]] WidgetRegistry &registry = WidgetRegistry::instance();
+    WidgetRegistry &registry = WidgetRegistry::instance();
+    registry.registerWidget(WidgetCalculator, [] { return new CalculatorWidget; });
 }
