@@ -1,7 +1,16 @@
+#include "core/application_start.h"
+
 #include <QApplication>
+#include <QIcon>
 
 int main(int argc, char *argv[])
 {
     QApplication app(argc, argv);
-    return 0;
+    QApplication::setApplicationName(QStringLiteral("Vantora"));
+    QApplication::setOrganizationName(QStringLiteral("Vantora"));
+    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vantora.svg")));
+
+    ApplicationStart start;
+    start.run();
+    return app.exec();
 }

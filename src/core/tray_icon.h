@@ -1,11 +1,11 @@
 #pragma once
 
+#include "core/widget_context_menu.h"
+
 #include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QSystemTrayIcon>
-
-class WidgetContextMenu;
 
 // The notification-area icon ("mdb_TRY"), the program's permanent handle while the dashboard
 // is hidden: a left double click brings the dashboard back, a right click opens the shared

@@ -1,0 +1,162 @@
+#include "core/application_start.h"
+
+#include "core/builtin_widgets.h"
+#include "core/dashboard_window.h"
+#include "core/data_folders.h"
+#include "core/program_settings_model.h"
+#include "core/shipped_data.h"
+#include "core/startup_decisions.h"
+#include "core/tray_icon.h"
+#include "core/widget_context_menu.h"
+#include "core/widget_frame.h"
+#include "core/widget_registry.h"
+#include "themes/theme.h"
+#include "themes/theme_presets.h"
+#include "time/alarm_popup.h" // scheduler_window.h needs the complete type for its QPointer
+#include "time/scheduler_window.h"
+
+#include <QApplication>
+#include <QTimer>
+
+namespace {
+// Dialogs and the hidden windows' texts never go below this size.
+constexpr int kMinimumFontPoints = 8;
+} // namespace
+
+ApplicationStart::ApplicationStart(QObject *parent)
+    : QObject(parent)
+{
+}
+
+ApplicationStart::~ApplicationStart()
+{
+    SetContextMenuHandler({});
+    delete m_tray;
+    delete m_dashboard;
+    delete m_scheduler; // the context menu is its child
+}
+
+DashboardWindow *ApplicationStart::dashboard() const
+{
+    return m_dashboard;
+}
+
+TrayIcon *ApplicationStart::tray() const
+{
+    return m_tray;
+}
+
+WidgetContextMenu *ApplicationStart::contextMenu() const
+{
+    return m_menu;
+}
+
+SchedulerWindow *ApplicationStart::scheduler() const
+{
+    return m_scheduler;
+}
+
+void ApplicationStart::run()
+{
+    prepareValues();
+    QCoreApplication::processEvents();
+    prepareData();
+    m_choice = StartupDecisions::readProgramChoice();
+    loadWindows();
+    m_dashboard->StartUpdateCheck(false);
+
+    bool handedOver = false;
+    if (StartupDecisions::showsWizard(m_choice)) {
+        handedOver = m_dashboard->openWizard();
+        m_choice = m_dashboard->IndxSel();
+    }
+    QCoreApplication::processEvents();
+    // The wizard's Start has already handed over; a wizard closed without a choice leaves
+    // -1, which shows the dashboard.
+    if (!handedOver)
+        m_dashboard->handOverAtStart(m_choice);
+}
+
+void ApplicationStart::prepareValues()
+{
+    // Widgets stand alone while the dashboard waits in the tray: closing the last visible
+    // window must not end the program; only the dashboard's Exit does.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QFont font = QApplication::font();
+    if (font.pointSizeF() > 0 && font.pointSizeF() < kMinimumFontPoints) {
+        font.setPointSize(kMinimumFontPoints);
+        QApplication::setFont(font);
+    }
+    const ProgramSettingsModel::Values settings = ProgramSettingsModel::load();
+    ProgramSettingsModel::setWebcamIntervalSeconds(ProgramSettingsModel::intervalSeconds(settings.timerInterval));
+}
+
+void ApplicationStart::prepareData()
+{
+    LoadThemeFromRegistry();
+    PrepareAllDataFolders();
+    InstallMissingPresets();
+    QString problem;
+    if (!InstallMissingDictionaries(&problem))
+        m_startNotice = problem;
+    registerWidgetsOnce();
+}
+
+void ApplicationStart::registerWidgetsOnce()
+{
+    static bool registered = false;
+    if (registered)
+        return;
+    registered = true;
+    RegisterBuiltInWidgets();
+}
+
+void ApplicationStart::loadWindows()
+{
+    m_dashboard = new DashboardWindow;
+    m_dashboard->setIndxSel(m_choice);
+    connect(m_dashboard, &DashboardWindow::unloaded, this, &ApplicationStart::end);
+
+    m_scheduler = new SchedulerWindow;
+    m_menu = new WidgetContextMenu(m_scheduler);
+    m_dashboard->attachContextMenu(m_menu);
+    SetContextMenuHandler([this](QWidget *window, const QPoint &pos) { popUpContextMenu(window, pos); });
+
+    m_dashboard->loadDashboard(m_choice);
+    if (!m_startNotice.isEmpty())
+        m_dashboard->setNotice(m_startNotice);
+
+    m_tray = new TrayIcon;
+    m_tray->setTooltip(QStringLiteral("Vantora"));
+    m_tray->setContextMenu(m_menu);
+    m_tray->TraySetIcon(m_dashboard);
+
+    connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
+            &ApplicationStart::keepSomethingOnScreen);
+}
+
+void ApplicationStart::popUpContextMenu(QWidget *window, const QPoint &globalPos)
+{
+    if (m_menu && m_dashboard)
+        m_menu->popUpFor(window, m_dashboard->isVisible(), globalPos);
+}
+
+void ApplicationStart::keepSomethingOnScreen()
+{
+    // Without a tray icon a hidden dashboard and no widget would leave a program nobody can
+    // reach; bring the dashboard back instead.
+    if (TrayIcon::isAvailable() || !m_dashboard || m_dashboard->isUnloading() || m_dashboard->isVisible())
+        return;
+    if (WidgetRegistry::instance().openWidgets().isEmpty())
+        m_dashboard->showDashboard();
+}
+
+void ApplicationStart::end()
+{
+    SetContextMenuHandler({});
+    delete m_tray;
+    delete m_scheduler;
+    // Queued: the dashboard is still inside its close handler.
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    emit ended();
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+
+class DashboardWindow;
+class SchedulerWindow;
+class TrayIcon;
+class WidgetContextMenu;
+
+// The entry routine: prepares the program-wide values, the theme and the data folders, loads
+// the hidden scheduler window, the dashboard and the tray icon, shows the first-run wizard when
+// no choice has been made, and hands over to the dashboard or the one chosen widget. The
+// program ends when the dashboard unloads (its Exit command).
+class ApplicationStart : public QObject
+{
+    Q_OBJECT
+public:
+    explicit ApplicationStart(QObject *parent = nullptr);
+    ~ApplicationStart() override;
+
+    // Runs the start-up steps in order. The event loop is the caller's (QApplication::exec).
+    void run();
+
+    // Registers the built-in widgets with the WidgetRegistry the first time it is called in the
+    // process; run() calls it. Tests call it first and then put their own factories in place.
+    static void registerWidgetsOnce();
+
+    // The first-run choice the start ended with (after the wizard, when it ran).
+    int choice() const { return m_choice; }
+    DashboardWindow *dashboard() const;
+    TrayIcon *tray() const;
+    WidgetContextMenu *contextMenu() const;
+    SchedulerWindow *scheduler() const;
+
+signals:
+    // Every window is closed and the event loop has been asked to end.
+    void ended();
+
+private:
+    void prepareValues();
+    void prepareData();
+    void loadWindows();
+    void popUpContextMenu(QWidget *window, const QPoint &globalPos);
+    void keepSomethingOnScreen();
+    void end();
+
+    QPointer<DashboardWindow> m_dashboard;
+    QPointer<SchedulerWindow> m_scheduler;
+    QPointer<WidgetContextMenu> m_menu;
+    QPointer<TrayIcon> m_tray;
+    int m_choice = -1;
+    QString m_startNotice;
+};
