@@ -6,8 +6,8 @@
 
 #include <QCheckBox>
 #include <QComboBox>
-#include <QFileDialog>
 #include <QDir>
+#include <QFileDialog>
 #include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
@@ -50,7 +50,8 @@ QComboBox *timeBox(int n, const QString &stored)
 }
 } // namespace
 
-AlarmDialog::AlarmDialog(QWidget *parent) : ThemedDialog(AlarmPreset::windowName(), tr("Vantora Alarm Setup"), parent)
+AlarmDialog::AlarmDialog(QWidget *parent)
+    : ThemedDialog(AlarmPreset::windowName(), tr("Vantora Alarm Setup"), parent)
 {
     auto *grid = new QGridLayout;
     grid->addWidget(new QLabel(tr("On")), 0, 0);

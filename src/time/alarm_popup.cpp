@@ -7,10 +7,9 @@
 #include <QPushButton>
 #include <QVBoxLayout>
 
-AlarmPopup::AlarmPopup(QWidget *parent) : ThemedDialog(QStringLiteral("falc_POP"), tr("Vantora Alarm"), parent)
+AlarmPopup::AlarmPopup(QWidget *parent)
+    : ThemedDialog(QStringLiteral("falc_POP"), tr("Vantora Alarm"), parent)
 {
-    setWindowFlag(Qt::WindowStaysOnTopHint, true);
-
     m_message = new QLabel;
     m_message->setObjectName(QStringLiteral("lablMESSAGE"));
     m_message->setWordWrap(true);

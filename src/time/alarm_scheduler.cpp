@@ -40,7 +40,8 @@ QString AlarmScheduler::otherSound()
 
 void AlarmScheduler::saveSound(bool bell, const QString &path)
 {
-    WriteDetail(AlarmPreset::windowName(), kAlarmType, bell ? QStringLiteral("True") : QStringLiteral("False"));
+    WriteDetail(AlarmPreset::windowName(), kAlarmType,
+                bell ? QStringLiteral("True") : QStringLiteral("False"));
     WriteDetail(AlarmPreset::windowName(), kOtherSound, path);
 }
 

@@ -30,7 +30,8 @@ ClockSettingsDialog::ClockSettingsDialog(QWidget *parent)
     : ThemedDialog(ClockSettings::windowName(), tr("Vantora Clock Settings"), parent)
 {
     const ClockSettings s = ClockSettings::load();
-    m_modern = checkBox(QStringLiteral("chkMODERN"), tr("Modern style (seconds and am/pm beside the time)"), s.modern);
+    m_modern = checkBox(QStringLiteral("chkMODERN"), tr("Modern style (seconds and am/pm beside the time)"),
+                        s.modern);
     m_secs = checkBox(QStringLiteral("chkSECS"), tr("Show seconds (classic style)"), s.secsShow);
     m_ampm = checkBox(QStringLiteral("chkAMPM"), tr("Show am/pm (classic style)"), s.ampmShow);
     m_hour24 = checkBox(QStringLiteral("chk24HOUR"), tr("24-hour clock"), s.hour24);
@@ -63,9 +64,9 @@ ClockSettingsDialog::ClockSettingsDialog(QWidget *parent)
     buttons->addWidget(cancelButton);
 
     auto *layout = new QVBoxLayout;
-    for (QWidget *w : {static_cast<QWidget *>(m_modern), static_cast<QWidget *>(m_secs),
-                       static_cast<QWidget *>(m_ampm), static_cast<QWidget *>(m_hour24),
-                       static_cast<QWidget *>(m_dateDefault)})
+    for (QWidget *w :
+         {static_cast<QWidget *>(m_modern), static_cast<QWidget *>(m_secs), static_cast<QWidget *>(m_ampm),
+          static_cast<QWidget *>(m_hour24), static_cast<QWidget *>(m_dateDefault)})
         layout->addWidget(w);
     layout->addLayout(custom);
     layout->addWidget(m_preview);

@@ -11,9 +11,9 @@
 #include "time/hover_check.h"
 
 #include <QFontMetricsF>
-#include <cmath>
 #include <QLabel>
 #include <QTimer>
+#include <cmath>
 
 namespace {
 constexpr int kClockInterval = 55;
@@ -32,8 +32,8 @@ QLabel *panelLabel(const QString &name, QWidget *parent)
 } // namespace
 
 ClockWidget::ClockWidget(QWidget *parent)
-    : WidgetWindow(WidgetWindowName(WidgetClock), WidgetClock, tr("Vantora Alarm Clock"), parent)
-    , m_model(new ClockModel(this))
+    : WidgetWindow(WidgetWindowName(WidgetClock), WidgetClock, tr("Vantora Alarm Clock"), parent),
+      m_model(new ClockModel(this))
 {
     m_time = panelLabel(QStringLiteral("lblPANECLOCK"), panel());
     m_secs = panelLabel(QStringLiteral("lblSECS"), panel());
@@ -73,11 +73,6 @@ void ClockWidget::openSettingsDialog()
 void ClockWidget::openAlarmDialog()
 {
     AlarmDialog::showSingle();
-}
-
-void ClockWidget::ThemeElementsUpdate()
-{
-    WidgetWindow::ThemeElementsUpdate(); // colours, font faces, then relayout()
 }
 
 void ClockWidget::setTextIfChanged(QLabel *label, const QString &text)
@@ -140,8 +135,8 @@ void ClockWidget::layoutBar()
     const int h = barHeight();
     QFont barFont = m_date->font();
     barFont.setPixelSize(qMax(9, h / 2));
-    for (QLabel *label : {static_cast<QLabel *>(m_date), static_cast<QLabel *>(m_alarm),
-                          static_cast<QLabel *>(m_settings)}) {
+    for (QLabel *label :
+         {static_cast<QLabel *>(m_date), static_cast<QLabel *>(m_alarm), static_cast<QLabel *>(m_settings)}) {
         if (label->font() != barFont)
             label->setFont(barFont);
     }
@@ -195,15 +190,16 @@ void ClockWidget::layoutModern(const QRect &area)
     m_style->setFont(sideFont);
     m_secs->setFont(sideFont);
     const int sideHeight = int(std::ceil(sfm.height()));
-    m_style->setGeometry(column, int(digitTop - (sfm.ascent() - sfm.capHeight())), columnWidth + 1, sideHeight);
+    m_style->setGeometry(column, int(digitTop - (sfm.ascent() - sfm.capHeight())), columnWidth + 1,
+                         sideHeight);
     m_secs->setGeometry(column, int(baseline - sfm.ascent()), columnWidth + 1, sideHeight);
 }
 
 void ClockWidget::layoutClassic(const QRect &area)
 {
     const QFont base = m_time->font();
-    const QFont font = FontFit::fitting(base, FontFit::widestDigits(base, m_time->text()), area.width(),
-                                        area.height());
+    const QFont font =
+        FontFit::fitting(base, FontFit::widestDigits(base, m_time->text()), area.width(), area.height());
     m_time->setFont(font);
     m_time->setAlignment(Qt::AlignCenter);
     m_time->setGeometry(area);

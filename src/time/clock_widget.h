@@ -26,9 +26,6 @@ public:
     void openSettingsDialog() override;
     void openAlarmDialog();
 
-public slots:
-    void ThemeElementsUpdate() override;
-
 protected:
     void relayout() override;
     void showEvent(QShowEvent *event) override;
@@ -44,10 +41,10 @@ private:
     static void setTextIfChanged(QLabel *label, const QString &text);
 
     ClockModel *m_model = nullptr;
-    QLabel *m_time = nullptr;  // lblPANECLOCK
-    QLabel *m_secs = nullptr;  // lblSECS
-    QLabel *m_style = nullptr; // lblSTYLE
-    QLabel *m_date = nullptr;  // lblBARDATE
+    QLabel *m_time = nullptr;             // lblPANECLOCK
+    QLabel *m_secs = nullptr;             // lblSECS
+    QLabel *m_style = nullptr;            // lblSTYLE
+    QLabel *m_date = nullptr;             // lblBARDATE
     ClickableLabel *m_alarm = nullptr;    // lblALARM
     ClickableLabel *m_settings = nullptr; // lblSETTINGS
     QTimer *m_clockTimer = nullptr;       // tmrCLOCK

@@ -15,7 +15,12 @@ class CountdownModel : public QObject
 {
     Q_OBJECT
 public:
-    enum Field { Hours, Minutes, Seconds };
+    enum Field
+    {
+        Hours,
+        Minutes,
+        Seconds
+    };
 
     explicit CountdownModel(QObject *parent = nullptr);
 

@@ -39,8 +39,8 @@ QLabel *colon(int index, QWidget *parent)
 } // namespace
 
 CountdownWidget::CountdownWidget(QWidget *parent)
-    : WidgetWindow(WidgetWindowName(WidgetTimer), WidgetTimer, tr("Vantora Timer"), parent)
-    , m_model(new CountdownModel(this))
+    : WidgetWindow(WidgetWindowName(WidgetTimer), WidgetTimer, tr("Vantora Timer"), parent),
+      m_model(new CountdownModel(this))
 {
     m_model->setMessageOwner(this);
     m_model->load();
@@ -130,7 +130,8 @@ void CountdownWidget::setFieldFinished(CountdownModel::Field field)
 void CountdownWidget::layoutRow(const QList<QWidget *> &row, const QFont &font, int top, int height)
 {
     const QFontMetrics fm(font);
-    const int digits = fm.horizontalAdvance(FontFit::widestDigits(font, QStringLiteral("00"))) + fm.averageCharWidth();
+    const int digits =
+        fm.horizontalAdvance(FontFit::widestDigits(font, QStringLiteral("00"))) + fm.averageCharWidth();
     const int sep = fm.horizontalAdvance(QLatin1Char(':')) + 2;
     auto widthOf = [&](QWidget *w) {
         if (qobject_cast<QLineEdit *>(w))
@@ -187,8 +188,8 @@ void CountdownWidget::relayout()
     // Two extra character widths for the padding of the three fields.
     const QString sample = FontFit::widestDigits(base, QStringLiteral("00:00:00")) + QStringLiteral("00");
     const QFont runFont = FontFit::fitting(base, sample, area.width(), runHeight);
-    layoutRow({m_running[0], m_separators[0], m_running[1], m_separators[1], m_running[2]}, runFont, area.top(),
-              runHeight);
+    layoutRow({m_running[0], m_separators[0], m_running[1], m_separators[1], m_running[2]}, runFont,
+              area.top(), runHeight);
 
     QFont setFont = FontFit::withPixelSize(m_set[0]->font(), qMax(9, setHeight * 11 / 20));
     layoutRow({m_setCaption, m_set[0], m_separators[2], m_set[1], m_separators[3], m_set[2]}, setFont,

@@ -41,12 +41,12 @@ private:
     void layoutRow(const QList<QWidget *> &row, const QFont &font, int top, int height);
 
     CountdownModel *m_model = nullptr;
-    QLineEdit *m_running[3] = {};        // txtHRS, txtMIN, txtSECS
-    QLineEdit *m_set[3] = {};            // txtSUBHRS, txtSUBMIN, txtSUBSECS
-    QLabel *m_separators[4] = {};        // the colons of both rows
-    QLabel *m_setCaption = nullptr;      // lblSETTIME
-    ClickableLabel *m_start = nullptr;   // lblBTNSTART
-    ClickableLabel *m_stop = nullptr;    // lblBTNSTOP
-    QTimer *m_countTimer = nullptr;      // tmrSTARTPLAY
-    HoverCheck *m_panelHover = nullptr;  // tmrPANEL
+    QLineEdit *m_running[3] = {};       // txtHRS, txtMIN, txtSECS
+    QLineEdit *m_set[3] = {};           // txtSUBHRS, txtSUBMIN, txtSUBSECS
+    QLabel *m_separators[4] = {};       // the colons of both rows
+    QLabel *m_setCaption = nullptr;     // lblSETTIME
+    ClickableLabel *m_start = nullptr;  // lblBTNSTART
+    ClickableLabel *m_stop = nullptr;   // lblBTNSTOP
+    QTimer *m_countTimer = nullptr;     // tmrSTARTPLAY
+    HoverCheck *m_panelHover = nullptr; // tmrPANEL
 };

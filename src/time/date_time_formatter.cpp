@@ -4,7 +4,17 @@
 
 namespace {
 
-enum class Field { Literal, Day, Month, Year, Hour, Minute, Second, AmPm };
+enum class Field
+{
+    Literal,
+    Day,
+    Month,
+    Year,
+    Hour,
+    Minute,
+    Second,
+    AmPm
+};
 
 struct Token
 {

@@ -19,9 +19,7 @@ void setUnderline(QLabel *label, bool on)
 } // namespace
 
 HoverCheck::HoverCheck(QWidget *window, const QString &timerName, QList<QLabel *> buttons)
-    : QObject(window)
-    , m_window(window)
-    , m_timer(new QTimer(window))
+    : QObject(window), m_window(window), m_timer(new QTimer(window))
 {
     for (QLabel *b : buttons)
         m_buttons << b;

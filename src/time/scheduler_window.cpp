@@ -86,7 +86,9 @@ void SchedulerWindow::showAlarm(const QString &message)
     if (!m_popup)
         m_popup = new AlarmPopup;
     m_popup->setMessage(message);
-    if (!m_popup->isVisible())
+    if (!m_popup->isVisible()) {
         m_popup->show();
+        m_popup->activateWindow(); // once, not on each of the second's ten checks
+    }
     m_popup->raise();
 }

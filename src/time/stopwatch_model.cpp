@@ -35,7 +35,8 @@ QString StopwatchModel::advance(const QString &text)
         minutes += 1;
         seconds = 0;
     }
-    return twoDigits(minutes) + QLatin1Char(':') + twoDigits(seconds) + QLatin1Char('.') + twoDigits(tenths * 6);
+    return twoDigits(minutes) + QLatin1Char(':') + twoDigits(seconds) + QLatin1Char('.') +
+           twoDigits(tenths * 6);
 }
 
 void StopwatchModel::tick()

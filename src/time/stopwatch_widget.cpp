@@ -17,8 +17,8 @@ constexpr int kMargin = 6;
 } // namespace
 
 StopwatchWidget::StopwatchWidget(QWidget *parent)
-    : WidgetWindow(WidgetWindowName(WidgetStopwatch), WidgetStopwatch, tr("Vantora Stopwatch"), parent)
-    , m_model(new StopwatchModel(this))
+    : WidgetWindow(WidgetWindowName(WidgetStopwatch), WidgetStopwatch, tr("Vantora Stopwatch"), parent),
+      m_model(new StopwatchModel(this))
 {
     m_display = new QLabel(m_model->text(), panel());
     m_display->setObjectName(QStringLiteral("lblTIME"));
@@ -86,8 +86,8 @@ void StopwatchWidget::relayout()
 
     const QRect area = panel()->rect().adjusted(kMargin, kMargin / 2, -kMargin, -kMargin);
     const QFont base = m_display->font();
-    m_display->setFont(FontFit::fitting(base, FontFit::widestDigits(base, m_display->text()), area.width(),
-                                        area.height()));
+    m_display->setFont(
+        FontFit::fitting(base, FontFit::widestDigits(base, m_display->text()), area.width(), area.height()));
     m_display->setGeometry(area);
     m_laidOutLength = m_display->text().size();
 }

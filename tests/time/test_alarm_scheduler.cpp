@@ -69,12 +69,18 @@ void TestAlarmScheduler::normalizedTime_data()
 {
     QTest::addColumn<QString>("stored");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("already right") << "07:15:00" << "07:15:00";
-    QTest::newRow("short hour") << "7:15:00" << "07:15:00";
-    QTest::newRow("no seconds") << " 7:15 " << "07:15:00";
-    QTest::newRow("not a time") << "tea time" << "tea time";
-    QTest::newRow("out of range") << "25:00:00" << "25:00:00";
-    QTest::newRow("empty") << "" << "";
+    QTest::newRow("already right") << "07:15:00"
+                                   << "07:15:00";
+    QTest::newRow("short hour") << "7:15:00"
+                                << "07:15:00";
+    QTest::newRow("no seconds") << " 7:15 "
+                                << "07:15:00";
+    QTest::newRow("not a time") << "tea time"
+                                << "tea time";
+    QTest::newRow("out of range") << "25:00:00"
+                                  << "25:00:00";
+    QTest::newRow("empty") << ""
+                           << "";
 }
 
 void TestAlarmScheduler::normalizedTime()

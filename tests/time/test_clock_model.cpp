@@ -109,19 +109,32 @@ void TestClockModel::customDateFormats_data()
     QTest::addColumn<QString>("expected");
 
     const QTime t(0, 30, 7);
-    QTest::newRow("default custom") << t << "dddd, d mmmm" << "Monday, 5 January";
-    QTest::newRow("short names") << t << "ddd d mmm yy" << "Mon 5 Jan 26";
-    QTest::newRow("numeric") << t << "dd/mm/yyyy" << "05/01/2026";
-    QTest::newRow("upper case letters") << t << "DDDD D MMMM YYYY" << "Monday 5 January 2026";
-    QTest::newRow("quoted literal") << t << "\"Today is\" dddd!" << "Today is Monday!";
-    QTest::newRow("escaped letters") << t << "\\d\\a\\y d" << "day 5";
-    QTest::newRow("plain literal text") << t << "(week of) d/m" << "(week of) 5/1";
-    QTest::newRow("m after hour is minutes") << t << "hh:mm" << "00:30";
-    QTest::newRow("m before seconds is minutes") << t << "mm:ss" << "30:07";
-    QTest::newRow("n is minutes") << t << "h:nn" << "0:30";
-    QTest::newRow("ampm makes 12-hour") << QTime(13, 5) << "h:nn ampm" << "1:05 PM";
-    QTest::newRow("ampm at midnight") << QTime(0, 5) << "hh:nn ampm" << "12:05 AM";
-    QTest::newRow("empty format") << t << "" << "";
+    QTest::newRow("default custom") << t << "dddd, d mmmm"
+                                    << "Monday, 5 January";
+    QTest::newRow("short names") << t << "ddd d mmm yy"
+                                 << "Mon 5 Jan 26";
+    QTest::newRow("numeric") << t << "dd/mm/yyyy"
+                             << "05/01/2026";
+    QTest::newRow("upper case letters") << t << "DDDD D MMMM YYYY"
+                                        << "Monday 5 January 2026";
+    QTest::newRow("quoted literal") << t << "\"Today is\" dddd!"
+                                    << "Today is Monday!";
+    QTest::newRow("escaped letters") << t << "\\d\\a\\y d"
+                                     << "day 5";
+    QTest::newRow("plain literal text") << t << "(week of) d/m"
+                                        << "(week of) 5/1";
+    QTest::newRow("m after hour is minutes") << t << "hh:mm"
+                                             << "00:30";
+    QTest::newRow("m before seconds is minutes") << t << "mm:ss"
+                                                 << "30:07";
+    QTest::newRow("n is minutes") << t << "h:nn"
+                                  << "0:30";
+    QTest::newRow("ampm makes 12-hour") << QTime(13, 5) << "h:nn ampm"
+                                        << "1:05 PM";
+    QTest::newRow("ampm at midnight") << QTime(0, 5) << "hh:nn ampm"
+                                      << "12:05 AM";
+    QTest::newRow("empty format") << t << ""
+                                  << "";
 }
 
 void TestClockModel::customDateFormats()

@@ -75,12 +75,18 @@ void TestCountdownModel::tick_data()
 {
     QTest::addColumn<QString>("before");
     QTest::addColumn<QString>("after");
-    QTest::newRow("plain second") << "00:00:10" << "00:00:09";
-    QTest::newRow("below ten gets a zero") << "00:00:01" << "00:00:00";
-    QTest::newRow("across a minute") << "00:01:00" << "00:00:59";
-    QTest::newRow("across an hour") << "01:00:00" << "00:59:59";
-    QTest::newRow("minutes left, hours kept") << "10:10:00" << "10:09:59";
-    QTest::newRow("seconds only with hours") << "02:00:05" << "02:00:04";
+    QTest::newRow("plain second") << "00:00:10"
+                                  << "00:00:09";
+    QTest::newRow("below ten gets a zero") << "00:00:01"
+                                           << "00:00:00";
+    QTest::newRow("across a minute") << "00:01:00"
+                                     << "00:00:59";
+    QTest::newRow("across an hour") << "01:00:00"
+                                    << "00:59:59";
+    QTest::newRow("minutes left, hours kept") << "10:10:00"
+                                              << "10:09:59";
+    QTest::newRow("seconds only with hours") << "02:00:05"
+                                             << "02:00:04";
 }
 
 void TestCountdownModel::tick()

@@ -18,13 +18,20 @@ void TestStopwatchModel::advance_data()
 {
     QTest::addColumn<QString>("before");
     QTest::addColumn<QString>("after");
-    QTest::newRow("first tick") << "00:00.00" << "00:00.06";
-    QTest::newRow("mid fraction") << "00:00.24" << "00:00.30";
-    QTest::newRow("fraction rolls over") << "00:00.54" << "00:01.00";
-    QTest::newRow("into the next minute") << "00:59.54" << "01:00.00";
-    QTest::newRow("past the hour, no hour field") << "59:59.54" << "60:00.00";
-    QTest::newRow("three-digit minutes") << "99:59.54" << "100:00.00";
-    QTest::newRow("beyond a hundred") << "100:00.00" << "100:00.06";
+    QTest::newRow("first tick") << "00:00.00"
+                                << "00:00.06";
+    QTest::newRow("mid fraction") << "00:00.24"
+                                  << "00:00.30";
+    QTest::newRow("fraction rolls over") << "00:00.54"
+                                         << "00:01.00";
+    QTest::newRow("into the next minute") << "00:59.54"
+                                          << "01:00.00";
+    QTest::newRow("past the hour, no hour field") << "59:59.54"
+                                                  << "60:00.00";
+    QTest::newRow("three-digit minutes") << "99:59.54"
+                                         << "100:00.00";
+    QTest::newRow("beyond a hundred") << "100:00.00"
+                                      << "100:00.06";
 }
 
 void TestStopwatchModel::advance()

@@ -95,7 +95,8 @@ void TestTimeWindows::clockShowsTimeAndDate()
 {
     ClockSource::setNowForTesting(QDateTime(kMonday, QTime(0, 30, 7)));
     WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("date-default"), QStringLiteral("False"));
-    WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("date-default-custom"), QStringLiteral("\"Day\" d"));
+    WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("date-default-custom"),
+                QStringLiteral("\"Day\" d"));
     ClockWidget clock;
     clock.loadWindow();
     clock.show();
