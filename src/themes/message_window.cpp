@@ -39,11 +39,6 @@ QWidget *makeButtonBar(const QString &name, QWidget *parent)
     return bar;
 }
 
-QString cssColor(OleColor c)
-{
-    return ResolveColor(c).name();
-}
-
 } // namespace
 
 MessageWindow::MessageWindow(QWidget *parent)
@@ -265,18 +260,7 @@ void MessageWindow::ThemeElementsUpdate()
     textPal.setColor(QPalette::WindowText, ResolveColor(t.PanelColor));
     m_description->setPalette(textPal);
 
-    // Button faces mix a little of the text colour into the main colour, so they read on light
-    // and dark themes alike.
-    const QString css =
-        QStringLiteral("QPushButton { color: %1; background: %2; border: 1px solid %3; border-radius: 4px;"
-                       " padding: 5px 14px; font-family: \"%4\"; }"
-                       "QPushButton:hover { background: %5; }"
-                       "QPushButton:pressed { background: %6; }"
-                       "QPushButton:focus { border: 2px solid %1; }")
-            .arg(cssColor(t.PanelColor), cssColor(BlendColor(t.PanelColor, t.MainColor, 40)),
-                 cssColor(BlendColor(t.PanelColor, t.MainColor, 110)), t.PanelFont,
-                 cssColor(BlendColor(t.PanelColor, t.MainColor, 70)),
-                 cssColor(BlendColor(t.PanelColor, t.MainColor, 100)));
+    const QString css = PushButtonStyleSheet(t);
     for (QWidget *bar : {m_barO, m_barYN, m_barYNC})
         bar->setStyleSheet(css);
 }

@@ -82,6 +82,20 @@ OleColor ShadowEdgeColor(const Theme &t)
     return BlendColor(GradientsFor(t).panelStart, kShadowGrey, 455 - t.MainContrast);
 }
 
+QString PushButtonStyleSheet(const Theme &t)
+{
+    auto css = [](OleColor c) { return ResolveColor(c).name(); };
+    return QStringLiteral("QPushButton { color: %1; background: %2; border: 1px solid %3; border-radius: 4px;"
+                          " padding: 5px 14px; font-family: \"%4\"; }"
+                          "QPushButton:hover { background: %5; }"
+                          "QPushButton:pressed { background: %6; }"
+                          "QPushButton:focus { border: 2px solid %1; }"
+                          "QPushButton:disabled { color: %3; }")
+        .arg(css(t.PanelColor), css(BlendColor(t.PanelColor, t.MainColor, 40)),
+             css(BlendColor(t.PanelColor, t.MainColor, 110)), t.PanelFont,
+             css(BlendColor(t.PanelColor, t.MainColor, 70)), css(BlendColor(t.PanelColor, t.MainColor, 100)));
+}
+
 void ApplyTheme(QWidget *window)
 {
     if (!window)

@@ -38,6 +38,10 @@ struct ThemeGradients
 };
 ThemeGradients GradientsFor(const Theme &theme);
 
+// A style sheet for push buttons on a themed panel: faces mix a little of the panel's text
+// colour into the main colour, so they read on light and dark themes alike.
+QString PushButtonStyleSheet(const Theme &theme);
+
 // The edge-line colours ApplyTheme gives "lneLIGHT" and "lneSHAD".
 OleColor LightEdgeColor(const Theme &theme);
 OleColor ShadowEdgeColor(const Theme &theme);

@@ -2,6 +2,7 @@
 
 #include "core/app_paths.h"
 #include "core/message_box.h"
+#include "themes/ini_file.h"
 #include "themes/preset_file.h"
 #include "themes/theme_painter.h"
 
@@ -196,6 +197,68 @@ int DeleteAllPresets(const QString &group)
             ++removed;
     }
     return removed;
+}
+
+bool ExportTheme(const QString &path, const Theme &theme, QString *writtenPath)
+{
+    QString target = path;
+    if (QFileInfo(target).suffix().isEmpty())
+        target += QStringLiteral(".dcp");
+    if (writtenPath)
+        *writtenPath = target;
+    return WritePreset(target, theme, QFileInfo(target).completeBaseName());
+}
+
+namespace {
+
+// Anything larger is not a preset (they are a few hundred bytes).
+constexpr qint64 kMaxPresetBytes = 64 * 1024;
+
+bool looksLikePreset(const QString &path)
+{
+    const QFileInfo info(path);
+    if (!info.isFile() || info.size() > kMaxPresetBytes)
+        return false;
+    IniFile file(path);
+    if (!file.load())
+        return false;
+    const QStringList mainKeys{"Main-Color", "Main-Opacity", "Main-Contrast"};
+    const QStringList textKeys{"Bar-Font", "Bar-Color", "Bar-Angle", "Panel-Angle", "Panel-Font", "Panel-Color"};
+    for (const QString &k : mainKeys) {
+        if (!file.value(kMain, QLatin1String(kPresetKeyPrefix) + k).isEmpty())
+            return true;
+    }
+    for (const QString &k : textKeys) {
+        if (!file.value(kText, QLatin1String(kPresetKeyPrefix) + k).isEmpty())
+            return true;
+    }
+    return false;
+}
+
+QString freePresetPath(const QString &folder, const QString &baseName)
+{
+    QString candidate = folder + QLatin1Char('/') + PresetFileNameFor(baseName);
+    for (int n = 2; QFileInfo::exists(candidate); ++n)
+        candidate = folder + QLatin1Char('/') + PresetFileNameFor(QStringLiteral("%1 (%2)").arg(baseName).arg(n));
+    return candidate;
+}
+
+} // namespace
+
+ImportResult ImportPresetFile(const QString &path, const Theme &current, Theme *theme, QString *installedPath)
+{
+    if (!looksLikePreset(path))
+        return ImportResult::NotAPreset;
+    const QString folder = PresetFolderPath(QString::fromLatin1(kDefaultPresetGroup));
+    QDir().mkpath(folder);
+    const QString copy = freePresetPath(folder, QFileInfo(path).completeBaseName());
+    if (!QFile::copy(path, copy))
+        return ImportResult::CopyFailed;
+    QFile::setPermissions(copy, QFile::permissions(copy) | QFile::WriteOwner | QFile::ReadOwner);
+    if (installedPath)
+        *installedPath = copy;
+    *theme = ReadPreset(copy, current);
+    return ImportResult::Imported;
 }
 
 int InstallMissingPresets()

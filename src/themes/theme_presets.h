@@ -66,6 +66,20 @@ QString PresetSizeText(qint64 bytes);
 bool DeletePreset(const QString &group, const QString &fileName);
 int DeleteAllPresets(const QString &group);
 
+// Sharing: writes the theme to a preset file of the user's choosing (".dcp" added when the
+// name has no extension), with the file's base name as caption.
+bool ExportTheme(const QString &path, const Theme &theme, QString *writtenPath = nullptr);
+
+enum class ImportResult {
+    Imported,
+    NotAPreset, // missing, unreadable, too large or without any theme value
+    CopyFailed
+};
+// Copies a shared preset into the "custom" group (under a free name; the source file is never
+// changed) and reads it over `current` into *theme. *installedPath gets the copy's path.
+ImportResult ImportPresetFile(const QString &path, const Theme &current, Theme *theme,
+                              QString *installedPath = nullptr);
+
 // Copies the presets shipped with the program into the group folders. A preset is copied once:
 // a file that is there is never overwritten, and one the user deleted is not brought back.
 // Returns how many files were copied.
