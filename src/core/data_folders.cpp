@@ -12,7 +12,8 @@ const QList<DataFolderRow> &DataFolderRows()
             {QStringLiteral("wallpaper"), QStringLiteral("webcam")},
             {QStringLiteral("themes"), QStringLiteral("themes")},
         };
-        for (const char *theme : {"custom", "classic", "contrast", "flat", "glass", "led", "retro", "white"}) {
+        for (const char *theme :
+             {"custom", "classic", "contrast", "flat", "glass", "led", "retro", "white"}) {
             const QString name = QStringLiteral("themes\\") + QLatin1String(theme);
             list.append({name, name});
         }

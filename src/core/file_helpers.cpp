@@ -53,8 +53,9 @@ bool removeTreeForced(const QString &path)
         const QFileInfo info(it.next());
         if (info.isSymLink())
             continue;
-        QFile::setPermissions(info.absoluteFilePath(), info.permissions() | kWritableByOwner |
-                                                           (info.isDir() ? QFileDevice::ExeOwner : QFileDevice::Permissions()));
+        QFile::setPermissions(info.absoluteFilePath(),
+                              info.permissions() | kWritableByOwner |
+                                  (info.isDir() ? QFileDevice::ExeOwner : QFileDevice::Permissions()));
     }
     return QDir(path).removeRecursively();
 }

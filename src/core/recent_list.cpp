@@ -11,8 +11,7 @@ namespace {
 class WaitCursor
 {
 public:
-    WaitCursor()
-        : m_shown(qobject_cast<QGuiApplication *>(QCoreApplication::instance()) != nullptr)
+    WaitCursor() : m_shown(qobject_cast<QGuiApplication *>(QCoreApplication::instance()) != nullptr)
     {
         if (m_shown)
             QApplication::setOverrideCursor(Qt::WaitCursor);
@@ -79,7 +78,8 @@ void RestoreList(QComboBox *list, const QString &name)
         return;
     WaitCursor wait;
     bool ok = false;
-    const int n = SettingToInt(ReadSetting(Hive::CurrentUser, totalKey(name), kTotal, QStringLiteral("0")), &ok);
+    const int n =
+        SettingToInt(ReadSetting(Hive::CurrentUser, totalKey(name), kTotal, QStringLiteral("0")), &ok);
     if (!ok || n > kLongestRecentList)
         return;
     const QString details = DetailsKey(name);

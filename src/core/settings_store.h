@@ -7,7 +7,8 @@
 // every write is fire-and-forget. On Windows the registry holds them; elsewhere a
 // regedit-format file (see RegFileBackend).
 
-enum class Hive {
+enum class Hive
+{
     CurrentUser,  // HKEY_CURRENT_USER: all of the program's own values
     LocalMachine, // HKEY_LOCAL_MACHINE: only the start-with-the-system entry
 };

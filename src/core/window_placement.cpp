@@ -15,7 +15,12 @@ const QString kTop = QStringLiteral("Top");
 const QString kWidth = QStringLiteral("Width");
 const QString kHeight = QStringLiteral("Height");
 
-enum StoredState { Normal = 0, Minimised = 1, Maximised = 2 };
+enum StoredState
+{
+    Normal = 0,
+    Minimised = 1,
+    Maximised = 2
+};
 
 QString placementKey(const QWidget *window)
 {
@@ -74,7 +79,8 @@ bool restoreState(QWidget *window, const QString &key)
     constexpr Qt::WindowStates notNormal = Qt::WindowMinimized | Qt::WindowMaximized | Qt::WindowFullScreen;
     if (ok && stored == Normal)
         window->setWindowState(window->windowState() & ~notNormal);
-    const bool maximise = (ok && (stored == Minimised || stored == Maximised)) || storedStateOf(window) != Normal;
+    const bool maximise =
+        (ok && (stored == Minimised || stored == Maximised)) || storedStateOf(window) != Normal;
     if (maximise)
         window->setWindowState(Qt::WindowMaximized); // minimised comes back maximised, by design
     return !maximise;

@@ -10,10 +10,10 @@
 namespace {
 
 const QStringList kAllFolders{
-    QStringLiteral("wboard"),        QStringLiteral("calendar"),     QStringLiteral("webcam"),
-    QStringLiteral("themes"),        QStringLiteral("themes/custom"), QStringLiteral("themes/classic"),
-    QStringLiteral("themes/contrast"), QStringLiteral("themes/flat"), QStringLiteral("themes/glass"),
-    QStringLiteral("themes/led"),    QStringLiteral("themes/retro"), QStringLiteral("themes/white"),
+    QStringLiteral("wboard"),          QStringLiteral("calendar"),      QStringLiteral("webcam"),
+    QStringLiteral("themes"),          QStringLiteral("themes/custom"), QStringLiteral("themes/classic"),
+    QStringLiteral("themes/contrast"), QStringLiteral("themes/flat"),   QStringLiteral("themes/glass"),
+    QStringLiteral("themes/led"),      QStringLiteral("themes/retro"),  QStringLiteral("themes/white"),
 };
 
 void makeFile(const QString &relative, const QByteArray &content)
@@ -67,9 +67,12 @@ void TestDataFolders::oldFoldersAreRenamed_data()
 {
     QTest::addColumn<QString>("oldName");
     QTest::addColumn<QString>("newName");
-    QTest::newRow("whiteboards") << "whiteboards" << "wboard";
-    QTest::newRow("calendars") << "calendars" << "calendar";
-    QTest::newRow("wallpaper") << "wallpaper" << "webcam";
+    QTest::newRow("whiteboards") << "whiteboards"
+                                 << "wboard";
+    QTest::newRow("calendars") << "calendars"
+                               << "calendar";
+    QTest::newRow("wallpaper") << "wallpaper"
+                               << "webcam";
 }
 
 void TestDataFolders::oldFoldersAreRenamed()
@@ -92,7 +95,8 @@ void TestDataFolders::bothFoldersMerge()
     makeFile(QStringLiteral("whiteboards/board2.bmp"), "only in old");
     makeFile(QStringLiteral("wboard/board1.bmp"), "newer release, replaced");
     makeFile(QStringLiteral("wboard/board3.bmp"), "only in new");
-    QFile::setPermissions(AppPaths::dataPath(QStringLiteral("whiteboards/board2.bmp")), QFileDevice::ReadOwner);
+    QFile::setPermissions(AppPaths::dataPath(QStringLiteral("whiteboards/board2.bmp")),
+                          QFileDevice::ReadOwner);
 
     PrepareDataFolder(QStringLiteral("whiteboards"), QStringLiteral("wboard"));
     QVERIFY(!QFileInfo::exists(AppPaths::dataPath(QStringLiteral("whiteboards"))));

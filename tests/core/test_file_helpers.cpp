@@ -80,12 +80,18 @@ void TestFileHelpers::fileNameOf_data()
 {
     QTest::addColumn<QString>("path");
     QTest::addColumn<QString>("expected");
-    QTest::newRow("backslashes") << R"(C:\notes\list.rtf)" << "list.rtf";
-    QTest::newRow("slashes") << "/home/u/list.txt" << "list.txt";
-    QTest::newRow("mixed, backslash last") << R"(a/b\c.bmp)" << "c.bmp";
-    QTest::newRow("mixed, slash last") << R"(a\b/c.bmp)" << "c.bmp";
-    QTest::newRow("bare name") << "name.dcp" << "name.dcp";
-    QTest::newRow("folder") << "themes/" << "";
+    QTest::newRow("backslashes") << R"(C:\notes\list.rtf)"
+                                 << "list.rtf";
+    QTest::newRow("slashes") << "/home/u/list.txt"
+                             << "list.txt";
+    QTest::newRow("mixed, backslash last") << R"(a/b\c.bmp)"
+                                           << "c.bmp";
+    QTest::newRow("mixed, slash last") << R"(a\b/c.bmp)"
+                                       << "c.bmp";
+    QTest::newRow("bare name") << "name.dcp"
+                               << "name.dcp";
+    QTest::newRow("folder") << "themes/"
+                            << "";
 }
 
 void TestFileHelpers::fileNameOf()
@@ -104,9 +110,12 @@ void TestFileHelpers::trailingSeparator_data()
 #else
     const QString sep = QStringLiteral("/");
 #endif
-    QTest::newRow("added") << "/data" << "/data" + sep;
-    QTest::newRow("slash kept") << "/data/" << "/data/";
-    QTest::newRow("backslash kept") << R"(C:\data\)" << R"(C:\data\)";
+    QTest::newRow("added") << "/data"
+                           << "/data" + sep;
+    QTest::newRow("slash kept") << "/data/"
+                                << "/data/";
+    QTest::newRow("backslash kept") << R"(C:\data\)"
+                                    << R"(C:\data\)";
     QTest::newRow("empty") << "" << sep;
 }
 
@@ -132,7 +141,7 @@ void TestFileHelpers::existenceTests()
 
     QVERIFY(CreateFolderIfMissing(themes + QStringLiteral("\\custom")));
     QVERIFY(QFileInfo(themes + QStringLiteral("/custom")).isDir());
-    QVERIFY(CreateFolderIfMissing(themes)); // already there: fine
+    QVERIFY(CreateFolderIfMissing(themes));                                      // already there: fine
     QVERIFY(!CreateFolderIfMissing(themes + QStringLiteral("/flat/a.dcp/sub"))); // a file in the way
 }
 
@@ -175,7 +184,8 @@ void TestFileHelpers::moveReplacesReadOnlyFiles()
     makeFile(home.filePath(QStringLiteral("new/locked.bmp")), "new locked");
     makeReadOnly(home.filePath(QStringLiteral("old/locked.bmp")));
     makeReadOnly(home.filePath(QStringLiteral("new/locked.bmp")));
-    QFile::setPermissions(home.filePath(QStringLiteral("old/ro")), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
+    QFile::setPermissions(home.filePath(QStringLiteral("old/ro")),
+                          QFileDevice::ReadOwner | QFileDevice::ExeOwner);
 
     QVERIFY(MoveFolder(home.filePath(QStringLiteral("old")), home.filePath(QStringLiteral("new"))));
     QVERIFY(!QFileInfo::exists(home.filePath(QStringLiteral("old"))));

@@ -47,7 +47,8 @@ void TestRecentList::addRecentItem_data()
     QTest::addColumn<QStringList>("after");
     QTest::addColumn<QString>("current");
     QTest::newRow("new text goes first") << QStringList{"a", "b"} << "x" << QStringList{"x", "a", "b"} << "x";
-    QTest::newRow("third entry moves up") << QStringList{"a", "b", "c"} << "c" << QStringList{"c", "a", "b"} << "c";
+    QTest::newRow("third entry moves up")
+        << QStringList{"a", "b", "c"} << "c" << QStringList{"c", "a", "b"} << "c";
     QTest::newRow("case counts") << QStringList{"a", "B"} << "b" << QStringList{"b", "a", "B"} << "b";
     QTest::newRow("every copy removed") << QStringList{"a", "x", "a"} << "a" << QStringList{"a", "x"} << "a";
     QTest::newRow("empty text ignored") << QStringList{"a", "b"} << "" << QStringList{"a", "b"} << "typed";
@@ -90,8 +91,8 @@ void TestRecentList::restore_data()
     QTest::addColumn<QString>("total");
     QTest::addColumn<QStringList>("entries"); // List 0, List 1, ...
     QTest::addColumn<QStringList>("expected");
-    QTest::newRow("empty second entry") << "3" << QStringList{"zero", "one", "", "three"}
-                                        << QStringList{"one", "three"};
+    QTest::newRow("empty second entry")
+        << "3" << QStringList{"zero", "one", "", "three"} << QStringList{"one", "three"};
     QTest::newRow("duplicates collapse") << "3" << QStringList{"", "a", "b", "a"} << QStringList{"a", "b"};
     QTest::newRow("total smaller than entries") << "1" << QStringList{"", "a", "b"} << QStringList{"a"};
     QTest::newRow("total larger than entries") << "5" << QStringList{"", "a", "b"} << QStringList{"a", "b"};

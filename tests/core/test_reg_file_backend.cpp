@@ -52,10 +52,13 @@ void TestRegFileBackend::writesRegeditLayout()
     TestHome home;
     const QString path = home.filePath(QStringLiteral("settings.reg"));
     RegFileBackend backend(path);
-    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("Quote \"q\""), SettingsValue::fromText(R"(C:\a "b")")));
+    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("Quote \"q\""),
+                          SettingsValue::fromText(R"(C:\a "b")")));
     QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("Count"), SettingsValue::fromNumber(10)));
-    QVERIFY(backend.write(Hive::LocalMachine, QStringLiteral("Software\\Run\\"), QString(), SettingsValue::fromText(QStringLiteral("x"))));
-    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("count"), SettingsValue::fromNumber(0xabcdef01)));
+    QVERIFY(backend.write(Hive::LocalMachine, QStringLiteral("Software\\Run\\"), QString(),
+                          SettingsValue::fromText(QStringLiteral("x"))));
+    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("count"),
+                          SettingsValue::fromNumber(0xabcdef01)));
     QCOMPARE(QString::fromUtf8(readBytes(path)),
              QStringLiteral("Windows Registry Editor Version 5.00\n"
                             "\n"
@@ -66,7 +69,8 @@ void TestRegFileBackend::writesRegeditLayout()
                             "[HKEY_LOCAL_MACHINE\\Software\\Run]\n"
                             "@=\"x\"\n"
                             "\n"));
-    QCOMPARE(backend.read(Hive::CurrentUser, kKey, QStringLiteral("COUNT")), SettingsValue::fromNumber(0xabcdef01));
+    QCOMPARE(backend.read(Hive::CurrentUser, kKey, QStringLiteral("COUNT")),
+             SettingsValue::fromNumber(0xabcdef01));
 }
 
 void TestRegFileBackend::lineBreaksStayOnOneLine()
@@ -76,8 +80,10 @@ void TestRegFileBackend::lineBreaksStayOnOneLine()
     const QString text = QStringLiteral("line one\r\nline two\n");
     {
         RegFileBackend backend(path);
-        QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("Message"), SettingsValue::fromText(text)));
-        QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("After"), SettingsValue::fromText(QStringLiteral("ok"))));
+        QVERIFY(
+            backend.write(Hive::CurrentUser, kKey, QStringLiteral("Message"), SettingsValue::fromText(text)));
+        QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("After"),
+                              SettingsValue::fromText(QStringLiteral("ok"))));
     }
     const QByteArray bytes = readBytes(path);
     QVERIFY2(bytes.contains("\"Message\"=hex(1):6c,00,69,00"), bytes.constData());
@@ -121,7 +127,8 @@ void TestRegFileBackend::continuationLinesAndDeletions()
     QCOMPARE(textOf(backend, QStringLiteral("Next")), QStringLiteral("kept"));
     QCOMPARE(textOf(backend, QStringLiteral("Later")), QStringLiteral("also kept"));
     QCOMPARE(backend.read(Hive::CurrentUser, kKey, QStringLiteral("Gone")).type, SettingsValueType::Missing);
-    QCOMPARE(backend.read(Hive::CurrentUser, kKey, QStringLiteral("Deleted")).type, SettingsValueType::Missing);
+    QCOMPARE(backend.read(Hive::CurrentUser, kKey, QStringLiteral("Deleted")).type,
+             SettingsValueType::Missing);
 }
 
 void TestRegFileBackend::missingFileIsCreatedOnWrite()
@@ -131,7 +138,8 @@ void TestRegFileBackend::missingFileIsCreatedOnWrite()
     RegFileBackend backend(path);
     QCOMPARE(backend.read(Hive::CurrentUser, kKey, QStringLiteral("A")).type, SettingsValueType::Missing);
     QVERIFY(!QFileInfo::exists(home.filePath(QStringLiteral("config"))));
-    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"), SettingsValue::fromText(QStringLiteral("1"))));
+    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
+                          SettingsValue::fromText(QStringLiteral("1"))));
     QVERIFY(readBytes(path).contains("\"A\"=\"1\""));
 }
 
@@ -141,13 +149,16 @@ void TestRegFileBackend::unusableFileKeepsValuesInMemory()
     const QString path = home.filePath(QStringLiteral("settings.reg"));
     QVERIFY(QDir().mkpath(path)); // a folder where the file should be
     RegFileBackend backend(path);
-    QVERIFY(!backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"), SettingsValue::fromText(QStringLiteral("1"))));
+    QVERIFY(!backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
+                           SettingsValue::fromText(QStringLiteral("1"))));
     QVERIFY(!backend.lastError().isEmpty());
     QCOMPARE(textOf(backend, QStringLiteral("A")), QStringLiteral("1"));
-    QVERIFY(!backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"), SettingsValue::fromText(QStringLiteral("1"))));
+    QVERIFY(!backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
+                           SettingsValue::fromText(QStringLiteral("1"))));
 
     QVERIFY(QDir(path).removeRecursively());
-    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("B"), SettingsValue::fromText(QStringLiteral("2"))));
+    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("B"),
+                          SettingsValue::fromText(QStringLiteral("2"))));
     QVERIFY(backend.lastError().isEmpty());
     RegFileBackend reloaded(path);
     QCOMPARE(textOf(reloaded, QStringLiteral("A")), QStringLiteral("1"));
@@ -160,10 +171,12 @@ void TestRegFileBackend::vanishedFileKeepsValues()
     const QString path = home.filePath(QStringLiteral("settings.reg"));
     RegFileBackend backend(path);
     backend.setRecheckInterval(0);
-    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"), SettingsValue::fromText(QStringLiteral("1"))));
+    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
+                          SettingsValue::fromText(QStringLiteral("1"))));
     QVERIFY(QFile::remove(path));
     QCOMPARE(textOf(backend, QStringLiteral("A")), QStringLiteral("1"));
-    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"), SettingsValue::fromText(QStringLiteral("1"))));
+    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
+                          SettingsValue::fromText(QStringLiteral("1"))));
     QVERIFY(readBytes(path).contains("\"A\"=\"1\"")); // written again although unchanged in memory
 }
 
@@ -173,7 +186,8 @@ void TestRegFileBackend::readsDoNotLookAtTheFileEveryTime()
     const QString path = home.filePath(QStringLiteral("settings.reg"));
     RegFileBackend backend(path);
     backend.setRecheckInterval(60 * 60 * 1000);
-    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"), SettingsValue::fromText(QStringLiteral("mine"))));
+    QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
+                          SettingsValue::fromText(QStringLiteral("mine"))));
     writeBytes(path, "Windows Registry Editor Version 5.00\n\n"
                      "[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\falc_SET\\Details]\n"
                      "\"A\"=\"theirs\"\n\"B\"=\"theirs\"\n");

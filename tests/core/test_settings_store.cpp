@@ -73,17 +73,39 @@ void TestSettingsStore::storedDataReadsByType_data()
     QTest::addColumn<QString>("defaultValue");
     QTest::addColumn<QString>("expected");
 
-    QTest::newRow("string") << "\"word\"" << "dflt" << "word";
-    QTest::newRow("blanks trimmed") << "\"  two words  \"" << "dflt" << "two words";
-    QTest::newRow("empty string is not the default") << "\"\"" << "dflt" << "";
-    QTest::newRow("escapes") << R"("C:\\dir\\\"q\"")" << "dflt" << R"(C:\dir\"q")";
-    QTest::newRow("hand-typed lone backslash") << R"("C:\temp")" << "dflt" << R"(C:\temp)";
-    QTest::newRow("dword reads as default") << "dword:0000000a" << "7" << "7";
-    QTest::newRow("binary reads as default") << "hex:01,02,03" << "7" << "7";
-    QTest::newRow("expandable string") << "hex(2):61,00,62,00,00,00" << "dflt" << "ab";
-    QTest::newRow("garbage data reads as default") << "banana" << "dflt" << "dflt";
-    QTest::newRow("unterminated string") << "\"abc" << "dflt" << "dflt";
-    QTest::newRow("default is trimmed too") << "dword:00000001" << "  padded " << "padded";
+    QTest::newRow("string") << "\"word\""
+                            << "dflt"
+                            << "word";
+    QTest::newRow("blanks trimmed") << "\"  two words  \""
+                                    << "dflt"
+                                    << "two words";
+    QTest::newRow("empty string is not the default") << "\"\""
+                                                     << "dflt"
+                                                     << "";
+    QTest::newRow("escapes") << R"("C:\\dir\\\"q\"")"
+                             << "dflt"
+                             << R"(C:\dir\"q")";
+    QTest::newRow("hand-typed lone backslash") << R"("C:\temp")"
+                                               << "dflt"
+                                               << R"(C:\temp)";
+    QTest::newRow("dword reads as default") << "dword:0000000a"
+                                            << "7"
+                                            << "7";
+    QTest::newRow("binary reads as default") << "hex:01,02,03"
+                                             << "7"
+                                             << "7";
+    QTest::newRow("expandable string") << "hex(2):61,00,62,00,00,00"
+                                       << "dflt"
+                                       << "ab";
+    QTest::newRow("garbage data reads as default") << "banana"
+                                                   << "dflt"
+                                                   << "dflt";
+    QTest::newRow("unterminated string") << "\"abc"
+                                         << "dflt"
+                                         << "dflt";
+    QTest::newRow("default is trimmed too") << "dword:00000001"
+                                            << "  padded "
+                                            << "padded";
 }
 
 void TestSettingsStore::storedDataReadsByType()
@@ -105,11 +127,14 @@ void TestSettingsStore::writtenTextReadsBack_data()
 
     QTest::newRow("254 characters") << QString(254, QLatin1Char('x')) << QString(254, QLatin1Char('x'));
     QTest::newRow("255 characters") << QString(255, QLatin1Char('x')) << "dflt";
-    QTest::newRow("254 with blanks outside") << " " + QString(252, QLatin1Char('y')) + " "
-                                             << QString(252, QLatin1Char('y'));
-    QTest::newRow("tabs are not blanks") << "\tx\t" << "\tx\t";
-    QTest::newRow("line breaks") << "one\ntwo\r\nthree" << "one\ntwo\r\nthree";
-    QTest::newRow("quotes and backslashes") << R"(a\"b\\c")" << R"(a\"b\\c")";
+    QTest::newRow("254 with blanks outside")
+        << " " + QString(252, QLatin1Char('y')) + " " << QString(252, QLatin1Char('y'));
+    QTest::newRow("tabs are not blanks") << "\tx\t"
+                                         << "\tx\t";
+    QTest::newRow("line breaks") << "one\ntwo\r\nthree"
+                                 << "one\ntwo\r\nthree";
+    QTest::newRow("quotes and backslashes") << R"(a\"b\\c")"
+                                            << R"(a\"b\\c")";
     QTest::newRow("unicode") << QString::fromUtf8("Größe ☂") << QString::fromUtf8("Größe ☂");
 }
 
@@ -119,10 +144,12 @@ void TestSettingsStore::writtenTextReadsBack()
     QFETCH(QString, expected);
     TestHome home;
     WriteDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Text"), written);
-    QCOMPARE(ReadDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Text"), QStringLiteral("dflt")), expected);
+    QCOMPARE(ReadDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Text"), QStringLiteral("dflt")),
+             expected);
 
     forgetLoadedFile();
-    QCOMPARE(ReadDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Text"), QStringLiteral("dflt")), expected);
+    QCOMPARE(ReadDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Text"), QStringLiteral("dflt")),
+             expected);
 }
 
 void TestSettingsStore::keysAndNamesIgnoreCase()
@@ -131,11 +158,13 @@ void TestSettingsStore::keysAndNamesIgnoreCase()
     writeSettingsFile(QStringLiteral("Windows Registry Editor Version 5.00\r\n\r\n"
                                      "[hkey_current_user\\software\\VANTORA\\Falc_Set\\DETAILS]\r\n"
                                      "\"ALARM Sound\"=\"bell\"\r\n"));
-    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("Alarm sound"), QString()), QStringLiteral("bell"));
+    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("Alarm sound"), QString()),
+             QStringLiteral("bell"));
 
     WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("alarm sound"), QStringLiteral("chime"));
     const QString text = settingsFileText();
-    QVERIFY2(text.contains(QStringLiteral("[hkey_current_user\\software\\VANTORA\\Falc_Set\\DETAILS]")), qPrintable(text));
+    QVERIFY2(text.contains(QStringLiteral("[hkey_current_user\\software\\VANTORA\\Falc_Set\\DETAILS]")),
+             qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("\"ALARM Sound\"=\"chime\"")), qPrintable(text));
     QCOMPARE(text.count(QStringLiteral("chime")), 1);
     QCOMPARE(text.count(QLatin1Char('[')), 1);
@@ -158,7 +187,8 @@ void TestSettingsStore::goodValuesSurviveGarbage()
     QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("A"), QString()), QStringLiteral("1"));
     QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("B"), QString()), QStringLiteral("2"));
     QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("C"), QString()), QStringLiteral("3"));
-    QCOMPARE(ReadDetail(QStringLiteral("fclc_IDX"), QStringLiteral("Memory"), QString()), QStringLiteral("42"));
+    QCOMPARE(ReadDetail(QStringLiteral("fclc_IDX"), QStringLiteral("Memory"), QString()),
+             QStringLiteral("42"));
     const QString text = settingsFileText();
     QVERIFY2(text.contains(QStringLiteral("\"Count\"=dword:00000010")), qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("\"Blob\"=hex:00,01,02,03")), qPrintable(text));
@@ -169,7 +199,8 @@ void TestSettingsStore::changeByAnotherProcessIsSeen()
 {
     TestHome home;
     WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("Value"), QStringLiteral("mine"));
-    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("Value"), QString()), QStringLiteral("mine"));
+    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("Value"), QString()),
+             QStringLiteral("mine"));
     writeSettingsFile(fileWith(QStringLiteral("\"Value\"=\"theirs, longer\"")));
     QTRY_COMPARE_WITH_TIMEOUT(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("Value"), QString()),
                               QStringLiteral("theirs, longer"), 3000);
@@ -180,10 +211,12 @@ void TestSettingsStore::writeMergesWithAnotherProcess()
     TestHome home;
     WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("Shared"), QStringLiteral("mine"));
     WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("Kept"), QStringLiteral("mine"));
-    writeSettingsFile(fileWith(QStringLiteral("\"Shared\"=\"theirs\"\n\"Kept\"=\"mine\"\n\"New\"=\"theirs\"")));
+    writeSettingsFile(
+        fileWith(QStringLiteral("\"Shared\"=\"theirs\"\n\"Kept\"=\"mine\"\n\"New\"=\"theirs\"")));
     // no waiting: a write always looks at the file first
     WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("Shared"), QStringLiteral("last"));
-    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("New"), QString()), QStringLiteral("theirs"));
+    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("New"), QString()),
+             QStringLiteral("theirs"));
     const QString text = settingsFileText();
     QVERIFY2(text.contains(QStringLiteral("\"Shared\"=\"last\"")), qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("\"New\"=\"theirs\"")), qPrintable(text));
@@ -218,20 +251,24 @@ void TestSettingsStore::readOnlyFolderLeavesFileIntact()
     const QString before = settingsFileText();
     QFile::setPermissions(home.path(), QFileDevice::ReadOwner | QFileDevice::ExeOwner);
     if (QFileInfo(home.path()).isWritable()) {
-        QFile::setPermissions(home.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+        QFile::setPermissions(home.path(),
+                              QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
         QSKIP("running with rights that ignore folder permissions");
     }
     WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("A"), QStringLiteral("unsaved"));
-    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("A"), QString()), QStringLiteral("unsaved"));
+    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("A"), QString()),
+             QStringLiteral("unsaved"));
     QCOMPARE(settingsFileText(), before);
-    QFile::setPermissions(home.path(), QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
+    QFile::setPermissions(home.path(),
+                          QFileDevice::ReadOwner | QFileDevice::WriteOwner | QFileDevice::ExeOwner);
 }
 
 void TestSettingsStore::fileIsReplacedNotRewritten()
 {
     TestHome home;
     for (int i = 0; i < 50; ++i)
-        WriteDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Item %1").arg(i), QString(200, QLatin1Char('z')));
+        WriteDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Item %1").arg(i),
+                    QString(200, QLatin1Char('z')));
     QFile reader(AppPaths::settingsFile());
     QVERIFY(reader.open(QIODevice::ReadOnly));
     const QString before = settingsFileText();
@@ -239,7 +276,8 @@ void TestSettingsStore::fileIsReplacedNotRewritten()
     WriteDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Item 0"), QStringLiteral("short"));
     // a reader that opened the file before the save still sees the whole old file
     QCOMPARE(QString::fromUtf8(reader.readAll()), before);
-    QCOMPARE(QDir(home.path()).entryList(QDir::Files | QDir::Hidden), QStringList{QStringLiteral("settings.reg")});
+    QCOMPARE(QDir(home.path()).entryList(QDir::Files | QDir::Hidden),
+             QStringList{QStringLiteral("settings.reg")});
 }
 
 void TestSettingsStore::newHomeLoadsItsOwnFile()
@@ -248,8 +286,9 @@ void TestSettingsStore::newHomeLoadsItsOwnFile()
     WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("3"));
     {
         TestHome second;
-        QCOMPARE(ReadDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("-1")),
-                 QStringLiteral("-1"));
+        QCOMPARE(
+            ReadDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("-1")),
+            QStringLiteral("-1"));
         WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("5"));
     }
     QCOMPARE(ReadDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("-1")),
@@ -263,10 +302,12 @@ void TestSettingsStore::hivesAreSeparate()
     WriteSetting(Hive::LocalMachine, run, QStringLiteral("Vantora"), QStringLiteral("machine"));
     QCOMPARE(ReadSetting(Hive::CurrentUser, run, QStringLiteral("Vantora"), QStringLiteral("none")),
              QStringLiteral("none"));
-    QCOMPARE(ReadSetting(Hive::LocalMachine, run, QStringLiteral("Vantora"), QString()), QStringLiteral("machine"));
+    QCOMPARE(ReadSetting(Hive::LocalMachine, run, QStringLiteral("Vantora"), QString()),
+             QStringLiteral("machine"));
     // doubled separators from joined names find the same key
     const QString untidy = QStringLiteral("Software\\Microsoft\\Windows\\CurrentVersion\\\\Run\\");
-    QCOMPARE(ReadSetting(Hive::LocalMachine, untidy, QStringLiteral("vantora"), QString()), QStringLiteral("machine"));
+    QCOMPARE(ReadSetting(Hive::LocalMachine, untidy, QStringLiteral("vantora"), QString()),
+             QStringLiteral("machine"));
 }
 
 void TestSettingsStore::intConversion_data()

@@ -149,15 +149,15 @@ QString decodeFile(const QByteArray &bytes)
 
 } // namespace
 
-RegFileBackend::RegFileBackend(const QString &filePath)
-    : m_filePath(filePath)
+RegFileBackend::RegFileBackend(const QString &filePath) : m_filePath(filePath)
 {
     syncFromDisk();
 }
 
 QString RegFileBackend::hiveName(Hive hive)
 {
-    return hive == Hive::LocalMachine ? QStringLiteral("HKEY_LOCAL_MACHINE") : QStringLiteral("HKEY_CURRENT_USER");
+    return hive == Hive::LocalMachine ? QStringLiteral("HKEY_LOCAL_MACHINE")
+                                      : QStringLiteral("HKEY_CURRENT_USER");
 }
 
 QString RegFileBackend::sectionName(Hive hive, const QString &key)
@@ -185,10 +185,10 @@ bool RegFileBackend::write(Hive hive, const QString &key, const QString &name, c
     if (!changed && m_pending.isEmpty() && m_stamp.exists)
         return true; // already in the file as it is
 
-    const QString section_f = fold(section);
-    const QString name_f = fold(name);
+    const QString foldedSection = fold(section);
+    const QString foldedName = fold(name);
     m_pending.removeIf([&](const Pending &p) {
-        return fold(p.section) == section_f && fold(p.entry.name) == name_f;
+        return fold(p.section) == foldedSection && fold(p.entry.name) == foldedName;
     });
     m_pending.append({section, entry});
     if (!save())
@@ -278,7 +278,8 @@ RegFileBackend::Document RegFileBackend::parse(const QByteArray &bytes)
         }
         // Binary values may go on over several lines, each but the last ending in '\'.
         if (line.contains(QLatin1String("=hex"), Qt::CaseInsensitive)) {
-            while (line.endsWith(QLatin1Char('\\')) && i + 1 < lines.size() && isContinuation(lines.at(i + 1))) {
+            while (line.endsWith(QLatin1Char('\\')) && i + 1 < lines.size() &&
+                   isContinuation(lines.at(i + 1))) {
                 line.chop(1);
                 line += lines.at(++i).trimmed();
             }
@@ -348,7 +349,8 @@ RegFileBackend::Section &RegFileBackend::Document::section(const QString &name)
     return sections.last();
 }
 
-const RegFileBackend::Entry *RegFileBackend::Document::find(const QString &sectionName, const QString &name) const
+const RegFileBackend::Entry *RegFileBackend::Document::find(const QString &sectionName,
+                                                            const QString &name) const
 {
     const auto s = index.constFind(fold(sectionName));
     if (s == index.constEnd())

@@ -51,13 +51,13 @@ public:
 private:
     struct Entry
     {
-        QString name;       // as first written ("" is the key's default value, written @)
+        QString name; // as first written ("" is the key's default value, written @)
         SettingsValue value;
-        QString raw;        // for Other: the text after '=' exactly as it was in the file
+        QString raw; // for Other: the text after '=' exactly as it was in the file
     };
     struct Section
     {
-        QString name;       // "HKEY_...\path" as first written
+        QString name; // "HKEY_...\path" as first written
         QList<Entry> entries;
         QHash<QString, int> index; // case-folded name -> entries position
     };

@@ -6,7 +6,8 @@
 
 // The kinds of stored value the settings store tells apart. Only Text is ever handed to the
 // program as a setting; every other kind reads as the caller's default, as in the registry.
-enum class SettingsValueType {
+enum class SettingsValueType
+{
     Missing, // no such key or value, or the store could not be read
     Text,    // a string (REG_SZ or REG_EXPAND_SZ)
     Number,  // a 32-bit number (REG_DWORD)

@@ -67,7 +67,8 @@ SettingsValue WindowsRegistryBackend::read(Hive hive, const QString &key, const 
     return result;
 }
 
-bool WindowsRegistryBackend::write(Hive hive, const QString &key, const QString &name, const SettingsValue &value)
+bool WindowsRegistryBackend::write(Hive hive, const QString &key, const QString &name,
+                                   const SettingsValue &value)
 {
     if (value.type != SettingsValueType::Text && value.type != SettingsValueType::Number)
         return false;
@@ -79,8 +80,9 @@ bool WindowsRegistryBackend::write(Hive hive, const QString &key, const QString 
     LONG rc = ERROR_SUCCESS;
     if (value.type == SettingsValueType::Text) {
         const std::wstring text = value.text.toStdWString();
-        rc = RegSetValueExW(handle, valueName.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
-                            DWORD((text.size() + 1) * sizeof(wchar_t)));
+        rc =
+            RegSetValueExW(handle, valueName.c_str(), 0, REG_SZ, reinterpret_cast<const BYTE *>(text.c_str()),
+                           DWORD((text.size() + 1) * sizeof(wchar_t)));
     } else {
         const DWORD number = value.number;
         rc = RegSetValueExW(handle, valueName.c_str(), 0, REG_DWORD, reinterpret_cast<const BYTE *>(&number),
