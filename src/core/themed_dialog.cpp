@@ -57,12 +57,13 @@ void ThemedDialog::ThemeElementsUpdate()
 
 void ThemedDialog::showEvent(QShowEvent *event)
 {
+    // QDialog centres itself over its owner here; the stored position (if any) then wins.
+    QDialog::showEvent(event);
     if (!m_placed) {
         m_placed = true;
         RestoreWindowPlacement(this, false);
         ApplyTheme(this);
     }
-    QDialog::showEvent(event);
 }
 
 void ThemedDialog::done(int result)
