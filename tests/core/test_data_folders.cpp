@@ -48,7 +48,6 @@ private slots:
     void oldFoldersAreRenamed();
     void bothFoldersMerge();
     void blockedRowDoesNotStopTheRest();
-    void secondRunChangesNothing();
 };
 
 void TestDataFolders::firstRunCreatesEveryFolder()
@@ -115,19 +114,6 @@ void TestDataFolders::blockedRowDoesNotStopTheRest()
     QVERIFY(isFolder(QStringLiteral("wboard")));
     QVERIFY(isFolder(QStringLiteral("webcam")));
     QVERIFY(!isFolder(QStringLiteral("themes/custom")));
-}
-
-void TestDataFolders::secondRunChangesNothing()
-{
-    TestHome home;
-    PrepareAllDataFolders();
-    makeFile(QStringLiteral("themes/custom/mine.dcp"), "[Theme]");
-    makeFile(QStringLiteral("wboard/board.bmp"), "board");
-    PrepareAllDataFolders();
-    QCOMPARE(contentOf(QStringLiteral("themes/custom/mine.dcp")), QByteArray("[Theme]"));
-    QCOMPARE(contentOf(QStringLiteral("wboard/board.bmp")), QByteArray("board"));
-    for (const QString &folder : kAllFolders)
-        QVERIFY2(isFolder(folder), qPrintable(folder));
 }
 
 QTEST_GUILESS_MAIN(TestDataFolders)

@@ -38,8 +38,6 @@ private slots:
     void fieldOf();
     void fileNameOf_data();
     void fileNameOf();
-    void trailingSeparator_data();
-    void trailingSeparator();
     void existenceTests();
     void moveOntoMissingFolder();
     void moveOverExistingFolder();
@@ -99,31 +97,6 @@ void TestFileHelpers::fileNameOf()
     QFETCH(QString, path);
     QFETCH(QString, expected);
     QCOMPARE(FileNameOf(path), expected);
-}
-
-void TestFileHelpers::trailingSeparator_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-#ifdef Q_OS_WIN
-    const QString sep = QStringLiteral("\\");
-#else
-    const QString sep = QStringLiteral("/");
-#endif
-    QTest::newRow("added") << "/data"
-                           << "/data" + sep;
-    QTest::newRow("slash kept") << "/data/"
-                                << "/data/";
-    QTest::newRow("backslash kept") << R"(C:\data\)"
-                                    << R"(C:\data\)";
-    QTest::newRow("empty") << "" << sep;
-}
-
-void TestFileHelpers::trailingSeparator()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, expected);
-    QCOMPARE(WithTrailingBackslash(text), expected);
 }
 
 void TestFileHelpers::existenceTests()

@@ -56,7 +56,6 @@ private slots:
     void goodValuesSurviveGarbage();
     void changeByAnotherProcessIsSeen();
     void writeMergesWithAnotherProcess();
-    void unwritableFolderKeepsValues();
     void readOnlyFolderLeavesFileIntact();
     void fileIsReplacedNotRewritten();
     void newHomeLoadsItsOwnFile();
@@ -221,27 +220,6 @@ void TestSettingsStore::writeMergesWithAnotherProcess()
     QVERIFY2(text.contains(QStringLiteral("\"Shared\"=\"last\"")), qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("\"New\"=\"theirs\"")), qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("\"Kept\"=\"mine\"")), qPrintable(text));
-}
-
-void TestSettingsStore::unwritableFolderKeepsValues()
-{
-    TestHome base;
-    QFile blocker(base.filePath(QStringLiteral("blocker")));
-    QVERIFY(blocker.open(QIODevice::WriteOnly)); // a file where the settings folder should go
-    blocker.close();
-    const QByteArray previous = qgetenv("VANTORA_HOME");
-    qputenv("VANTORA_HOME", base.filePath(QStringLiteral("blocker/home")).toLocal8Bit());
-
-    WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("A"), QStringLiteral("kept"));
-    QCOMPARE(ReadDetail(QStringLiteral("falc_SET"), QStringLiteral("A"), QString()), QStringLiteral("kept"));
-
-    // once the way is clear, the next save carries the value that could not be saved before
-    QVERIFY(QFile::remove(base.filePath(QStringLiteral("blocker"))));
-    WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("B"), QStringLiteral("later"));
-    const QString text = settingsFileText();
-    QVERIFY2(text.contains(QStringLiteral("\"A\"=\"kept\"")), qPrintable(text));
-    QVERIFY2(text.contains(QStringLiteral("\"B\"=\"later\"")), qPrintable(text));
-    qputenv("VANTORA_HOME", previous);
 }
 
 void TestSettingsStore::readOnlyFolderLeavesFileIntact()
