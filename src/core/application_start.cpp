@@ -17,10 +17,12 @@
 
 #include <QApplication>
 #include <QTimer>
+#include <QWindow>
 
 namespace {
 // Dialogs and the hidden windows' texts never go below this size.
 constexpr int kMinimumFontPoints = 8;
+constexpr int kShippedDataDelayMs = 1000;
 } // namespace
 
 ApplicationStart::ApplicationStart(QObject *parent)
@@ -95,11 +97,34 @@ void ApplicationStart::prepareData()
 {
     LoadThemeFromRegistry();
     PrepareAllDataFolders();
+    registerWidgetsOnce();
+    // Copying the shipped presets and dictionaries takes longer than everything else on a first
+    // run, and nothing needs them before the user acts: it waits for the first window (or a
+    // second, when the start shows none).
+    qApp->installEventFilter(this);
+    QTimer::singleShot(kShippedDataDelayMs, this, &ApplicationStart::installShippedData);
+}
+
+bool ApplicationStart::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Expose) {
+        auto *window = qobject_cast<QWindow *>(watched);
+        if (window && window->isExposed())
+            QTimer::singleShot(0, this, &ApplicationStart::installShippedData);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void ApplicationStart::installShippedData()
+{
+    if (m_shippedDataInstalled)
+        return;
+    m_shippedDataInstalled = true;
+    qApp->removeEventFilter(this);
     InstallMissingPresets();
     QString problem;
-    if (!InstallMissingDictionaries(&problem))
-        m_startNotice = problem;
-    registerWidgetsOnce();
+    if (!InstallMissingDictionaries(&problem) && m_dashboard)
+        m_dashboard->setNotice(problem);
 }
 
 void ApplicationStart::registerWidgetsOnce()
@@ -123,8 +148,6 @@ void ApplicationStart::loadWindows()
     SetContextMenuHandler([this](QWidget *window, const QPoint &pos) { popUpContextMenu(window, pos); });
 
     m_dashboard->loadDashboard(m_choice);
-    if (!m_startNotice.isEmpty())
-        m_dashboard->setNotice(m_startNotice);
 
     m_tray = new TrayIcon;
     m_tray->setTooltip(QStringLiteral("Vantora"));

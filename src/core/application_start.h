@@ -33,6 +33,9 @@ public:
     WidgetContextMenu *contextMenu() const;
     SchedulerWindow *scheduler() const;
 
+protected:
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 signals:
     // Every window is closed and the event loop has been asked to end.
     void ended();
@@ -44,11 +47,12 @@ private:
     void popUpContextMenu(QWidget *window, const QPoint &globalPos);
     void keepSomethingOnScreen();
     void end();
+    void installShippedData();
 
     QPointer<DashboardWindow> m_dashboard;
     QPointer<SchedulerWindow> m_scheduler;
     QPointer<WidgetContextMenu> m_menu;
     QPointer<TrayIcon> m_tray;
     int m_choice = -1;
-    QString m_startNotice;
+    bool m_shippedDataInstalled = false;
 };

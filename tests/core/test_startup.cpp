@@ -1,8 +1,21 @@
+#include "core/application_start.h"
+#include "core/dashboard_window.h"
 #include "core/settings_store.h"
 #include "core/startup_decisions.h"
+#include "core/tray_icon.h"
+#include "core/widget_index.h"
+#include "core/widget_registry.h"
+#include "core/widget_window.h"
 #include "support/test_home.h"
+#include "time/alarm_popup.h"
+#include "time/scheduler_window.h"
 
+#include <QAbstractButton>
+#include <QApplication>
+#include <QDir>
+#include <QSignalSpy>
 #include <QTest>
+#include <QTimer>
 
 using HandOver = StartupDecisions::HandOver;
 
@@ -10,6 +23,7 @@ class TestStartup : public QObject
 {
     Q_OBJECT
 private slots:
+    void initTestCase();
     void init();
     void cleanup();
     void programChoice_data();
@@ -21,24 +35,72 @@ private slots:
     void minimise_data();
     void minimise();
 
+    void singleWidgetStartsAlone();
+    void allWidgetsStartWithLoadFlagsInOrder_data();
+    void allWidgetsStartWithLoadFlagsInOrder();
+    void hiddenStartNeedsTray_data();
+    void hiddenStartNeedsTray();
+    void firstRunShowsWizard_data();
+    void firstRunShowsWizard();
+    void exitEndsTheProgram();
+
 private:
     std::unique_ptr<TestHome> m_home;
 };
 
 namespace {
+
+class FakeWidget : public WidgetWindow
+{
+public:
+    explicit FakeWidget(int index)
+        : WidgetWindow(WidgetWindowName(index), index, QStringLiteral("Vantora Test"))
+    {
+    }
+};
+
+// Answers the modal wizard once it is up: picks `choice` (or leaves the pre-selection when -1)
+// and presses Start. Reports what was pre-selected.
+void answerWizard(int choice, bool *allPreselected)
+{
+    QTimer::singleShot(0, [choice, allPreselected] {
+        QWidget *wizard = QApplication::activeModalWidget();
+        if (!wizard || wizard->objectName() != QLatin1String("msg_WIZ")) {
+            answerWizard(choice, allPreselected);
+            return;
+        }
+        *allPreselected = wizard->findChild<QAbstractButton *>(QStringLiteral("optUSE_8"))->isChecked();
+        if (choice >= 0)
+            wizard->findChild<QAbstractButton *>(QStringLiteral("optUSE_%1").arg(choice))->click();
+        wizard->findChild<QAbstractButton *>(QStringLiteral("btnStart"))->click();
+    });
+}
+
 void setDetail(const char *name, const QString &value)
 {
     WriteDetail(QStringLiteral("mdb_SET"), QString::fromLatin1(name), value);
 }
 } // namespace
 
+void TestStartup::initTestCase()
+{
+    // The built-in widgets are registered once; fakes take their places.
+    ApplicationStart::registerWidgetsOnce();
+    for (int i = 0; i < WidgetCount; ++i)
+        WidgetRegistry::instance().registerWidget(i, [i] { return new FakeWidget(i); });
+}
+
 void TestStartup::init()
 {
     m_home = std::make_unique<TestHome>();
+    TrayIcon::setAvailableForTesting(1);
 }
 
 void TestStartup::cleanup()
 {
+    WidgetRegistry::instance().closeAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    TrayIcon::setAvailableForTesting(-1);
     m_home.reset();
 }
 
@@ -170,5 +232,112 @@ void TestStartup::minimise()
     QCOMPARE(StartupDecisions::minimiseHides(tray), hides);
 }
 
-QTEST_GUILESS_MAIN(TestStartup)
+void TestStartup::singleWidgetStartsAlone()
+{
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("1"));
+    setDetail("Start-Load-Notes", QStringLiteral("True"));
+    ApplicationStart start;
+    start.run();
+
+    QCOMPARE(WidgetRegistry::instance().openWidgets(), QList<int>{WidgetCalculator});
+    QVERIFY(start.dashboard());
+    QVERIFY(!start.dashboard()->isVisible());
+    QCOMPARE(start.dashboard()->IndxSel(), int(WidgetCalculator));
+    QVERIFY(start.tray());
+    QVERIFY(start.scheduler());
+    QCOMPARE(start.scheduler()->objectName(), QStringLiteral("mdb_STR"));
+    QCOMPARE(start.contextMenu()->parent(), start.scheduler());
+}
+
+void TestStartup::allWidgetsStartWithLoadFlagsInOrder_data()
+{
+    QTest::addColumn<QString>("choice");
+    QTest::newRow("8") << "8";
+    QTest::newRow("9 behaves as 8") << "9";
+}
+
+void TestStartup::allWidgetsStartWithLoadFlagsInOrder()
+{
+    QFETCH(QString, choice);
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), choice);
+    setDetail("Start-Load-Notes", QStringLiteral("True"));
+    setDetail("Start-Load-Calc", QStringLiteral("True"));
+    QSignalSpy opened(&WidgetRegistry::instance(), &WidgetRegistry::widgetOpened);
+    ApplicationStart start;
+    start.run();
+
+    QCOMPARE(opened.count(), 2);
+    QCOMPARE(opened.at(0).first().toInt(), int(WidgetCalculator));
+    QCOMPARE(opened.at(1).first().toInt(), int(WidgetNotes));
+    QVERIFY(start.dashboard()->isVisible());
+    QVERIFY(!start.dashboard()->isMinimized());
+}
+
+void TestStartup::hiddenStartNeedsTray_data()
+{
+    QTest::addColumn<bool>("tray");
+    QTest::newRow("with tray: hidden") << true;
+    QTest::newRow("no tray: shown") << false;
+}
+
+void TestStartup::hiddenStartNeedsTray()
+{
+    QFETCH(bool, tray);
+    TrayIcon::setAvailableForTesting(tray ? 1 : 0);
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("8"));
+    setDetail("Start-Show or Hide", QStringLiteral("Hidden"));
+    ApplicationStart start;
+    start.run();
+    QCOMPARE(start.dashboard()->isVisible(), !tray);
+}
+
+void TestStartup::firstRunShowsWizard_data()
+{
+    QTest::addColumn<int>("pick"); // -1: keep the pre-selection
+    QTest::addColumn<int>("stored");
+    QTest::addColumn<bool>("dashboardShown");
+    QTest::addColumn<QList<int>>("opened");
+    QTest::newRow("all widgets") << -1 << 8 << true << QList<int>();
+    QTest::newRow("calculator alone") << 1 << 1 << false << QList<int>{WidgetCalculator};
+}
+
+void TestStartup::firstRunShowsWizard()
+{
+    QFETCH(int, pick);
+    QFETCH(int, stored);
+    QFETCH(bool, dashboardShown);
+    QFETCH(QList<int>, opened);
+    bool allPreselected = false;
+    answerWizard(pick, &allPreselected);
+    ApplicationStart start;
+    start.run();
+
+    QVERIFY(allPreselected);
+    QCOMPARE(StartupDecisions::readProgramChoice(), stored);
+    QCOMPARE(start.choice(), stored);
+    QCOMPARE(start.dashboard()->isVisible(), dashboardShown);
+    QCOMPARE(WidgetRegistry::instance().openWidgets(), opened);
+    // A clean profile gets its data folders.
+    const QDir home(m_home->path());
+    for (const char *folder : {"wboard", "calendar", "webcam", "themes/custom", "themes/white"})
+        QVERIFY2(home.exists(QString::fromLatin1(folder)), folder);
+}
+
+void TestStartup::exitEndsTheProgram()
+{
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("8"));
+    ApplicationStart start;
+    start.run();
+    WidgetRegistry::instance().open(WidgetClock);
+    QSignalSpy ended(&start, &ApplicationStart::ended);
+
+    start.dashboard()->exitProgram();
+
+    QCOMPARE(ended.count(), 1);
+    QVERIFY(!start.tray());
+    QVERIFY(!start.scheduler());
+    QVERIFY(WidgetRegistry::instance().openWidgets().isEmpty());
+}
+
+QTEST_MAIN(TestStartup)
 #include "test_startup.moc"
