@@ -6,6 +6,7 @@
 #include <QPainter>
 #include <QPen>
 #include <cmath>
+#include <utility>
 
 namespace {
 
@@ -60,19 +61,27 @@ bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor 
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setBrush(Qt::NoBrush);
-    for (int i = 0; i <= steps; ++i) {
-        const QColor colour = [&] {
-            const OleColor c = ComposeColor(RedOf(c1) + i * stepR, GreenOf(c1) + i * stepG,
-                                            BlueOf(c1) + i * stepB);
-            return QColor(RedOf(c), GreenOf(c), BlueOf(c));
-        }();
+    auto endsOf = [&](int i) {
         const float y = top + i * lineStep;
-        const QPointF from = RotatePoint(centre, QPointF(left, y), angle);
-        const QPointF to = RotatePoint(centre, QPointF(left + span, y), angle);
-        QPen pen(colour, 1, Qt::SolidLine, Qt::FlatCap);
+        return std::pair{RotatePoint(centre, QPointF(left, y), angle),
+                         RotatePoint(centre, QPointF(left + span, y), angle)};
+    };
+    auto next = endsOf(0);
+    for (int i = 0; i <= steps; ++i) {
+        const auto ends = next;
+        if (i < steps) {
+            next = endsOf(i + 1);
+            // A line that the next one covers pixel for pixel would never be seen. (With both
+            // offsets taken from x, that is every line but the last.)
+            if (next.first.x() == ends.first.x() && next.first.y() == ends.first.y() &&
+                next.second.x() == ends.second.x() && next.second.y() == ends.second.y())
+                continue;
+        }
+        const OleColor c = ComposeColor(RedOf(c1) + i * stepR, GreenOf(c1) + i * stepG, BlueOf(c1) + i * stepB);
+        QPen pen(QColor(RedOf(c), GreenOf(c), BlueOf(c)), 1, Qt::SolidLine, Qt::FlatCap);
         pen.setCosmetic(true);
         painter.setPen(pen);
-        painter.drawLine(from, to);
+        painter.drawLine(ends.first, ends.second);
     }
     painter.restore();
     return true;

@@ -54,9 +54,28 @@ QIcon swatchIcon(const PresetListEntry &entry, qreal dpr)
 
 QString colorText(OleColor color)
 {
-    if (color & kSystemColorFlag)
-        return ThemeEditor::tr("System colour %1").arg(color & ~kSystemColorFlag);
-    return ResolveColor(color).name().toUpper();
+    if (!(color & kSystemColorFlag))
+        return ResolveColor(color).name().toUpper();
+    // The desktop colours a stored theme can refer to, by the part they play.
+    static const char *const names[] = {
+        QT_TRANSLATE_NOOP("ThemeEditor", "Scroll bar"),        QT_TRANSLATE_NOOP("ThemeEditor", "Desktop"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Active title"),      QT_TRANSLATE_NOOP("ThemeEditor", "Inactive title"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Menu"),              QT_TRANSLATE_NOOP("ThemeEditor", "Window"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Window frame"),      QT_TRANSLATE_NOOP("ThemeEditor", "Menu text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Window text"),       QT_TRANSLATE_NOOP("ThemeEditor", "Title text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Active border"),     QT_TRANSLATE_NOOP("ThemeEditor", "Inactive border"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Workspace"),         QT_TRANSLATE_NOOP("ThemeEditor", "Highlight"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Highlighted text"),  QT_TRANSLATE_NOOP("ThemeEditor", "Button face"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Button shadow"),     QT_TRANSLATE_NOOP("ThemeEditor", "Grey text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Button text"),       QT_TRANSLATE_NOOP("ThemeEditor", "Inactive title text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Button highlight"),  QT_TRANSLATE_NOOP("ThemeEditor", "Dark shadow"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Light"),             QT_TRANSLATE_NOOP("ThemeEditor", "Tooltip text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Tooltip"),
+    };
+    const quint32 index = color & ~kSystemColorFlag;
+    if (index < sizeof(names) / sizeof(names[0]))
+        return ThemeEditor::tr("%1 (desktop colour)").arg(ThemeEditor::tr(names[index]));
+    return ThemeEditor::tr("Desktop colour %1").arg(index);
 }
 
 QString groupTitle(const QString &group)
