@@ -11,8 +11,8 @@
 #include <QTemporaryDir>
 #include <QWidget>
 #include <algorithm>
-#include <functional>
 #include <cstdio>
+#include <functional>
 #include <vector>
 
 namespace {
@@ -78,10 +78,12 @@ int main(int argc, char *argv[])
     const Figures f = summarise(first);
     const Figures c = summarise(cached);
     std::printf("paint_bench: 400x300 themed widget, %d rounds\n", kRounds);
-    std::printf("  first paint (theme applied, gradients rendered): median %.3f ms, worst %.3f ms (goal < 5 ms)\n",
-                f.median, f.worst);
-    std::printf("  cached repaint (theme and size unchanged):       median %.3f ms, worst %.3f ms (goal < 0.5 ms)\n",
-                c.median, c.worst);
+    std::printf(
+        "  first paint (theme applied, gradients rendered): median %.3f ms, worst %.3f ms (goal < 5 ms)\n",
+        f.median, f.worst);
+    std::printf(
+        "  cached repaint (theme and size unchanged):       median %.3f ms, worst %.3f ms (goal < 0.5 ms)\n",
+        c.median, c.worst);
     std::printf("  gradient renders: bar %d, panel %d\n", bar->renderCount(), panel->renderCount());
     return (f.median < 5.0 && c.median < 0.5) ? 0 : 1;
 }

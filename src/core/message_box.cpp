@@ -19,8 +19,7 @@ bool canShowWindows()
 
 // The one msg_INF window, created on first use. A message that arrives while it is already
 // open (an alarm during a question) gets a window of its own for as long as it shows.
-template <typename Call>
-void withWindow(Call call)
+template <typename Call> void withWindow(Call call)
 {
     if (!g_window)
         g_window = new MessageWindow();

@@ -77,7 +77,8 @@ bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor 
                 next.second.x() == ends.second.x() && next.second.y() == ends.second.y())
                 continue;
         }
-        const OleColor c = ComposeColor(RedOf(c1) + i * stepR, GreenOf(c1) + i * stepG, BlueOf(c1) + i * stepB);
+        const OleColor c =
+            ComposeColor(RedOf(c1) + i * stepR, GreenOf(c1) + i * stepG, BlueOf(c1) + i * stepB);
         QPen pen(QColor(RedOf(c), GreenOf(c), BlueOf(c)), 1, Qt::SolidLine, Qt::FlatCap);
         pen.setCosmetic(true);
         painter.setPen(pen);

@@ -34,10 +34,7 @@ QString unquote(const QString &value)
 
 } // namespace
 
-IniFile::IniFile(const QString &path)
-    : m_path(path)
-{
-}
+IniFile::IniFile(const QString &path) : m_path(path) {}
 
 bool IniFile::load()
 {

@@ -6,7 +6,12 @@
 
 // Which button bar a message uses: pfrBTNBARO (btnCLOSE), pfrBTNBARYN (btnYES, btnNO) or
 // pfrBTNBARYNC (btnCANCEL, btnYES, btnNO).
-enum class MessageBar { Close, YesNo, YesNoCancel };
+enum class MessageBar
+{
+    Close,
+    YesNo,
+    YesNoCancel
+};
 
 struct MessageContent
 {

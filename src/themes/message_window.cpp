@@ -41,8 +41,7 @@ QWidget *makeButtonBar(const QString &name, QWidget *parent)
 
 } // namespace
 
-MessageWindow::MessageWindow(QWidget *parent)
-    : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
+MessageWindow::MessageWindow(QWidget *parent) : QDialog(parent, Qt::Dialog | Qt::FramelessWindowHint)
 {
     setObjectName(QStringLiteral("msg_INF"));
     setWindowTitle(tr("Vantora Message"));

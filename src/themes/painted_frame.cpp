@@ -5,8 +5,7 @@
 #include <QEvent>
 #include <QPainter>
 
-PaintedFrame::PaintedFrame(const QString &objectName, QWidget *parent)
-    : QWidget(parent)
+PaintedFrame::PaintedFrame(const QString &objectName, QWidget *parent) : QWidget(parent)
 {
     setObjectName(objectName);
     // The frame covers itself completely, so Qt need not clear it first.

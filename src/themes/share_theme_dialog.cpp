@@ -109,7 +109,8 @@ void ShareThemeDialog::exportTheme()
 
 void ShareThemeDialog::importTheme()
 {
-    const QString path = chooseFile(false, QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
+    const QString path =
+        chooseFile(false, QStandardPaths::writableLocation(QStandardPaths::DownloadLocation));
     if (path.isEmpty())
         return;
     Theme theme;
@@ -119,8 +120,9 @@ void ShareThemeDialog::importTheme()
         setStatus(tr("%1 is not a theme preset; nothing was changed.").arg(QFileInfo(path).fileName()));
         return;
     case ImportResult::CopyFailed:
-        setStatus(tr("%1 could not be copied into the theme folder %2; nothing was changed.")
-                      .arg(QFileInfo(path).fileName(), QDir::toNativeSeparators(PresetFolderPath(QString()))));
+        setStatus(
+            tr("%1 could not be copied into the theme folder %2; nothing was changed.")
+                .arg(QFileInfo(path).fileName(), QDir::toNativeSeparators(PresetFolderPath(QString()))));
         return;
     case ImportResult::Imported:
         break;

@@ -10,7 +10,7 @@
 using OleColor = quint32;
 
 constexpr OleColor kSystemColorFlag = 0x80000000u;
-constexpr OleColor kShadowGrey = 0x00272727u;      // red, green and blue 39
+constexpr OleColor kShadowGrey = 0x00272727u;       // red, green and blue 39
 constexpr OleColor kWindowBackground = 0x80000005u; // system colour 5
 
 // The one process-wide theme every window paints from. Field names are the ones the

@@ -80,8 +80,9 @@ OleColor TranslateColor(OleColor color)
     if (!SystemColorRole(int(color & ~kSystemColorFlag), &group, &role))
         return 0xFFFFFFFFu;
     // Without a GUI application (command-line tools, model tests) Qt's built-in scheme stands in.
-    const QPalette palette =
-        qobject_cast<QGuiApplication *>(QCoreApplication::instance()) ? QGuiApplication::palette() : QPalette();
+    const QPalette palette = qobject_cast<QGuiApplication *>(QCoreApplication::instance())
+                                 ? QGuiApplication::palette()
+                                 : QPalette();
     return ToOleColor(palette.color(group, role));
 }
 

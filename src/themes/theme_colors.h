@@ -17,9 +17,18 @@ bool SystemColorRole(int index, QPalette::ColorGroup *group, QPalette::ColorRole
 OleColor TranslateColor(OleColor color);
 
 // The red, green and blue channels of a plain value, taken from its low three bytes.
-inline int RedOf(OleColor c) { return int(c & 0xFFu); }
-inline int GreenOf(OleColor c) { return int((c & 0xFF00u) / 256u); }
-inline int BlueOf(OleColor c) { return int((c & 0xFF0000u) / 65536u); }
+inline int RedOf(OleColor c)
+{
+    return int(c & 0xFFu);
+}
+inline int GreenOf(OleColor c)
+{
+    return int((c & 0xFF00u) / 256u);
+}
+inline int BlueOf(OleColor c)
+{
+    return int((c & 0xFF0000u) / 65536u);
+}
 
 // Composes a colour from channels, each capped to 0..255 and rounded to the nearest whole
 // number (halves to even).

@@ -29,7 +29,12 @@ QPointer<ThemeEditor> g_editor;
 ThemeEditor::ColorChooser g_colorChooser;
 ThemeEditor::Confirmer g_confirmer;
 
-enum PresetColumn { SwatchColumn, NameColumn, SizeColumn };
+enum PresetColumn
+{
+    SwatchColumn,
+    NameColumn,
+    SizeColumn
+};
 constexpr int kFileRole = Qt::UserRole;
 
 // The preview of a preset: its main colour with its panel and bar text colours as two dots.
@@ -58,18 +63,30 @@ QString colorText(OleColor color)
         return ResolveColor(color).name().toUpper();
     // The desktop colours a stored theme can refer to, by the part they play.
     static const char *const names[] = {
-        QT_TRANSLATE_NOOP("ThemeEditor", "Scroll bar"),        QT_TRANSLATE_NOOP("ThemeEditor", "Desktop"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Active title"),      QT_TRANSLATE_NOOP("ThemeEditor", "Inactive title"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Menu"),              QT_TRANSLATE_NOOP("ThemeEditor", "Window"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Window frame"),      QT_TRANSLATE_NOOP("ThemeEditor", "Menu text"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Window text"),       QT_TRANSLATE_NOOP("ThemeEditor", "Title text"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Active border"),     QT_TRANSLATE_NOOP("ThemeEditor", "Inactive border"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Workspace"),         QT_TRANSLATE_NOOP("ThemeEditor", "Highlight"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Highlighted text"),  QT_TRANSLATE_NOOP("ThemeEditor", "Button face"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Button shadow"),     QT_TRANSLATE_NOOP("ThemeEditor", "Grey text"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Button text"),       QT_TRANSLATE_NOOP("ThemeEditor", "Inactive title text"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Button highlight"),  QT_TRANSLATE_NOOP("ThemeEditor", "Dark shadow"),
-        QT_TRANSLATE_NOOP("ThemeEditor", "Light"),             QT_TRANSLATE_NOOP("ThemeEditor", "Tooltip text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Scroll bar"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Desktop"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Active title"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Inactive title"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Menu"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Window"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Window frame"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Menu text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Window text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Title text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Active border"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Inactive border"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Workspace"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Highlight"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Highlighted text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Button face"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Button shadow"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Grey text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Button text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Inactive title text"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Button highlight"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Dark shadow"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Light"),
+        QT_TRANSLATE_NOOP("ThemeEditor", "Tooltip text"),
         QT_TRANSLATE_NOOP("ThemeEditor", "Tooltip"),
     };
     const quint32 index = color & ~kSystemColorFlag;
@@ -86,8 +103,7 @@ QString groupTitle(const QString &group)
 } // namespace
 
 ThemeEditor::ThemeEditor(QWidget *parent)
-    : ThemedDialog(QStringLiteral("mdb_THM"), tr("Vantora Theme Editor"), parent)
-    , m_theme(CurrentTheme())
+    : ThemedDialog(QStringLiteral("mdb_THM"), tr("Vantora Theme Editor"), parent), m_theme(CurrentTheme())
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setModal(false);
@@ -247,13 +263,14 @@ QWidget *ThemeEditor::buildValueColumn()
         grid->addWidget(new QLabel(tr("Gradient angle:"), box), 1, 0);
         grid->addWidget(*angle, 1, 1);
         grid->addWidget(angleSpin, 1, 2);
-        *colour = makeColorButton(QStringLiteral("btn%1COLOR").arg(tag), title + tr(" Text Colour"), colourField);
+        *colour =
+            makeColorButton(QStringLiteral("btn%1COLOR").arg(tag), title + tr(" Text Colour"), colourField);
         grid->addWidget(new QLabel(tr("Text colour:"), box), 2, 0);
         grid->addWidget(*colour, 2, 1, 1, 2);
         v->addWidget(box);
     };
-    addArea(tr("Panel"), QStringLiteral("PANEL"), &m_panelFont, &m_panelAngle, &m_panelColor, &Theme::PanelFont,
-            &Theme::PanelAngle, &Theme::PanelColor);
+    addArea(tr("Panel"), QStringLiteral("PANEL"), &m_panelFont, &m_panelAngle, &m_panelColor,
+            &Theme::PanelFont, &Theme::PanelAngle, &Theme::PanelColor);
     addArea(tr("Bar"), QStringLiteral("BAR"), &m_barFont, &m_barAngle, &m_barColor, &Theme::BarFont,
             &Theme::BarAngle, &Theme::BarColor);
 
@@ -355,8 +372,8 @@ void ThemeEditor::onThemeChanged()
 void ThemeEditor::chooseColor(QPushButton *button, const QString &title, OleColor Theme::*field)
 {
     const QColor initial = ResolveColor(m_theme.*field);
-    const QColor chosen = g_colorChooser ? g_colorChooser(initial, title)
-                                         : QColorDialog::getColor(initial, this, title);
+    const QColor chosen =
+        g_colorChooser ? g_colorChooser(initial, title) : QColorDialog::getColor(initial, this, title);
     if (!chosen.isValid())
         return; // cancelled
     m_theme.*field = ToOleColor(chosen);
@@ -483,8 +500,9 @@ void ThemeEditor::deleteAllPresets()
     const int count = m_presets->topLevelItemCount();
     if (count == 0)
         return;
-    const QString question = tr("Delete all %n preset(s) of the group \"%1\"? This cannot be undone.", nullptr, count)
-                                 .arg(groupTitle(selectedGroup()));
+    const QString question =
+        tr("Delete all %n preset(s) of the group \"%1\"? This cannot be undone.", nullptr, count)
+            .arg(groupTitle(selectedGroup()));
     const bool yes = g_confirmer ? g_confirmer(question)
                                  : QMessageBox::question(this, tr("Delete All Presets"), question,
                                                          QMessageBox::Yes | QMessageBox::No,

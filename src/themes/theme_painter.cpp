@@ -55,7 +55,8 @@ OleColor BlendColor(OleColor a, OleColor b, int weight)
     const OleColor cb = TranslateColor(b);
     const double w = weight >= 256 ? 255.0 : double(weight);
     auto mix = [w](int x, int y) { return x * w / 255.0 + y * (255.0 - w) / 255.0; };
-    return ComposeColor(mix(RedOf(ca), RedOf(cb)), mix(GreenOf(ca), GreenOf(cb)), mix(BlueOf(ca), BlueOf(cb)));
+    return ComposeColor(mix(RedOf(ca), RedOf(cb)), mix(GreenOf(ca), GreenOf(cb)),
+                        mix(BlueOf(ca), BlueOf(cb)));
 }
 
 void SetWindowOpacity(QWidget *window, int alpha)

@@ -223,7 +223,8 @@ bool looksLikePreset(const QString &path)
     if (!file.load())
         return false;
     const QStringList mainKeys{"Main-Color", "Main-Opacity", "Main-Contrast"};
-    const QStringList textKeys{"Bar-Font", "Bar-Color", "Bar-Angle", "Panel-Angle", "Panel-Font", "Panel-Color"};
+    const QStringList textKeys{"Bar-Font",    "Bar-Color",  "Bar-Angle",
+                               "Panel-Angle", "Panel-Font", "Panel-Color"};
     for (const QString &k : mainKeys) {
         if (!file.value(kMain, QLatin1String(kPresetKeyPrefix) + k).isEmpty())
             return true;
@@ -239,7 +240,8 @@ QString freePresetPath(const QString &folder, const QString &baseName)
 {
     QString candidate = folder + QLatin1Char('/') + PresetFileNameFor(baseName);
     for (int n = 2; QFileInfo::exists(candidate); ++n)
-        candidate = folder + QLatin1Char('/') + PresetFileNameFor(QStringLiteral("%1 (%2)").arg(baseName).arg(n));
+        candidate =
+            folder + QLatin1Char('/') + PresetFileNameFor(QStringLiteral("%1 (%2)").arg(baseName).arg(n));
     return candidate;
 }
 
@@ -282,8 +284,8 @@ int InstallMissingPresets()
         QDir().mkpath(QFileInfo(destination).absolutePath());
         if (QFile::copy(source, destination)) {
             // Files copied from the resources are read-only; the user may edit presets.
-            QFile::setPermissions(destination, QFile::permissions(destination) | QFile::WriteOwner |
-                                                   QFile::ReadOwner);
+            QFile::setPermissions(destination,
+                                  QFile::permissions(destination) | QFile::WriteOwner | QFile::ReadOwner);
             ++copied;
         } else {
             installed.remove(relative); // try again next start

@@ -34,7 +34,8 @@ Theme ReadPreset(const QString &path, const Theme &current);
 // caption in "preset". An existing file is removed first. False when it could not be written.
 bool WritePreset(const QString &path, const Theme &theme, const QString &caption);
 
-enum class SavePresetResult {
+enum class SavePresetResult
+{
     Saved,
     NoName,     // the empty-name message was shown, nothing written
     WriteFailed // the folder or disk refused the file
@@ -70,7 +71,8 @@ int DeleteAllPresets(const QString &group);
 // name has no extension), with the file's base name as caption.
 bool ExportTheme(const QString &path, const Theme &theme, QString *writtenPath = nullptr);
 
-enum class ImportResult {
+enum class ImportResult
+{
     Imported,
     NotAPreset, // missing, unreadable, too large or without any theme value
     CopyFailed

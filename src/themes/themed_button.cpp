@@ -49,9 +49,7 @@ QPixmap drawCloseGlyph(const QSize &size, qreal dpr, const QColor &color, qreal 
 
 } // namespace
 
-ThemedButton::ThemedButton(QWidget *parent)
-    : QWidget(parent)
-    , m_colorCheck(new QTimer(this))
+ThemedButton::ThemedButton(QWidget *parent) : QWidget(parent), m_colorCheck(new QTimer(this))
 {
     SetHandCursor(this);
     setFocusPolicy(Qt::TabFocus);
@@ -132,9 +130,8 @@ const QPixmap *ThemedButton::pictureFor(Picture kind) const
 void ThemedButton::paintEvent(QPaintEvent *)
 {
     // A drawn glyph follows the button's size and the screen's pixel ratio.
-    if (m_glyphColor.isValid() &&
-        (m_normal.deviceIndependentSize().toSize() != size() ||
-         !qFuzzyCompare(m_normal.devicePixelRatio(), devicePixelRatioF())))
+    if (m_glyphColor.isValid() && (m_normal.deviceIndependentSize().toSize() != size() ||
+                                   !qFuzzyCompare(m_normal.devicePixelRatio(), devicePixelRatioF())))
         renderCloseGlyph();
     QPainter p(this);
     if (m_backColor.isValid())

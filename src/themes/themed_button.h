@@ -15,7 +15,12 @@ class ThemedButton : public QWidget
     Q_PROPERTY(QColor BACKCOLOR READ backColor WRITE setBackColor)
 public:
     // Which of the three pictures the button shows (imgMAIN).
-    enum class Picture { Normal, Highlight, Pressed };
+    enum class Picture
+    {
+        Normal,
+        Highlight,
+        Pressed
+    };
     Q_ENUM(Picture)
 
     explicit ThemedButton(QWidget *parent = nullptr);

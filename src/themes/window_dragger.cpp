@@ -4,11 +4,7 @@
 #include <QWidget>
 #include <QWindow>
 
-WindowDragger::WindowDragger(QWidget *window)
-    : QObject(window)
-    , m_window(window)
-{
-}
+WindowDragger::WindowDragger(QWidget *window) : QObject(window), m_window(window) {}
 
 void WindowDragger::watch(QWidget *handle)
 {

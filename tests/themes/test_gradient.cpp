@@ -76,7 +76,7 @@ private slots:
         // Single precision: compare to a thousandth.
         auto near = [](QPointF a, QPointF b) { return QLineF(a, b).length() < 1e-3; };
         QVERIFY(near(RotatePoint(centre, QPointF(30, 0), 90), QPointF(35, 5))); // cx + dy, cy - dx
-        QVERIFY(near(RotatePoint(centre, QPointF(30, 0), 0), QPointF(30, 30)));  // y becomes cy + dy
+        QVERIFY(near(RotatePoint(centre, QPointF(30, 0), 0), QPointF(30, 30))); // y becomes cy + dy
     }
 
     // Sample points on and off the streak each angle paints, over a 40 x 30 frame.

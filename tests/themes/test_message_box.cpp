@@ -109,8 +109,12 @@ private slots:
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("yes");
         QTest::addColumn<QString>("no");
-        QTest::newRow("1") << 1 << "You Can Now Download a Newer Version" << "&Download" << "&Ignore";
-        QTest::newRow("4") << 4 << "Are you sure you want to delete the board?" << "&Delete" << "&Cancel";
+        QTest::newRow("1") << 1 << "You Can Now Download a Newer Version"
+                           << "&Download"
+                           << "&Ignore";
+        QTest::newRow("4") << 4 << "Are you sure you want to delete the board?"
+                           << "&Delete"
+                           << "&Cancel";
     }
 
     void twoButtonQuestions()
@@ -178,14 +182,21 @@ private slots:
         QTest::addColumn<QString>("extra");
         QTest::addColumn<QString>("title");
         QTest::addColumn<QString>("text");
-        QTest::newRow("1") << 1 << "x" << "The Spell Checking Now Been Completed"
-                           << "Your page has been fully checked. It is always a good idea to proof yourself too.";
-        QTest::newRow("2 splices") << 2 << "cats" << "Searching Has Now Been Completed"
+        QTest::newRow("1")
+            << 1 << "x"
+            << "The Spell Checking Now Been Completed"
+            << "Your page has been fully checked. It is always a good idea to proof yourself too.";
+        QTest::newRow("2 splices") << 2 << "cats"
+                                   << "Searching Has Now Been Completed"
                                    << "All references have been found for cats";
-        QTest::newRow("4 single blank") << 4 << "" << "Time Has Now Ended" << " ";
-        QTest::newRow("9 splices") << 9 << "/home/me" << "A New Folder Location Was Chosen"
+        QTest::newRow("4 single blank") << 4 << ""
+                                        << "Time Has Now Ended"
+                                        << " ";
+        QTest::newRow("9 splices") << 9 << "/home/me"
+                                   << "A New Folder Location Was Chosen"
                                    << "A Whiteboard folder already exists in /home/me and shall now be used.";
-        QTest::newRow("12") << 12 << "" << "Saving of Your File Has NOT Been Completed"
+        QTest::newRow("12") << 12 << ""
+                            << "Saving of Your File Has NOT Been Completed"
                             << "You need to set a name before saving.";
     }
 

@@ -56,7 +56,8 @@ private slots:
         QCOMPARE(AppPaths::dataFolder(), QDir::cleanPath(m_home->path()));
         m_messages.clear();
         SetMessageResponderForTesting([this](bool question, int number, const QString &) {
-            m_messages.append((question ? QStringLiteral("Q") : QStringLiteral("I")) + QString::number(number));
+            m_messages.append((question ? QStringLiteral("Q") : QStringLiteral("I")) +
+                              QString::number(number));
             return 0;
         });
     }
@@ -73,13 +74,24 @@ private slots:
 
         const QByteArray file = "[main]\r\n> Main-Color=255\r\n[text]\r\n> Bar-Color = 16777215 \r\n"
                                 "> Bar-Font=\"DejaVu Sans\"\r\nPanel-Font=Hand Written\r\n";
-        QTest::newRow("prefixed key") << file << "main" << "Main-Color" << "255";
-        QTest::newRow("other case") << file << "TEXT" << "bar-Color" << "16777215";
-        QTest::newRow("quotes removed") << file << "text" << "Bar-Font" << "DejaVu Sans";
-        QTest::newRow("key without prefix not found") << file << "text" << "Panel-Font" << "default";
-        QTest::newRow("key in another section not found") << file << "main" << "Bar-Color" << "default";
+        QTest::newRow("prefixed key") << file << "main"
+                                      << "Main-Color"
+                                      << "255";
+        QTest::newRow("other case") << file << "TEXT"
+                                    << "bar-Color"
+                                    << "16777215";
+        QTest::newRow("quotes removed") << file << "text"
+                                        << "Bar-Font"
+                                        << "DejaVu Sans";
+        QTest::newRow("key without prefix not found") << file << "text"
+                                                      << "Panel-Font"
+                                                      << "default";
+        QTest::newRow("key in another section not found") << file << "main"
+                                                          << "Bar-Color"
+                                                          << "default";
         QTest::newRow("empty value takes the default") << QByteArray("[main]\n> Main-Color=\n") << "main"
-                                                       << "Main-Color" << "default";
+                                                       << "Main-Color"
+                                                       << "default";
     }
 
     void presetRead()
@@ -99,10 +111,12 @@ private slots:
         const QString path = m_home->filePath(QStringLiteral("p.dcp"));
         writeFile(path, "[text]\r\nPanel-Font=Hand Written\r\n");
         SetPresetFile(path);
-        QCOMPARE(PresetRead(QStringLiteral("text"), QStringLiteral("Panel-Font"), QStringLiteral(" Noto Sans ")),
-                 QStringLiteral("Noto Sans"));
+        QCOMPARE(
+            PresetRead(QStringLiteral("text"), QStringLiteral("Panel-Font"), QStringLiteral(" Noto Sans ")),
+            QStringLiteral("Noto Sans"));
         // The hand-written line stays; the prefixed key joins the section, CRLF kept.
-        QCOMPARE(readFile(path), QByteArray("[text]\r\nPanel-Font=Hand Written\r\n> Panel-Font=Noto Sans\r\n"));
+        QCOMPARE(readFile(path),
+                 QByteArray("[text]\r\nPanel-Font=Hand Written\r\n> Panel-Font=Noto Sans\r\n"));
         QCOMPARE(PresetRead(QStringLiteral("text"), QStringLiteral("panel-font"), QStringLiteral("x")),
                  QStringLiteral("Noto Sans"));
     }
@@ -147,7 +161,8 @@ private slots:
         IniFile file(path);
         QVERIFY(file.load());
         const QStringList mainKeys{"Main-Color", "Main-Opacity", "Main-Contrast"};
-        const QStringList textKeys{"Bar-Font", "Bar-Color", "Bar-Angle", "Panel-Angle", "Panel-Font", "Panel-Color"};
+        const QStringList textKeys{"Bar-Font",    "Bar-Color",  "Bar-Angle",
+                                   "Panel-Angle", "Panel-Font", "Panel-Color"};
         for (const QString &k : mainKeys)
             QVERIFY2(!file.value("main", "> " + k).isEmpty(), qPrintable(k));
         for (const QString &k : textKeys)
@@ -178,15 +193,17 @@ private slots:
         QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Mine"), Theme(), &path),
                  SavePresetResult::Saved);
         Theme second = sampleTheme();
-        QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Mine"), second), SavePresetResult::Saved);
+        QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Mine"), second),
+                 SavePresetResult::Saved);
         QCOMPARE(path, AppPaths::dataPath(QStringLiteral("themes/custom/Mine.dcp")));
         const QByteArray text = readFile(path);
         QCOMPARE(text.count("Main-Color"), 1);
         QVERIFY(!text.contains("13855252"));
-        QCOMPARE(text, QByteArray("[main]\r\n> Main-Color=4478310\r\n> Main-Opacity=200\r\n> Main-Contrast=40\r\n"
-                                  "\r\n[text]\r\n> Bar-Font=DejaVu Sans Mono\r\n> Bar-Color=-2147483639\r\n"
-                                  "> Bar-Angle=180\r\n> Panel-Angle=90\r\n> Panel-Font=DejaVu Serif\r\n"
-                                  "> Panel-Color=16777215\r\n\r\n[preset]\r\n> caption=Mine\r\n"));
+        QCOMPARE(text,
+                 QByteArray("[main]\r\n> Main-Color=4478310\r\n> Main-Opacity=200\r\n> Main-Contrast=40\r\n"
+                            "\r\n[text]\r\n> Bar-Font=DejaVu Sans Mono\r\n> Bar-Color=-2147483639\r\n"
+                            "> Bar-Angle=180\r\n> Panel-Angle=90\r\n> Panel-Font=DejaVu Serif\r\n"
+                            "> Panel-Color=16777215\r\n\r\n[preset]\r\n> caption=Mine\r\n"));
         QVERIFY(m_messages.isEmpty());
     }
 
@@ -219,7 +236,8 @@ private slots:
     {
         Theme t = sampleTheme();
         QCOMPARE(SavePreset(QStringLiteral("flat"), QStringLiteral("b second"), t), SavePresetResult::Saved);
-        QCOMPARE(SavePreset(QStringLiteral("flat"), QStringLiteral("A first"), Theme()), SavePresetResult::Saved);
+        QCOMPARE(SavePreset(QStringLiteral("flat"), QStringLiteral("A first"), Theme()),
+                 SavePresetResult::Saved);
         writeFile(PresetFilePath("flat", "empty.dcp"), QByteArray());
         writeFile(PresetFilePath("flat", "notes.txt"), "not a preset");
 
@@ -300,7 +318,8 @@ private slots:
             QVERIFY(file.load());
             for (const char *k : {"Main-Color", "Main-Opacity", "Main-Contrast"})
                 QVERIFY2(!file.value("main", QStringLiteral("> ") + k).isEmpty(), qPrintable(file.path()));
-            for (const char *k : {"Bar-Font", "Bar-Color", "Bar-Angle", "Panel-Angle", "Panel-Font", "Panel-Color"})
+            for (const char *k :
+                 {"Bar-Font", "Bar-Color", "Bar-Angle", "Panel-Angle", "Panel-Font", "Panel-Color"})
                 QVERIFY2(!file.value("text", QStringLiteral("> ") + k).isEmpty(), qPrintable(file.path()));
             QVERIFY(!file.value("preset", "> caption").isEmpty());
             const int opacity = file.value("main", "> Main-Opacity").toInt();

@@ -5,9 +5,9 @@
 #include "themes/theme_painter.h"
 
 #include <QApplication>
+#include <QDir>
 #include <QFrame>
 #include <QSignalSpy>
-#include <QDir>
 #include <QTest>
 
 // A themed window as the widgets build it: bar, panel, edge lines and ThemeElementsUpdate.
@@ -90,12 +90,24 @@ private slots:
         QTest::addColumn<QString>("value");
         QTest::addColumn<QString>("text");
         QTest::addColumn<QString>("expected"); // field as text
-        QTest::newRow("empty bar font") << "Theme Bar-Font" << "" << "Tahoma";
-        QTest::newRow("blank panel font") << "Theme Panel-Font" << "   " << "Tahoma";
-        QTest::newRow("contrast with trailing text") << "Theme Main-Contrast" << "200px" << "200";
-        QTest::newRow("contrast not a number") << "Theme Main-Contrast" << "abc" << "130";
-        QTest::newRow("colour unsigned spelling") << "Theme Bar-Color" << "2147483657" << "2147483657";
-        QTest::newRow("opacity above a byte") << "Theme Main-Opacity" << "999" << "255";
+        QTest::newRow("empty bar font") << "Theme Bar-Font"
+                                        << ""
+                                        << "Tahoma";
+        QTest::newRow("blank panel font") << "Theme Panel-Font"
+                                          << "   "
+                                          << "Tahoma";
+        QTest::newRow("contrast with trailing text") << "Theme Main-Contrast"
+                                                     << "200px"
+                                                     << "200";
+        QTest::newRow("contrast not a number") << "Theme Main-Contrast"
+                                               << "abc"
+                                               << "130";
+        QTest::newRow("colour unsigned spelling") << "Theme Bar-Color"
+                                                  << "2147483657"
+                                                  << "2147483657";
+        QTest::newRow("opacity above a byte") << "Theme Main-Opacity"
+                                              << "999"
+                                              << "255";
     }
 
     void storedTextIsConverted()

@@ -41,29 +41,29 @@ private slots:
         QTest::newRow("contrast 0 panel: flat main colour") << main << kWindowBackground << 255 << main;
         QTest::newRow("contrast 0 bar") << main << kWindowBackground << 55 << rgb(204, 223, 246);
         QTest::newRow("contrast 130 panel") << main << kWindowBackground << 125 << rgb(140, 182, 233);
-        QTest::newRow("contrast 130 bar: past white, capped") << main << kWindowBackground << -75
-                                                              << rgb(255, 255, 255);
-        QTest::newRow("contrast 255 panel: window colour") << main << kWindowBackground << 0
-                                                           << rgb(255, 255, 255);
+        QTest::newRow("contrast 130 bar: past white, capped")
+            << main << kWindowBackground << -75 << rgb(255, 255, 255);
+        QTest::newRow("contrast 255 panel: window colour")
+            << main << kWindowBackground << 0 << rgb(255, 255, 255);
         QTest::newRow("first colour, weight above 255") << main << kShadowGrey << 555 - 130 << main;
-        QTest::newRow("weight 256 counts as 255") << rgb(10, 20, 30) << rgb(200, 200, 200) << 256
-                                                  << rgb(10, 20, 30);
+        QTest::newRow("weight 256 counts as 255")
+            << rgb(10, 20, 30) << rgb(200, 200, 200) << 256 << rgb(10, 20, 30);
         // No lower bound on the weight: the mix extrapolates past b, channels stop at 0.
-        QTest::newRow("negative weight extrapolates") << rgb(0, 0, 0) << rgb(128, 100, 60) << -75
-                                                      << rgb(166, 129, 78);
-        QTest::newRow("negative channel capped at 0") << rgb(255, 255, 255) << rgb(0, 0, 0) << -75
-                                                      << rgb(0, 0, 0);
-        QTest::newRow("halfway, rounded to nearest") << rgb(0, 0, 0) << rgb(255, 100, 1) << 128
-                                                     << rgb(127, 50, 0);
+        QTest::newRow("negative weight extrapolates")
+            << rgb(0, 0, 0) << rgb(128, 100, 60) << -75 << rgb(166, 129, 78);
+        QTest::newRow("negative channel capped at 0")
+            << rgb(255, 255, 255) << rgb(0, 0, 0) << -75 << rgb(0, 0, 0);
+        QTest::newRow("halfway, rounded to nearest")
+            << rgb(0, 0, 0) << rgb(255, 100, 1) << 128 << rgb(127, 50, 0);
         // System colours come from the palette.
-        QTest::newRow("system 9 against grey") << OleColor(0x80000009u) << kShadowGrey << 255
-                                               << rgb(250, 240, 230);
+        QTest::newRow("system 9 against grey")
+            << OleColor(0x80000009u) << kShadowGrey << 255 << rgb(250, 240, 230);
         QTest::newRow("system 13 mixed") << OleColor(0x8000000Du) << rgb(0, 0, 0) << 51 << rgb(0, 18, 40);
         // A reference that cannot be translated counts as -1: white.
-        QTest::newRow("untranslatable reference") << OleColor(0x80000040u) << rgb(0, 0, 0) << 255
-                                                  << rgb(255, 255, 255);
-        QTest::newRow("palette-index high byte ignored") << OleColor(0x01000000u | rgb(1, 2, 3)) << rgb(0, 0, 0)
-                                                         << 255 << rgb(1, 2, 3);
+        QTest::newRow("untranslatable reference")
+            << OleColor(0x80000040u) << rgb(0, 0, 0) << 255 << rgb(255, 255, 255);
+        QTest::newRow("palette-index high byte ignored")
+            << OleColor(0x01000000u | rgb(1, 2, 3)) << rgb(0, 0, 0) << 255 << rgb(1, 2, 3);
     }
 
     void blendColor()

@@ -87,7 +87,8 @@ private slots:
         m_editor->findChild<QSlider *>("hsbPANELANGLE")->setValue(200);
         QCOMPARE(m_widgetPanel->angle(), 200);
 
-        ThemeEditor::setColorChooserForTesting([](const QColor &, const QString &) { return QColor(255, 0, 0); });
+        ThemeEditor::setColorChooserForTesting(
+            [](const QColor &, const QString &) { return QColor(255, 0, 0); });
         QTest::mouseClick(m_editor->findChild<QPushButton *>("btnBARCOLOR"), Qt::LeftButton);
         QCOMPARE(CurrentTheme().BarColor, OleColor(0x000000FF));
         QCOMPARE(m_editor->findChild<QPushButton *>("btnBARCOLOR")->text(), QStringLiteral("#FF0000"));
@@ -187,9 +188,8 @@ private slots:
         ShareThemeDialog dialog;
         const QString exported = m_home->filePath("out/gift");
         QDir().mkpath(m_home->filePath("out"));
-        ShareThemeDialog::setFileChooserForTesting([&](bool save, const QString &) {
-            return save ? exported : m_importFrom;
-        });
+        ShareThemeDialog::setFileChooserForTesting(
+            [&](bool save, const QString &) { return save ? exported : m_importFrom; });
         dialog.exportTheme();
         QVERIFY(QFile::exists(exported + ".dcp"));
         SetPresetFile(exported + ".dcp");
