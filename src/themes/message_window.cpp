@@ -17,6 +17,8 @@
 namespace {
 
 constexpr int kWidth = 400;
+// A long unbreakable word (a folder path) may widen the window up to this.
+constexpr int kMaxWidth = 720;
 constexpr int kBarHeight = 28;
 
 QPushButton *makeButton(const QString &name, QWidget *parent)
@@ -45,7 +47,8 @@ MessageWindow::MessageWindow(QWidget *parent) : QDialog(parent, Qt::Dialog | Qt:
 {
     setObjectName(QStringLiteral("msg_INF"));
     setWindowTitle(tr("Vantora Message"));
-    setFixedWidth(kWidth);
+    setMinimumWidth(kWidth);
+    setMaximumWidth(kMaxWidth);
 
     auto *layout = new QVBoxLayout(this);
     layout->setContentsMargins(0, 0, 0, 0);
