@@ -47,10 +47,7 @@ qint64 residentKilobytes()
 class FirstWindowWatcher : public QObject
 {
 public:
-    explicit FirstWindowWatcher(const QElapsedTimer &clock)
-        : m_clock(clock)
-    {
-    }
+    explicit FirstWindowWatcher(const QElapsedTimer &clock) : m_clock(clock) {}
 
 protected:
     bool eventFilter(QObject *watched, QEvent *event) override
@@ -160,9 +157,9 @@ void report(const char *name, QList<Sample> samples)
     const auto [kb, worstKb] = medianAndWorst(&Sample::kb);
     std::printf("%-10s  main() to first window: median %lld ms (worst %lld)   launch to first window: "
                 "median %lld ms (worst %lld)   resident: median %.1f MB (worst %.1f)   %lld runs\n",
-                name, static_cast<long long>(ms), static_cast<long long>(worstMs), static_cast<long long>(launchMs),
-                static_cast<long long>(worstLaunchMs), kb / 1024.0, worstKb / 1024.0,
-                static_cast<long long>(samples.size()));
+                name, static_cast<long long>(ms), static_cast<long long>(worstMs),
+                static_cast<long long>(launchMs), static_cast<long long>(worstLaunchMs), kb / 1024.0,
+                worstKb / 1024.0, static_cast<long long>(samples.size()));
 }
 
 int runAll(int argc, char *argv[])

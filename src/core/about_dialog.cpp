@@ -1,6 +1,7 @@
 #include "core/about_dialog.h"
 
 #include "core/update_check.h"
+#include "themes/theme_painter.h"
 
 #include <QFile>
 #include <QHBoxLayout>
@@ -42,8 +43,8 @@ AboutDialog::AboutDialog(QWidget *parent)
     header->addLayout(names, 1);
     layout->addLayout(header);
 
-    auto *attribution = new QLabel(
-        QStringLiteral("<a href=\"https://open-meteo.com/\">Weather data by Open-Meteo.com</a>"));
+    auto *attribution =
+        new QLabel(QStringLiteral("<a href=\"https://open-meteo.com/\">Weather data by Open-Meteo.com</a>"));
     attribution->setObjectName(QStringLiteral("lbhOPENMETEO"));
     attribution->setOpenExternalLinks(true);
     attribution->setTextInteractionFlags(Qt::TextBrowserInteraction);
@@ -76,9 +77,26 @@ AboutDialog::AboutDialog(QWidget *parent)
     setPanelLayout(layout);
 }
 
+void AboutDialog::ThemeElementsUpdate()
+{
+    ThemedDialog::ThemeElementsUpdate();
+    const QColor text = ResolveColor(CurrentTheme().PanelColor);
+    for (const char *name : {"lbhOPENMETEO", "lbhWEBSITE"}) {
+        if (auto *link = findChild<QLabel *>(QString::fromLatin1(name))) {
+            QPalette pal = link->palette();
+            pal.setColor(QPalette::Link, text);
+            pal.setColor(QPalette::LinkVisited, text);
+            link->setPalette(pal);
+        }
+    }
+}
+
 QString AboutDialog::versionText()
 {
-    return QStringLiteral("%1.%2.%3").arg(VANTORA_VERSION_MAJOR).arg(VANTORA_VERSION_MINOR).arg(VANTORA_VERSION_PATCH);
+    return QStringLiteral("%1.%2.%3")
+        .arg(VANTORA_VERSION_MAJOR)
+        .arg(VANTORA_VERSION_MINOR)
+        .arg(VANTORA_VERSION_PATCH);
 }
 
 QString AboutDialog::creditsText()

@@ -14,4 +14,8 @@ public:
     static QString versionText();
     // The shipped credits page (Markdown); a short note when the resource is missing.
     static QString creditsText();
+
+public slots:
+    // Links take the panel's text colour so they read on any theme.
+    void ThemeElementsUpdate() override;
 };

@@ -4,13 +4,16 @@
 #include "core/dashboard_window.h"
 #include "core/data_folders.h"
 #include "core/program_settings_model.h"
+#include "core/shell_tools.h"
 #include "core/shipped_data.h"
 #include "core/startup_decisions.h"
 #include "core/tray_icon.h"
 #include "core/widget_context_menu.h"
 #include "core/widget_frame.h"
 #include "core/widget_registry.h"
+#include "themes/share_theme_dialog.h"
 #include "themes/theme.h"
+#include "themes/theme_editor.h"
 #include "themes/theme_presets.h"
 #include "time/alarm_popup.h" // scheduler_window.h needs the complete type for its QPointer
 #include "time/scheduler_window.h"
@@ -25,10 +28,7 @@ constexpr int kMinimumFontPoints = 8;
 constexpr int kShippedDataDelayMs = 1000;
 } // namespace
 
-ApplicationStart::ApplicationStart(QObject *parent)
-    : QObject(parent)
-{
-}
+ApplicationStart::ApplicationStart(QObject *parent) : QObject(parent) {}
 
 ApplicationStart::~ApplicationStart()
 {
@@ -90,7 +90,8 @@ void ApplicationStart::prepareValues()
         QApplication::setFont(font);
     }
     const ProgramSettingsModel::Values settings = ProgramSettingsModel::load();
-    ProgramSettingsModel::setWebcamIntervalSeconds(ProgramSettingsModel::intervalSeconds(settings.timerInterval));
+    ProgramSettingsModel::setWebcamIntervalSeconds(
+        ProgramSettingsModel::intervalSeconds(settings.timerInterval));
 }
 
 void ApplicationStart::prepareData()
@@ -98,11 +99,21 @@ void ApplicationStart::prepareData()
     LoadThemeFromRegistry();
     PrepareAllDataFolders();
     registerWidgetsOnce();
+    registerTools();
     // Copying the shipped presets and dictionaries takes longer than everything else on a first
     // run, and nothing needs them before the user acts: it waits for the first window (or a
     // second, when the start shows none).
     qApp->installEventFilter(this);
     QTimer::singleShot(kShippedDataDelayMs, this, &ApplicationStart::installShippedData);
+}
+
+void ApplicationStart::registerTools()
+{
+    ShellTools::setLauncher(ShellTools::ThemeEditor, [](QWidget *) { ThemeEditor::showEditor(); });
+    ShellTools::setLauncher(ShellTools::ShareTheme, [](QWidget *) { ShareThemeDialog::showDialog(); });
+    // TODO(webcam): the webcam viewer (mdb_WCM) is not in this build yet. Its part registers
+    // ShellTools::WebcamViewer here; until then the Webcam items stay disabled and a stored
+    // "Start-Webcam" opens nothing.
 }
 
 bool ApplicationStart::eventFilter(QObject *watched, QEvent *event)

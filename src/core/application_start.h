@@ -48,6 +48,7 @@ private:
     void keepSomethingOnScreen();
     void end();
     void installShippedData();
+    static void registerTools();
 
     QPointer<DashboardWindow> m_dashboard;
     QPointer<SchedulerWindow> m_scheduler;

@@ -7,9 +7,7 @@
 #include <QPainter>
 #include <QPainterPath>
 
-DashboardTile::DashboardTile(int widgetIndex, QWidget *parent)
-    : QAbstractButton(parent)
-    , m_index(widgetIndex)
+DashboardTile::DashboardTile(int widgetIndex, QWidget *parent) : QAbstractButton(parent), m_index(widgetIndex)
 {
     setObjectName(QStringLiteral("btnWIDGET_%1").arg(widgetIndex));
     setText(WidgetDisplayName(widgetIndex));
@@ -71,7 +69,8 @@ void DashboardTile::updateDescription()
 QSize DashboardTile::sizeHint() const
 {
     const QFontMetrics fm(font());
-    const int width = qMax(fm.horizontalAdvance(QStringLiteral("Whiteboard")) + fm.height() * 2, fm.height() * 7);
+    const int width =
+        qMax(fm.horizontalAdvance(QStringLiteral("Whiteboard")) + fm.height() * 2, fm.height() * 7);
     return QSize(width, fm.height() * 6);
 }
 
@@ -89,45 +88,47 @@ void DashboardTile::paintEvent(QPaintEvent *)
     const qreal radius = fm.height() * 0.45;
     const QRectF box = QRectF(rect()).adjusted(2, 2, -2, -2);
 
-    QColor fill = m_text;
-    fill.setAlphaF(m_hovered && m_available ? 0.14 : 0.07);
-    if (m_open) {
-        fill = m_accent;
-        fill.setAlphaF(0.22);
-    }
-    QPen border(m_selected ? m_accent : QColor(m_text.red(), m_text.green(), m_text.blue(), 60));
-    border.setWidthF(m_selected ? 2.5 : 1.0);
+    // Everything is drawn in the panel's text colour at different strengths, so the tiles read
+    // well on any theme's panel.
+    auto ink = [this](qreal alpha) {
+        QColor c = m_text;
+        c.setAlphaF(alpha);
+        return c;
+    };
+    qreal fillAlpha = m_hovered && m_available ? 0.14 : 0.07;
+    if (m_open)
+        fillAlpha += 0.16;
+    QPen border(m_selected ? ink(1.0) : ink(0.25));
+    border.setWidthF(m_selected ? 2.0 : 1.0);
     p.setPen(border);
-    p.setBrush(fill);
+    p.setBrush(ink(fillAlpha));
     p.drawRoundedRect(box, radius, radius);
 
     if (hasFocus()) {
-        QPen focus(m_text, 1, Qt::DotLine);
-        p.setPen(focus);
+        p.setPen(QPen(ink(0.8), 1, Qt::DotLine));
         p.setBrush(Qt::NoBrush);
         p.drawRoundedRect(box.adjusted(4, 4, -4, -4), radius * 0.7, radius * 0.7);
     }
 
-    QColor ink = m_text;
-    if (!m_available)
-        ink.setAlphaF(0.35);
+    const QColor content = ink(m_available ? 1.0 : 0.35);
     const qreal glyphSide = qMin(box.width(), box.height()) * 0.42;
-    const QRectF glyphBox(box.center().x() - glyphSide / 2, box.top() + fm.height() * 0.6, glyphSide, glyphSide);
-    WidgetGlyphs::paint(p, m_index, glyphBox, m_open ? m_accent.darker(110) : ink);
+    const QRectF glyphBox(box.center().x() - glyphSide / 2, box.top() + fm.height() * 0.6, glyphSide,
+                          glyphSide);
+    WidgetGlyphs::paint(p, m_index, glyphBox, content);
 
-    p.setPen(ink);
+    p.setPen(content);
     QFont nameFont = font();
     nameFont.setBold(m_open);
     p.setFont(nameFont);
     const QRectF nameBox(box.left(), glyphBox.bottom() + fm.height() * 0.3, box.width(), fm.height() * 1.2);
     p.drawText(nameBox, Qt::AlignCenter, fm.elidedText(text(), Qt::ElideRight, int(box.width()) - 8));
 
-    // A small dot marks an open widget, so the state does not depend on colour alone.
+    // A dot marks an open widget, so the state does not rest on shading alone.
     if (m_open) {
-        const qreal dot = fm.height() * 0.35;
-        p.setPen(Qt::NoPen);
-        p.setBrush(m_accent);
-        p.drawEllipse(QRectF(box.right() - dot * 2.2, box.top() + dot * 1.2, dot, dot));
+        const qreal dot = fm.height() * 0.5;
+        p.setPen(QPen(m_accent, 1.5));
+        p.setBrush(m_text);
+        p.drawEllipse(QRectF(box.right() - dot * 2, box.top() + dot, dot, dot));
     }
 }
 

@@ -24,6 +24,7 @@
 #include <QLabel>
 #include <QMenuBar>
 #include <QPushButton>
+#include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -32,7 +33,11 @@ namespace {
 constexpr int kColumns = 4;
 const QString kSettings = QStringLiteral("mdb_SET");
 
-enum ShowHideMode { HideAll = 1, ShowAll = 2 };
+enum ShowHideMode
+{
+    HideAll = 1,
+    ShowAll = 2
+};
 
 bool isWidgetIndex(int index)
 {
@@ -48,9 +53,7 @@ void setTextColor(QWidget *w, const QColor &color)
 
 } // namespace
 
-DashboardWindow::DashboardWindow(QWidget *parent)
-    : QMainWindow(parent)
-    , m_updateCheck(new UpdateCheck(this))
+DashboardWindow::DashboardWindow(QWidget *parent) : QMainWindow(parent), m_updateCheck(new UpdateCheck(this))
 {
     setObjectName(QStringLiteral("mdb_IDX"));
     setWindowTitle(QStringLiteral("Vantora Dashboard"));
@@ -71,8 +74,8 @@ void DashboardWindow::buildMenus()
 {
     QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
     file->setObjectName(QStringLiteral("mnuFILE"));
-    QAction *settings = file->addAction(QStringLiteral("&Program Settings..."), this,
-                                        &DashboardWindow::openProgramSettings);
+    QAction *settings =
+        file->addAction(QStringLiteral("&Program Settings..."), this, &DashboardWindow::openProgramSettings);
     settings->setObjectName(QStringLiteral("mnuSETTINGS"));
     file->addSeparator();
     QAction *exit = file->addAction(QStringLiteral("E&xit"), this, &DashboardWindow::exitProgram);
@@ -81,7 +84,7 @@ void DashboardWindow::buildMenus()
 
     QMenu *widgets = menuBar()->addMenu(QStringLiteral("&Widgets"));
     widgets->setObjectName(QStringLiteral("mnuWIDGETS"));
-    static const char *const kCaptions[] = {"&Alarm Clock", "Calc&ulator", "Calen&dar", "&Notes",
+    static const char *const kCaptions[] = {"&Alarm Clock", "Calc&ulator", "Calen&dar",   "&Notes",
                                             "&Stopwatch",   "&Timer",      "Whiteb&oard", "&Weather"};
     for (int i = 0; i < WidgetCount; ++i) {
         QAction *item = widgets->addAction(QString::fromLatin1(kCaptions[i]));
@@ -92,16 +95,20 @@ void DashboardWindow::buildMenus()
         m_widgetItems[i] = item;
     }
     widgets->addSeparator();
-    m_showAllItem = widgets->addAction(QStringLiteral("&Show All Opened Widgets"), this, [this] { ShowHideAll(ShowAll); });
+    m_showAllItem = widgets->addAction(QStringLiteral("&Show All Opened Widgets"), this,
+                                       [this] { ShowHideAll(ShowAll); });
     m_showAllItem->setObjectName(QStringLiteral("mnuSHOWALL"));
-    m_hideAllItem = widgets->addAction(QStringLiteral("&Hide All Opened Widgets"), this, [this] { ShowHideAll(HideAll); });
+    m_hideAllItem = widgets->addAction(QStringLiteral("&Hide All Opened Widgets"), this,
+                                       [this] { ShowHideAll(HideAll); });
     m_hideAllItem->setObjectName(QStringLiteral("mnuHIDEALL"));
 
     QMenu *tools = menuBar()->addMenu(QStringLiteral("&Tools"));
     tools->setObjectName(QStringLiteral("mnuTOOLS"));
-    m_themeItem = tools->addAction(QStringLiteral("Edit &Theme Settings..."), this, &DashboardWindow::openThemeEditor);
+    m_themeItem =
+        tools->addAction(QStringLiteral("Edit &Theme Settings..."), this, &DashboardWindow::openThemeEditor);
     m_themeItem->setObjectName(QStringLiteral("mnuTHEME"));
-    m_webcamItem = tools->addAction(QStringLiteral("W&ebcam Wallpaper..."), this, &DashboardWindow::openWebcam);
+    m_webcamItem =
+        tools->addAction(QStringLiteral("W&ebcam Wallpaper..."), this, &DashboardWindow::openWebcam);
     m_webcamItem->setObjectName(QStringLiteral("mnuWEBCAM"));
     m_shareItem = tools->addAction(QStringLiteral("Sha&re Theme..."), this, &DashboardWindow::openShareTheme);
     m_shareItem->setObjectName(QStringLiteral("mnuSHARE"));
@@ -112,7 +119,8 @@ void DashboardWindow::buildMenus()
     help->setObjectName(QStringLiteral("mnuHELP"));
     QAction *wizard = help->addAction(QStringLiteral("Wi&zard Setup..."), this, &DashboardWindow::openWizard);
     wizard->setObjectName(QStringLiteral("mnuWIZARD"));
-    QAction *update = help->addAction(QStringLiteral("Check for &Updates..."), this, [this] { StartUpdateCheck(true); });
+    QAction *update =
+        help->addAction(QStringLiteral("Check for &Updates..."), this, [this] { StartUpdateCheck(true); });
     update->setObjectName(QStringLiteral("mnuUPDATE"));
     update->setVisible(UpdateCheck::isEnabled());
     help->addSeparator();
@@ -183,7 +191,8 @@ void DashboardWindow::buildBody()
     panelLayout->addWidget(m_notice);
 
     auto *footer = new QHBoxLayout;
-    m_hint = new QLabel(QStringLiteral("Double-click a widget, or select it and press Enter, to open or close it."));
+    m_hint = new QLabel(
+        QStringLiteral("Double-click a widget, or select it and press Enter, to open or close it."));
     m_hint->setObjectName(QStringLiteral("lblHINT"));
     m_hint->setWordWrap(true);
     footer->addWidget(m_hint, 1);
@@ -262,6 +271,12 @@ void DashboardWindow::refreshState()
 
 void DashboardWindow::loadDashboard(int choice)
 {
+    // Centred until a position has been stored.
+    if (const QScreen *screen = QGuiApplication::primaryScreen()) {
+        QRect frame(QPoint(), size());
+        frame.moveCenter(screen->availableGeometry().center());
+        move(frame.topLeft());
+    }
     RestoreWindowPlacement(this, false);
     const StartupDecisions::DashboardLoadPlan plan = StartupDecisions::dashboardLoadPlan(choice);
     if (plan.openWebcam)
@@ -467,7 +482,7 @@ void DashboardWindow::ThemeElementsUpdate()
     }
     for (DashboardTile *tile : m_tiles) {
         tile->setFont(panelFont);
-        tile->setColors(panelText, accent.lighter(125));
+        tile->setColors(panelText, accent);
     }
     m_bar->update();
     m_panel->update();

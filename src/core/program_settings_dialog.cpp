@@ -27,8 +27,9 @@ ProgramSettingsDialog::ProgramSettingsDialog(QWidget *parent)
     m_tabs->setDrawBase(false);
     m_tabs->addTab(QStringLiteral("Settings"));
     m_tabs->addTab(QStringLiteral("Default Settings"));
-    m_tabs->setTabToolTip(kDefaultsTab, QStringLiteral("Put the check boxes back to their defaults; nothing is "
-                                                       "stored until you press OK"));
+    m_tabs->setTabToolTip(kDefaultsTab,
+                          QStringLiteral("Put the check boxes back to their defaults; nothing is "
+                                         "stored until you press OK"));
     connect(m_tabs, &QTabBar::currentChanged, this, &ProgramSettingsDialog::onTabChosen);
     layout->addWidget(m_tabs);
 

@@ -63,7 +63,8 @@ ProgramSettingsModel::Values ProgramSettingsModel::load()
     v.windowMinimize = readSwitch(kSettings, QStringLiteral("Window Minimize"), false);
     v.minimizeOnClose = readSwitch(kSettings, QStringLiteral("Program Minimize on Close"), true);
     v.onTop = readSwitch(kSettings, QStringLiteral("On-Top"), false);
-    const QString interval = ReadDetail(kWebcam, QStringLiteral("Timer-Interval"), QStringLiteral("1 Minute"));
+    const QString interval =
+        ReadDetail(kWebcam, QStringLiteral("Timer-Interval"), QStringLiteral("1 Minute"));
     if (intervalCaptions().contains(interval))
         v.timerInterval = interval;
     v.playLast = readSwitch(kWebcam, QStringLiteral("Play-Last"), false);

@@ -11,13 +11,13 @@ class ProgramSettingsModel
 public:
     struct Values
     {
-        bool launchWithSystem = true; // "Program Launch"
-        bool minimizeOnStart = false; // "Program Minimize on Start"
-        bool windowMinimize = false;  // "Window Minimize"
-        bool minimizeOnClose = true;  // "Program Minimize on Close"
-        bool onTop = false;           // "On-Top"
+        bool launchWithSystem = true;                       // "Program Launch"
+        bool minimizeOnStart = false;                       // "Program Minimize on Start"
+        bool windowMinimize = false;                        // "Window Minimize"
+        bool minimizeOnClose = true;                        // "Program Minimize on Close"
+        bool onTop = false;                                 // "On-Top"
         QString timerInterval = QStringLiteral("1 Minute"); // "Timer-Interval" (mdb_WCM)
-        bool playLast = false;        // "Play-Last" (mdb_WCM)
+        bool playLast = false;                              // "Play-Last" (mdb_WCM)
 
         bool operator==(const Values &) const = default;
     };

@@ -10,7 +10,12 @@ class QWidget;
 class ShellTools
 {
 public:
-    enum Tool { ThemeEditor, WebcamViewer, ShareTheme };
+    enum Tool
+    {
+        ThemeEditor,
+        WebcamViewer,
+        ShareTheme
+    };
     using Launcher = std::function<void(QWidget *owner)>;
 
     static void setLauncher(Tool tool, Launcher launcher);

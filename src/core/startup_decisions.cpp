@@ -38,7 +38,8 @@ StartupDecisions::DashboardLoadPlan StartupDecisions::dashboardLoadPlan(int choi
                 plan.widgetsToOpen.append(i);
         }
     }
-    const QString showOrHide = ReadDetail(kSettings, QStringLiteral("Start-Show or Hide"), QStringLiteral("Show"));
+    const QString showOrHide =
+        ReadDetail(kSettings, QStringLiteral("Start-Show or Hide"), QStringLiteral("Show"));
     plan.startHidden = showOrHide.compare(QLatin1String("Hidden"), Qt::CaseInsensitive) == 0;
     return plan;
 }

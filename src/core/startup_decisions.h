@@ -9,7 +9,8 @@ class StartupDecisions
 {
 public:
     // What the hand-over shows once the choice is known.
-    enum class HandOver {
+    enum class HandOver
+    {
         Dashboard,    // 8 and above (all widgets); also a choice that names no widget
         SingleWidget, // 0..7: that widget alone, the dashboard stays hidden
     };

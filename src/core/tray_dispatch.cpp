@@ -24,8 +24,8 @@ int TrayDispatch::codeFor(Reason reason, qint64 msSincePreviousContext, int doub
 QString TrayDispatch::eventName(int code)
 {
     static constexpr std::array<const char *, 10> kNames{
-        "MOUSEMOVE",   "LBUTTONDOWN",   "LBUTTONUP",   "LBUTTONDBLCLK", "RBUTTONDOWN",
-        "RBUTTONUP",   "RBUTTONDBLCLK", "MBUTTONDOWN", "MBUTTONUP",     "MBUTTONDBLCLK",
+        "MOUSEMOVE", "LBUTTONDOWN",   "LBUTTONUP",   "LBUTTONDBLCLK", "RBUTTONDOWN",
+        "RBUTTONUP", "RBUTTONDBLCLK", "MBUTTONDOWN", "MBUTTONUP",     "MBUTTONDBLCLK",
     };
     if (code >= 0 && code < int(kNames.size()))
         return QString::fromLatin1(kNames[code]);

@@ -8,7 +8,8 @@
 class TrayDispatch
 {
 public:
-    enum Code {
+    enum Code
+    {
         MouseMove = 0,
         LeftButtonDown = 1,
         LeftButtonUp = 2,
@@ -21,7 +22,8 @@ public:
         MiddleButtonDoubleClick = 9,
     };
 
-    enum class Action {
+    enum class Action
+    {
         None,
         ShowDashboard,   // show it and put it back in the normal state
         PopUpMenu,       // the shared context menu in its tray variant
@@ -30,7 +32,14 @@ public:
 
     // The activation reasons of QSystemTrayIcon, repeated here so this stays free of QtWidgets
     // (same values as QSystemTrayIcon::ActivationReason).
-    enum Reason { Unknown = 0, Context = 1, DoubleClick = 2, Trigger = 3, MiddleClick = 4 };
+    enum Reason
+    {
+        Unknown = 0,
+        Context = 1,
+        DoubleClick = 2,
+        Trigger = 3,
+        MiddleClick = 4
+    };
 
     // The code for an activation. The desktop reports no right-button double click, so a
     // context activation that follows another within the double-click interval is taken as one.

@@ -15,9 +15,7 @@ int g_availableOverride = -1;
 constexpr int kMaxTipLength = 63;
 } // namespace
 
-TrayIcon::TrayIcon(QObject *parent)
-    : QObject(parent)
-    , m_icon(new QSystemTrayIcon(this))
+TrayIcon::TrayIcon(QObject *parent) : QObject(parent), m_icon(new QSystemTrayIcon(this))
 {
     setObjectName(QStringLiteral("mdb_TRY"));
     m_icon->setToolTip(m_tooltip);

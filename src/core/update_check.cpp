@@ -24,10 +24,7 @@ QString userAgent()
 
 } // namespace
 
-UpdateCheck::UpdateCheck(QObject *parent)
-    : QObject(parent)
-{
-}
+UpdateCheck::UpdateCheck(QObject *parent) : QObject(parent) {}
 
 bool UpdateCheck::isEnabled()
 {
@@ -69,7 +66,8 @@ QString UpdateCheck::localVersionFile()
 
 double UpdateCheck::programVersion()
 {
-    return QLocale::c().toDouble(QStringLiteral("%1.%2").arg(VANTORA_VERSION_MAJOR).arg(VANTORA_VERSION_MINOR));
+    return QLocale::c().toDouble(
+        QStringLiteral("%1.%2").arg(VANTORA_VERSION_MAJOR).arg(VANTORA_VERSION_MINOR));
 }
 
 std::optional<double> UpdateCheck::parseVersion(const QByteArray &text)

@@ -26,8 +26,7 @@ constexpr std::array<WidgetItem, WidgetCount> kWidgetItems{{
 
 } // namespace
 
-WidgetContextMenu::WidgetContextMenu(QWidget *parent)
-    : QMenu(QStringLiteral("&RC Menu"), parent)
+WidgetContextMenu::WidgetContextMenu(QWidget *parent) : QMenu(QStringLiteral("&RC Menu"), parent)
 {
     setObjectName(QStringLiteral("mnuDCTOP"));
     setToolTipsVisible(true);
@@ -42,8 +41,8 @@ WidgetContextMenu::WidgetContextMenu(QWidget *parent)
     connect(addItem(this, "mnuRCWIZARD", QStringLiteral("Wi&zard Setup...")), &QAction::triggered, this,
             &WidgetContextMenu::wizardChosen);
     addSeparator(this, "mnuDCSEP011");
-    connect(addItem(this, "mnuDCSETTINGS", QStringLiteral("Edit &Theme Settings...")), &QAction::triggered, this,
-            &WidgetContextMenu::themeEditorChosen);
+    connect(addItem(this, "mnuDCSETTINGS", QStringLiteral("Edit &Theme Settings...")), &QAction::triggered,
+            this, &WidgetContextMenu::themeEditorChosen);
     addSeparator(this, "mnuDCSEP01");
     connect(addItem(this, "mnuDCWEBCAM", QStringLiteral("W&ebcam Wallpaper...")), &QAction::triggered, this,
             &WidgetContextMenu::webcamChosen);
@@ -55,16 +54,17 @@ WidgetContextMenu::WidgetContextMenu(QWidget *parent)
     m_widgets->setObjectName(QStringLiteral("mnuWIDGETSSUB"));
     m_widgets->menuAction()->setObjectName(QStringLiteral("mnuWIDGETSSUB"));
     for (int i = 0; i < WidgetCount; ++i) {
-        QAction *toggle = addItem(m_widgets, kWidgetItems[i].name, QString::fromLatin1(kWidgetItems[i].caption));
+        QAction *toggle =
+            addItem(m_widgets, kWidgetItems[i].name, QString::fromLatin1(kWidgetItems[i].caption));
         toggle->setCheckable(true);
         connect(toggle, &QAction::triggered, this, [this, i] { emit widgetToggleChosen(i); });
     }
 
     addSeparator(this, "mnuDCSEP02");
-    connect(addItem(this, "mnuDCSHOWALL", QStringLiteral("&Show All Opened Widgets")), &QAction::triggered, this,
-            &WidgetContextMenu::showAllChosen);
-    connect(addItem(this, "mnuDCHIDEALL", QStringLiteral("&Hide All Opened Widgets")), &QAction::triggered, this,
-            &WidgetContextMenu::hideAllChosen);
+    connect(addItem(this, "mnuDCSHOWALL", QStringLiteral("&Show All Opened Widgets")), &QAction::triggered,
+            this, &WidgetContextMenu::showAllChosen);
+    connect(addItem(this, "mnuDCHIDEALL", QStringLiteral("&Hide All Opened Widgets")), &QAction::triggered,
+            this, &WidgetContextMenu::hideAllChosen);
     addSeparator(this, "mnuDCSEP04");
     connect(addItem(this, "mnuWIDGRESET", QStringLiteral("Widget Reset S&ize")), &QAction::triggered, this,
             &WidgetContextMenu::resetActiveWidgetSize);

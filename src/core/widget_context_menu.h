@@ -15,7 +15,15 @@ class WidgetContextMenu : public QMenu
 public:
     // Where the menu was opened. The clock, notes, whiteboard and weather widgets have their own
     // variant; every other widget gets the common one.
-    enum class Variant { Tray, Common, Clock, Notes, Whiteboard, Weather };
+    enum class Variant
+    {
+        Tray,
+        Common,
+        Clock,
+        Notes,
+        Whiteboard,
+        Weather
+    };
 
     // What the menu shows besides the variant: what is open, what exists in this build.
     struct State

@@ -100,7 +100,8 @@ void weather(QPainter &p)
     p.drawArc(QRectF(4, 3.5, 9, 9), 20 * 16, 200 * 16);
     for (int ray = 0; ray < 4; ++ray) {
         const qreal a = qDegreesToRadians(100.0 + ray * 45.0);
-        p.drawLine(QPointF(8.5 + 6.5 * qCos(a), 8 - 6.5 * qSin(a)), QPointF(8.5 + 8.5 * qCos(a), 8 - 8.5 * qSin(a)));
+        p.drawLine(QPointF(8.5 + 6.5 * qCos(a), 8 - 6.5 * qSin(a)),
+                   QPointF(8.5 + 8.5 * qCos(a), 8 - 8.5 * qSin(a)));
     }
     QPainterPath cloud;
     cloud.moveTo(7, 20.5);
@@ -116,7 +117,8 @@ void weather(QPainter &p)
 void WidgetGlyphs::paint(QPainter &painter, int index, const QRectF &box, const QColor &color)
 {
     using Draw = void (*)(QPainter &);
-    static constexpr Draw kDraw[] = {clock, calculator, calendar, notes, stopwatch, timer, whiteboard, weather};
+    static constexpr Draw kDraw[] = {clock,     calculator, calendar,   notes,
+                                     stopwatch, timer,      whiteboard, weather};
     if (index < 0 || index >= int(std::size(kDraw)))
         return;
     const qreal side = qMin(box.width(), box.height());

@@ -22,7 +22,7 @@ struct Option
 
 // Two columns of single widgets, in widget order.
 constexpr Option kSingleOptions[] = {
-    {0, "A&larm Clock"}, {1, "&Calculator"}, {2, "Calen&dar"}, {3, "No&tes"},
+    {0, "A&larm Clock"}, {1, "&Calculator"}, {2, "Calen&dar"},   {3, "No&tes"},
     {4, "&Stopwatch"},   {5, "Ti&mer"},      {6, "&Whiteboard"}, {7, "Weat&her"},
 };
 
@@ -34,9 +34,10 @@ WizardDialog::WizardDialog(QWidget *parent)
     auto *layout = new QVBoxLayout;
     layout->setSpacing(12);
 
-    auto *intro = new QLabel(QStringLiteral(
-        "Before you start using Vantora, you first have to choose what you want it to do as a default. Do not "
-        "worry, you can change these settings from the dashboard at any time."));
+    auto *intro =
+        new QLabel(QStringLiteral("Before you start using Vantora, you first have to choose what you want it "
+                                  "to do as a default. Do not "
+                                  "worry, you can change these settings from the dashboard at any time."));
     intro->setObjectName(QStringLiteral("lblDESCRIPTION"));
     intro->setWordWrap(true);
     layout->addWidget(intro);

@@ -56,7 +56,8 @@ void TestAutostart::switchingOnAndOff()
     QVERIFY(QFile::exists(path));
     QCOMPARE(readEntry(path, QStringLiteral("Hidden")), hidden);
     QCOMPARE(readEntry(path, QStringLiteral("Type")), QStringLiteral("Application"));
-    QCOMPARE(readEntry(path, QStringLiteral("Exec")), Autostart::execLine(QCoreApplication::applicationFilePath()));
+    QCOMPARE(readEntry(path, QStringLiteral("Exec")),
+             Autostart::execLine(QCoreApplication::applicationFilePath()));
 }
 
 void TestAutostart::quotesExecutablePaths_data()
@@ -64,10 +65,14 @@ void TestAutostart::quotesExecutablePaths_data()
     QTest::addColumn<QString>("executable");
     QTest::addColumn<QString>("exec");
 
-    QTest::newRow("plain") << "/usr/bin/vantora" << "/usr/bin/vantora";
-    QTest::newRow("blank") << "/opt/My Apps/vantora" << "\"/opt/My Apps/vantora\"";
-    QTest::newRow("dollar") << "/home/a$b/vantora" << "\"/home/a\\$b/vantora\"";
-    QTest::newRow("percent") << "/opt/100%/vantora" << "/opt/100%%/vantora";
+    QTest::newRow("plain") << "/usr/bin/vantora"
+                           << "/usr/bin/vantora";
+    QTest::newRow("blank") << "/opt/My Apps/vantora"
+                           << "\"/opt/My Apps/vantora\"";
+    QTest::newRow("dollar") << "/home/a$b/vantora"
+                            << "\"/home/a\\$b/vantora\"";
+    QTest::newRow("percent") << "/opt/100%/vantora"
+                             << "/opt/100%%/vantora";
 }
 
 void TestAutostart::quotesExecutablePaths()

@@ -16,9 +16,8 @@ class FakeWidget : public WidgetWindow
 {
 public:
     FakeWidget(int index, const QString &variant, bool settings)
-        : WidgetWindow(WidgetWindowName(index), index, QStringLiteral("Vantora Test"))
-        , m_variant(variant)
-        , m_settings(settings)
+        : WidgetWindow(WidgetWindowName(index), index, QStringLiteral("Vantora Test")), m_variant(variant),
+          m_settings(settings)
     {
     }
     QString contextMenuVariant() const override { return m_variant; }
@@ -35,7 +34,8 @@ using Variant = WidgetContextMenu::Variant;
 
 QString describe(const QAction *a)
 {
-    return a->isSeparator() ? a->objectName() + QStringLiteral(" -") : a->objectName() + QLatin1Char(' ') + a->text();
+    return a->isSeparator() ? a->objectName() + QStringLiteral(" -")
+                            : a->objectName() + QLatin1Char(' ') + a->text();
 }
 
 } // namespace
@@ -119,8 +119,8 @@ void TestContextMenu::itemsInOrder()
     for (const QAction *a : sub->actions())
         widgets << describe(a);
     const QStringList expectedWidgets{
-        "mnuDCALARM &Alarm Clock", "mnuDCCALC Calc&ulator",  "mnuDCCALENDAR Calen&dar",
-        "mnuDCNOTES &Notes",       "mnuDCSWATCH &Stopwatch", "mnuDCTIMER &Timer",
+        "mnuDCALARM &Alarm Clock",     "mnuDCCALC Calc&ulator",  "mnuDCCALENDAR Calen&dar",
+        "mnuDCNOTES &Notes",           "mnuDCSWATCH &Stopwatch", "mnuDCTIMER &Timer",
         "mnuDCWHITEBOARD Whiteb&oard", "mnuDCWEATHER &Weather",
     };
     QCOMPARE(widgets, expectedWidgets);

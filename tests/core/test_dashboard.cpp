@@ -275,9 +275,10 @@ void TestDashboard::exitSavesAndClosesEverything()
     QVERIFY(WidgetRegistry::instance().openWidgets().isEmpty());
     QVERIFY(!stray.isVisible());
     QVERIFY(!d.isVisible());
-    QCOMPARE(ReadDetail(QStringLiteral("mdb_SET"), QStringLiteral("Start-Webcam"), QString()), QStringLiteral("False"));
-    QVERIFY(!ReadSetting(Hive::CurrentUser, SettingsRoot() + QStringLiteral("mdb_IDX\\Window"), QStringLiteral("Left"),
-                         QString())
+    QCOMPARE(ReadDetail(QStringLiteral("mdb_SET"), QStringLiteral("Start-Webcam"), QString()),
+             QStringLiteral("False"));
+    QVERIFY(!ReadSetting(Hive::CurrentUser, SettingsRoot() + QStringLiteral("mdb_IDX\\Window"),
+                         QStringLiteral("Left"), QString())
                  .isEmpty());
 }
 

@@ -146,17 +146,19 @@ void TestStartup::dashboardLoadPlan_data()
     QTest::addColumn<bool>("hidden");
     QTest::addColumn<bool>("webcam");
 
-    const QStringList calcAndNotes{"Start-Load-Notes=True", "Start-Load-Calc=True", "Program Minimize on Start=1"};
+    const QStringList calcAndNotes{"Start-Load-Notes=True", "Start-Load-Calc=True",
+                                   "Program Minimize on Start=1"};
     QTest::newRow("defaults") << 8 << QStringList() << QList<int>() << false << false << false;
     QTest::newRow("all widgets: calculator then notes")
         << 8 << calcAndNotes << QList<int>{1, 3} << true << false << false;
     QTest::newRow("nine as eight") << 9 << calcAndNotes << QList<int>{1, 3} << true << false << false;
-    QTest::newRow("single widget ignores flags") << 1 << calcAndNotes << QList<int>() << false << false << false;
+    QTest::newRow("single widget ignores flags")
+        << 1 << calcAndNotes << QList<int>() << false << false << false;
     QTest::newRow("first run ignores flags") << -1 << calcAndNotes << QList<int>() << false << false << false;
     QTest::newRow("every flag, index order")
         << 8
-        << QStringList{"Start-Load-Weather=true", "Start-Load-Clock=1", "Start-Load-Whiteboard=True",
-                       "Start-Load-Timer=True", "Start-Load-Stopwatch=-1", "Start-Load-Calendar=TRUE"}
+        << QStringList{"Start-Load-Weather=true", "Start-Load-Clock=1",      "Start-Load-Whiteboard=True",
+                       "Start-Load-Timer=True",   "Start-Load-Stopwatch=-1", "Start-Load-Calendar=TRUE"}
         << QList<int>{0, 2, 4, 5, 6, 7} << false << false << false;
     QTest::newRow("false flags and junk") << 8 << QStringList{"Start-Load-Clock=False", "Start-Load-Calc=yes"}
                                           << QList<int>() << false << false << false;
@@ -164,8 +166,8 @@ void TestStartup::dashboardLoadPlan_data()
         << 8 << QStringList{"Program Minimize on Start=2"} << QList<int>() << false << false << false;
     QTest::newRow("hidden start") << 8 << QStringList{"Start-Show or Hide=Hidden"} << QList<int>() << false
                                   << true << false;
-    QTest::newRow("webcam in any mode") << 1 << QStringList{"Start-Webcam=True"} << QList<int>() << false
-                                        << false << true;
+    QTest::newRow("webcam in any mode")
+        << 1 << QStringList{"Start-Webcam=True"} << QList<int>() << false << false << true;
 }
 
 void TestStartup::dashboardLoadPlan()

@@ -30,9 +30,8 @@ void Autostart::apply(bool on)
 QString Autostart::desktopEntryPath()
 {
     const QString home = QString::fromLocal8Bit(qgetenv("VANTORA_HOME"));
-    const QString base = home.isEmpty()
-                             ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation)
-                             : home;
+    const QString base =
+        home.isEmpty() ? QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) : home;
     return QDir::cleanPath(base + QStringLiteral("/autostart/vantora.desktop"));
 }
 
