@@ -6,6 +6,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFile>
 #include <QFrame>
 #include <QSignalSpy>
 #include <QTest>
@@ -83,6 +84,24 @@ private slots:
         // Colours are kept as the signed numbers they are.
         QCOMPARE(ReadDetail(QStringLiteral("mdb_THM"), QStringLiteral("Theme Panel-Color"), QString()),
                  QStringLiteral("-2147483640"));
+    }
+
+    // The settings file keeps values in the order they were first written.
+    void saveWritesInItsOrder()
+    {
+        SaveThemeToRegistry();
+        QFile file(AppPaths::settingsFile());
+        if (!file.open(QIODevice::ReadOnly))
+            QSKIP("the settings are not kept in a file on this system");
+        const QString text = QString::fromUtf8(file.readAll());
+        const QStringList order{"Main-Opacity", "Main-Contrast", "Main-Color",  "Bar-Font",   "Bar-Angle",
+                                "Bar-Color",    "Panel-Font",    "Panel-Angle", "Panel-Color"};
+        int last = -1;
+        for (const QString &name : order) {
+            const int at = text.indexOf(QStringLiteral("\"Theme %1\"").arg(name));
+            QVERIFY2(at > last, qPrintable(name));
+            last = at;
+        }
     }
 
     void storedTextIsConverted_data()
