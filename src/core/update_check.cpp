@@ -72,7 +72,8 @@ double UpdateCheck::programVersion()
 
 std::optional<double> UpdateCheck::parseVersion(const QByteArray &text)
 {
-    const QByteArray firstLine = text.left(text.indexOf('\n')).trimmed();
+    const qsizetype lineEnd = text.indexOf('\n');
+    const QByteArray firstLine = (lineEnd < 0 ? text : text.left(lineEnd)).trimmed();
     bool ok = false;
     const double v = QLocale::c().toDouble(QString::fromLatin1(firstLine), &ok);
     if (!ok)

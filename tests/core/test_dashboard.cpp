@@ -2,6 +2,7 @@
 #include "core/dashboard_window.h"
 #include "core/settings_store.h"
 #include "core/tray_icon.h"
+#include "core/update_check.h"
 #include "core/widget_index.h"
 #include "core/widget_registry.h"
 #include "core/widget_window.h"
@@ -95,6 +96,8 @@ void TestDashboard::namesAndTiles()
     QCOMPARE(d.windowTitle(), QStringLiteral("Vantora Dashboard"));
     QVERIFY(d.findChild<QWidget *>(QStringLiteral("pfrBAR")));
     QVERIFY(d.findChild<QWidget *>(QStringLiteral("pfrPANEL")));
+    // The update check's item is there only when the build names a web site.
+    QCOMPARE(d.findChild<QAction *>(QStringLiteral("mnuUPDATE"))->isVisible(), UpdateCheck::isEnabled());
     for (int i = 0; i < WidgetCount; ++i) {
         QVERIFY(tile(d, i));
         QCOMPARE(tile(d, i)->text(), WidgetDisplayName(i));
