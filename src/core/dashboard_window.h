@@ -34,8 +34,6 @@ public:
 
     // Routes the shared context menu's commands to the dashboard's own.
     void attachContextMenu(WidgetContextMenu *menu);
-    // The weather widget's summary in the dashboard's bar; empty texts hide it.
-    void setWeatherSummary(const QString &temperature, const QString &description);
     // A problem found at start (shipped data that could not be installed); empty hides it.
     void setNotice(const QString &text);
 
@@ -43,6 +41,9 @@ public:
     bool isUnloading() const { return m_unloading; }
 
 public slots:
+    // The weather widget's summary in the dashboard's bar; empty texts hide it. A slot, so the
+    // weather widget can call it by name on the "mdb_IDX" window.
+    void setWeatherSummary(const QString &temperature, const QString &description);
     void showDashboard();
     void hideDashboard();
     void openSelectedWidget();

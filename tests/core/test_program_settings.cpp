@@ -1,9 +1,14 @@
 #include "core/platform/autostart.h"
+#include "core/program_settings_dialog.h"
 #include "core/program_settings_model.h"
 #include "core/settings_store.h"
 #include "support/test_home.h"
 
+#include <QAbstractButton>
+#include <QCheckBox>
+#include <QComboBox>
 #include <QFile>
+#include <QTabBar>
 #include <QTest>
 
 class TestProgramSettings : public QObject
@@ -20,8 +25,13 @@ private slots:
     void tenMinutesIsStoredAsText();
     void launchSwitchAppliesAutostartEntry();
     void defaultSettingsResetChecksOnly();
+    void dialogOkStoresTheBoxes();
+    void dialogCancelStoresNothing_data();
+    void dialogCancelStoresNothing();
+    void defaultSettingsTabResetsBoxesWithoutStoring();
 
 private:
+    static QByteArray storedSettings();
     std::unique_ptr<TestHome> m_home;
 };
 
@@ -147,5 +157,99 @@ void TestProgramSettings::defaultSettingsResetChecksOnly()
     QCOMPARE(ProgramSettingsModel::withDefaultChecks(changed), expected);
 }
 
-QTEST_GUILESS_MAIN(TestProgramSettings)
+// The settings file as the program wrote it.
+QByteArray TestProgramSettings::storedSettings()
+{
+    QFile settings(QString::fromLocal8Bit(qgetenv("VANTORA_HOME")) + QStringLiteral("/settings.reg"));
+    return settings.open(QIODevice::ReadOnly) ? settings.readAll() : QByteArray();
+}
+
+namespace {
+template <typename T> T *control(QWidget &dialog, const char *name)
+{
+    T *found = dialog.findChild<T *>(QString::fromLatin1(name));
+    if (!found)
+        qFatal("no control %s", name);
+    return found;
+}
+} // namespace
+
+void TestProgramSettings::dialogOkStoresTheBoxes()
+{
+    ProgramSettingsDialog dialog;
+    QCOMPARE(dialog.objectName(), QStringLiteral("mdb_SET"));
+    QCOMPARE(control<QComboBox>(dialog, "cboINTERVAL")->count(), 5);
+    control<QCheckBox>(dialog, "chkLAUNCH")->setChecked(false);
+    control<QCheckBox>(dialog, "chkMINCLOSE")->setChecked(false);
+    control<QComboBox>(dialog, "cboINTERVAL")->setCurrentText(QStringLiteral("10 Minutes"));
+    dialog.show();
+    control<QAbstractButton>(dialog, "btnOK")->click();
+
+    QVERIFY(!dialog.isVisible());
+    QCOMPARE(dialog.result(), int(QDialog::Accepted));
+    const Values stored = ProgramSettingsModel::load();
+    QVERIFY(!stored.launchWithSystem);
+    QVERIFY(!stored.minimizeOnClose);
+    QCOMPARE(stored.timerInterval, QStringLiteral("10 Minutes"));
+    QCOMPARE(ProgramSettingsModel::webcamIntervalSeconds(), 600);
+    QFile entry(Autostart::desktopEntryPath());
+    QVERIFY(entry.open(QIODevice::ReadOnly));
+    QVERIFY(entry.readAll().contains("Hidden=true"));
+}
+
+void TestProgramSettings::dialogCancelStoresNothing_data()
+{
+    QTest::addColumn<QString>("closer");
+    QTest::newRow("Cancel") << "btnCANCEL";
+    QTest::newRow("close button") << "CloseRefresh";
+}
+
+void TestProgramSettings::dialogCancelStoresNothing()
+{
+    QFETCH(QString, closer);
+    WriteDetail(QStringLiteral("mdb_SET"), QStringLiteral("On-Top"), QStringLiteral("1"));
+
+    ProgramSettingsDialog dialog;
+    QVERIFY(control<QCheckBox>(dialog, "chkONTOP")->isChecked());
+    control<QCheckBox>(dialog, "chkONTOP")->setChecked(false);
+    control<QCheckBox>(dialog, "chkWINMIN")->setChecked(true);
+    control<QComboBox>(dialog, "cboINTERVAL")->setCurrentIndex(4);
+    dialog.show();
+    QWidget *button = dialog.findChild<QWidget *>(closer);
+    QVERIFY(button);
+    QTest::mouseClick(button, Qt::LeftButton);
+
+    QVERIFY(!dialog.isVisible());
+    QCOMPARE(dialog.result(), int(QDialog::Rejected));
+    const Values stored = ProgramSettingsModel::load();
+    QVERIFY(stored.onTop);
+    QVERIFY(!stored.windowMinimize);
+    QCOMPARE(stored.timerInterval, QStringLiteral("1 Minute"));
+    QVERIFY(!QFile::exists(Autostart::desktopEntryPath()));
+    // Only the dialog's own position may have been written.
+    QVERIFY(!storedSettings().contains("Timer-Interval"));
+    QVERIFY(!storedSettings().contains("Window Minimize"));
+}
+
+void TestProgramSettings::defaultSettingsTabResetsBoxesWithoutStoring()
+{
+    ProgramSettingsDialog dialog;
+    for (const char *name :
+         {"chkLAUNCH", "chkMINSTART", "chkWINMIN", "chkMINCLOSE", "chkONTOP", "chkPLAYLAST"}) {
+        QCheckBox *box = control<QCheckBox>(dialog, name);
+        box->setChecked(!box->isChecked());
+    }
+    control<QComboBox>(dialog, "cboINTERVAL")->setCurrentText(QStringLiteral("5 Minutes"));
+
+    control<QTabBar>(dialog, "pagSETTINGS")->setCurrentIndex(1);
+
+    Values expected;
+    expected.timerInterval = QStringLiteral("5 Minutes");
+    QCOMPARE(dialog.values(), expected);
+    QVERIFY(!storedSettings().contains("Program Launch"));
+    // The tab goes back so that it can be chosen again.
+    QTRY_COMPARE(control<QTabBar>(dialog, "pagSETTINGS")->currentIndex(), 0);
+}
+
+QTEST_MAIN(TestProgramSettings)
 #include "test_program_settings.moc"

@@ -43,6 +43,7 @@ private slots:
     void firstRunShowsWizard_data();
     void firstRunShowsWizard();
     void exitEndsTheProgram();
+    void withoutTrayLastWidgetClosedShowsDashboard();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -339,6 +340,18 @@ void TestStartup::exitEndsTheProgram()
     QVERIFY(!start.tray());
     QVERIFY(!start.scheduler());
     QVERIFY(WidgetRegistry::instance().openWidgets().isEmpty());
+}
+
+void TestStartup::withoutTrayLastWidgetClosedShowsDashboard()
+{
+    TrayIcon::setAvailableForTesting(0);
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("1"));
+    ApplicationStart start;
+    start.run();
+    QVERIFY(!start.dashboard()->isVisible());
+
+    WidgetRegistry::instance().close(WidgetCalculator);
+    QVERIFY(start.dashboard()->isVisible());
 }
 
 QTEST_MAIN(TestStartup)
