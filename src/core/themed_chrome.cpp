@@ -31,6 +31,14 @@ ThemedChrome::ThemedChrome(QWidget *host, const Options &options)
 {
     m_panel = new PaintedFrame(QStringLiteral("pfrPANEL"), host);
     m_bar = new PaintedFrame(QStringLiteral("pfrBAR"), host);
+    // The theme colours these two lines (ApplyTheme looks them up by name).
+    for (QWidget **line : {&m_shadowLine, &m_lightLine}) {
+        *line = new QWidget(host);
+        (*line)->setAutoFillBackground(true);
+        (*line)->setAttribute(Qt::WA_TransparentForMouseEvents);
+    }
+    m_shadowLine->setObjectName(QStringLiteral("lneSHAD"));
+    m_lightLine->setObjectName(QStringLiteral("lneLIGHT"));
     if (options.title) {
         m_title = new QLabel(m_bar);
         m_title->setObjectName(QStringLiteral("lablTITLE"));
@@ -112,6 +120,10 @@ void ThemedChrome::layoutFrames()
         m_bar->setGeometry(0, 0, w, m_barHeight);
         m_panel->setGeometry(0, m_barHeight, w, qMax(0, h - m_barHeight));
     }
+    m_shadowLine->setGeometry(0, m_barHeight - 1, w, 1);
+    m_lightLine->setGeometry(0, m_barHeight, w, 1);
+    m_shadowLine->raise();
+    m_lightLine->raise();
     if (m_title) {
         const int right = m_close ? 34 : 8;
         m_title->setGeometry(8, 0, qMax(0, w - 8 - right), m_barHeight);

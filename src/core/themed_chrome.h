@@ -11,6 +11,7 @@ class ThemedButton;
 // The painted frame shared by every borderless themed window, widget or dialog: the bar strip
 // "pfrBAR" on top, the panel "pfrPANEL" below it, a close button "CloseRefresh" at the top right,
 // an optional title label "lablTITLE" in the bar and an optional corner grip "lblSTRETCH".
+// A shadow line "lneSHAD" and a light line "lneLIGHT" mark where the bar meets the panel.
 // It lays the areas out when the host is resized and lets the user drag the host by its body.
 // Hosts put their own controls into bar() and panel().
 class ThemedChrome : public QObject
@@ -64,6 +65,8 @@ private:
     QLabel *m_title = nullptr;
     ThemedButton *m_close = nullptr;
     QLabel *m_grip = nullptr;
+    QWidget *m_shadowLine = nullptr; // lneSHAD, the bar's lower edge
+    QWidget *m_lightLine = nullptr;  // lneLIGHT, the panel's upper edge
     int m_barHeight = 24;
     // Where a manual drag started, used when the platform cannot move the window itself.
     QPoint m_dragOffset;

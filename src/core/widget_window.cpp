@@ -6,10 +6,41 @@
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 
+#include <QApplication>
 #include <QCloseEvent>
 #include <QLabel>
 #include <QKeyEvent>
 #include <QScreen>
+
+#include <algorithm>
+
+namespace {
+
+// Where a widget opened for the first time goes: the first spot from the top-right corner of
+// the screen, going down and then leftwards, that covers none of the program's other windows.
+// Centred when the screen is full.
+QPoint freeSpotFor(const QWidget *window)
+{
+    const QScreen *screen = window->screen() ? window->screen() : QGuiApplication::primaryScreen();
+    const QRect area = screen->availableGeometry();
+    constexpr int margin = 16;
+    QList<QRect> taken;
+    for (const QWidget *other : QApplication::topLevelWidgets()) {
+        if (other != window && other->isVisible())
+            taken.append(other->frameGeometry().adjusted(-margin / 2, -margin / 2, margin / 2, margin / 2));
+    }
+    const QSize size = window->size();
+    for (int x = area.right() - margin - size.width(); x >= area.left(); x -= 24) {
+        for (int y = area.top() + margin; y + size.height() <= area.bottom(); y += 12) {
+            const QRect candidate(QPoint(x, y), size);
+            if (std::none_of(taken.cbegin(), taken.cend(), [&](const QRect &r) { return r.intersects(candidate); }))
+                return candidate.topLeft();
+        }
+    }
+    return area.center() - QPoint(size.width() / 2, size.height() / 2);
+}
+
+} // namespace
 
 WidgetWindow::WidgetWindow(const QString &windowName, int widgetIndex, const QString &title, QWidget *parent)
     : QWidget(parent, Qt::Window)
@@ -70,6 +101,7 @@ void WidgetWindow::loadWindow()
     if (!isResizable() && stretchGrip())
         stretchGrip()->hide();
     resize(defaultSize());
+    move(freeSpotFor(this)); // only a default: a stored position wins
     RestoreWindowPlacement(this, isResizable());
     ApplyTheme(this);
 }

@@ -6,7 +6,6 @@
 #include <QPainter>
 #include <QPen>
 #include <cmath>
-#include <utility>
 
 namespace {
 
@@ -38,21 +37,27 @@ QPointF RotatePoint(QPointF centre, QPointF point, double angle)
     return QPointF(x, y);
 }
 
+OleColor GradientRampColor(OleColor color1, OleColor color2, int i, int steps)
+{
+    const OleColor c1 = resolveForRamp(color1);
+    const OleColor c2 = resolveForRamp(color2);
+    if (steps <= 0)
+        return ComposeColor(RedOf(c1), GreenOf(c1), BlueOf(c1));
+    const float stepR = float(RedOf(c2) - RedOf(c1)) / steps;
+    const float stepG = float(GreenOf(c2) - GreenOf(c1)) / steps;
+    const float stepB = float(BlueOf(c2) - BlueOf(c1)) / steps;
+    return ComposeColor(RedOf(c1) + i * stepR, GreenOf(c1) + i * stepG, BlueOf(c1) + i * stepB);
+}
+
 bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor color1, OleColor color2)
 {
     angle = NormalizeGradientAngle(angle);
-    const OleColor c1 = resolveForRamp(color1);
-    const OleColor c2 = resolveForRamp(color2);
     if (size.width() < 2 || size.height() < 2)
         return false;
 
     const int side = qMax(size.width(), size.height());
     const float span = std::sqrt(float(side) * side + float(side) * side);
     const int steps = int(span); // one line per pixel of the span
-    const float stepR = steps ? float(RedOf(c2) - RedOf(c1)) / steps : 0.0f;
-    const float stepG = steps ? float(GreenOf(c2) - GreenOf(c1)) / steps : 0.0f;
-    const float stepB = steps ? float(BlueOf(c2) - BlueOf(c1)) / steps : 0.0f;
-
     const QPointF centre(size.width() / 2.0f, size.height() / 2.0f);
     const float left = float(centre.x()) - span / 2.0f;
     const float top = float(centre.y()) - span / 2.0f;
@@ -61,28 +66,18 @@ bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor 
     painter.save();
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setBrush(Qt::NoBrush);
-    auto endsOf = [&](int i) {
-        const float y = top + i * lineStep;
-        return std::pair{RotatePoint(centre, QPointF(left, y), angle),
-                         RotatePoint(centre, QPointF(left + span, y), angle)};
-    };
-    auto next = endsOf(0);
     for (int i = 0; i <= steps; ++i) {
-        const auto ends = next;
-        if (i < steps) {
-            next = endsOf(i + 1);
-            // A line that the next one covers pixel for pixel would never be seen. (With both
-            // offsets taken from x, that is every line but the last.)
-            if (next.first.x() == ends.first.x() && next.first.y() == ends.first.y() &&
-                next.second.x() == ends.second.x() && next.second.y() == ends.second.y())
-                continue;
-        }
-        const OleColor c =
-            ComposeColor(RedOf(c1) + i * stepR, GreenOf(c1) + i * stepG, BlueOf(c1) + i * stepB);
+        const float x = left + i * lineStep;
+        const QPointF from = RotatePoint(centre, QPointF(x, top), angle);
+        const QPointF to = RotatePoint(centre, QPointF(x, top + span), angle);
+        // A line from a point to itself paints no pixel (the end point is never drawn).
+        if (from == to)
+            continue;
+        const OleColor c = GradientRampColor(color1, color2, i, steps);
         QPen pen(QColor(RedOf(c), GreenOf(c), BlueOf(c)), 1, Qt::SolidLine, Qt::FlatCap);
         pen.setCosmetic(true);
         painter.setPen(pen);
-        painter.drawLine(ends.first, ends.second);
+        painter.drawLine(from, to);
     }
     painter.restore();
     return true;

@@ -11,12 +11,14 @@ class QPainter;
 // The angled two-colour gradient of the bar and panel frames.
 //
 // The area is covered with one-pixel lines, one per entry of a colour ramp from colour 1 to
-// colour 2. The lines are laid out for angle 0 (horizontal lines stepping down a square whose
-// side is the larger of width and height, each as long as that square's diagonal) and their end
-// points are then turned about the centre by the angle with RotatePoint(). RotatePoint takes
-// both offsets from the point's x, so every turned line falls on one slanted streak through
-// the frame: that streak over the frame's flat background is the look of the program's themes,
-// and it is kept exactly.
+// colour 2. The lines are laid out for angle 0, where the colour runs from left to right: upright
+// lines stepping across a square whose side is the larger of width and height, each as long as
+// that square's diagonal. Their end points are then turned about the centre by the angle with
+// RotatePoint(). RotatePoint takes both offsets from the point's x, and the two ends of an
+// upright line share their x, so every turned line shrinks to a single point; like the
+// platform's line call, a line that starts and ends on the same point paints nothing. The frame
+// therefore keeps its flat background colour at every angle: that flat look is the look of the
+// program's themes, and it is kept exactly.
 
 // The angle brought into 0..360: angle - Int(angle / 360) * 360, Int rounding down, so that
 // -90 becomes 270 and 360 becomes 0.
@@ -30,6 +32,11 @@ QPointF RotatePoint(QPointF centre, QPointF point, double angle);
 // System-colour references below 25 are resolved from the palette first; other references are
 // used as they stand. Returns false, painting nothing, when the area is narrower or lower than
 // 2 pixels.
+// Entry i of the ramp of `steps` steps from colour 1 to colour 2 (entry 0 is colour 1, entry
+// `steps` colour 2); a ramp of 0 steps is colour 1 throughout. System-colour references below 25
+// are resolved from the palette; other references are used as they stand.
+OleColor GradientRampColor(OleColor color1, OleColor color2, int i, int steps);
+
 bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor color1, OleColor color2);
 
 // The same over a whole image.
