@@ -62,6 +62,7 @@ void ThemedDialog::showEvent(QShowEvent *event)
     if (!m_placed) {
         m_placed = true;
         RestoreWindowPlacement(this, false);
+        KeepInsideScreen(this);
         ApplyTheme(this);
     }
 }

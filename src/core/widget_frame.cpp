@@ -4,6 +4,8 @@
 #include <QDesktopServices>
 #include <QDir>
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QScreen>
 #include <QHash>
 #include <QSoundEffect>
 #include <QWidget>
@@ -151,6 +153,22 @@ void OpenLink(QWidget *, const QString &target, const QString &folder)
     const QUrl url = LinkTargetToUrl(target, folder);
     if (url.isValid())
         QDesktopServices::openUrl(url);
+}
+
+void KeepInsideScreen(QWidget *window)
+{
+    const QRect frame = window->frameGeometry();
+    QScreen *screen = QGuiApplication::screenAt(frame.center());
+    if (!screen)
+        screen = QGuiApplication::primaryScreen();
+    if (!screen)
+        return;
+    const QRect area = screen->availableGeometry();
+    QPoint topLeft = frame.topLeft();
+    topLeft.setX(qMax(area.left(), qMin(topLeft.x(), area.right() + 1 - frame.width())));
+    topLeft.setY(qMax(area.top(), qMin(topLeft.y(), area.bottom() + 1 - frame.height())));
+    if (topLeft != frame.topLeft())
+        window->move(window->pos() + (topLeft - frame.topLeft()));
 }
 
 void PlaceCloseButton(QWidget *window)

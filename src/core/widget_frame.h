@@ -35,6 +35,10 @@ void OpenLink(QWidget *owner, const QString &target, const QString &folder = QSt
 // The address OpenLink hands to the desktop for a target; empty for an empty target.
 QUrl LinkTargetToUrl(const QString &target, const QString &folder = QString());
 
+// Moves the window the least needed to lie wholly on the screen under its centre (the primary
+// screen when none is). A window larger than the screen keeps its top-left corner visible.
+void KeepInsideScreen(QWidget *window);
+
 // Puts the window's close button ("picCLOSE" or "CloseRefresh") at the top right, 10 pixels in.
 void PlaceCloseButton(QWidget *window);
 

@@ -1,5 +1,7 @@
 #include "themes/message_window.h"
 
+#include "core/widget_frame.h"
+
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 #include "themes/themed_button.h"
@@ -219,6 +221,7 @@ void MessageWindow::placeOver(QWidget *owner)
         if (anchor->windowHandle())
             windowHandle()->setTransientParent(anchor->windowHandle());
         move(anchor->frameGeometry().center() - rect().center());
+        KeepInsideScreen(this); // an owner at the screen's edge must not push the box off it
         return;
     }
     if (QScreen *screen = QGuiApplication::primaryScreen())

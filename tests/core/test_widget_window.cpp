@@ -1,11 +1,14 @@
 #include "support/test_home.h"
 
+#include "core/widget_frame.h"
 #include "core/widget_registry.h"
 #include "core/widget_window.h"
 #include "themes/painted_frame.h"
 #include "themes/themed_button.h"
 
+#include <QGuiApplication>
 #include <QLabel>
+#include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
 
@@ -128,6 +131,31 @@ private slots:
         w->resize(500, 400);
         w->resetSize();
         QCOMPARE(w->size(), QSize(240, 150));
+    }
+
+    void keepInsideScreen_data()
+    {
+        QTest::addColumn<QPoint>("offset"); // from the screen's top-left corner
+        QTest::addColumn<QPoint>("expected");
+        QTest::newRow("already inside") << QPoint(40, 30) << QPoint(40, 30);
+        QTest::newRow("past the right edge") << QPoint(10000, 30) << QPoint(-1, 30);
+        QTest::newRow("above and left") << QPoint(-500, -80) << QPoint(0, 0);
+        QTest::newRow("past the bottom") << QPoint(20, 10000) << QPoint(20, -1);
+    }
+
+    void keepInsideScreen()
+    {
+        QFETCH(QPoint, offset);
+        QFETCH(QPoint, expected);
+        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+        QWidget window(nullptr, Qt::Window | Qt::FramelessWindowHint);
+        window.resize(200, 100);
+        window.move(area.topLeft() + offset);
+        KeepInsideScreen(&window);
+        // -1 stands for "flush with the far edge".
+        const int x = expected.x() < 0 ? area.right() + 1 - 200 : area.left() + expected.x();
+        const int y = expected.y() < 0 ? area.bottom() + 1 - 100 : area.top() + expected.y();
+        QCOMPARE(window.pos(), QPoint(x, y));
     }
 
 private:
