@@ -1,6 +1,7 @@
 #include "core/themed_chrome.h"
 
 #include "core/widget_frame.h"
+#include "core/window_dragger.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 #include "themes/themed_button.h"
@@ -10,7 +11,6 @@
 #include <QMouseEvent>
 #include <QVBoxLayout>
 #include <QWidget>
-#include <QWindow>
 
 namespace {
 
@@ -75,6 +75,8 @@ ThemedChrome::ThemedChrome(QWidget *host, const Options &options)
         m_bar->setFixedHeight(m_barHeight);
     }
     host->installEventFilter(this);
+    // Installed after this filter, so the dragger sees a press first and takes the left button.
+    (new WindowDragger(host))->watch(host);
     layoutFrames();
 }
 
@@ -156,38 +158,18 @@ bool ThemedChrome::eventFilter(QObject *watched, QEvent *event)
         layoutFrames();
         break;
     case QEvent::MouseButtonPress:
-    case QEvent::MouseMove:
-    case QEvent::MouseButtonRelease:
-        return handleMouse(event);
+        return handleRightPress(event);
     default:
         break;
     }
     return false;
 }
 
-bool ThemedChrome::handleMouse(QEvent *event)
+bool ThemedChrome::handleRightPress(QEvent *event)
 {
     auto *mouse = static_cast<QMouseEvent *>(event);
-    const QPoint global = mouse->globalPosition().toPoint();
-    if (event->type() == QEvent::MouseButtonPress) {
-        if (mouse->button() == Qt::RightButton && !m_options.contextMenu)
-            return false;
-        if (mouse->button() == Qt::LeftButton) {
-            const bool normal = !(m_host->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized));
-            QWindow *handle = m_host->windowHandle();
-            // Let the window manager move the window; where it cannot, move it ourselves.
-            m_manualDrag = normal && !(handle && handle->startSystemMove());
-            m_dragOffset = global - m_host->frameGeometry().topLeft();
-            return true;
-        }
-        WidgetMouseDown(m_host, mouse->button(), global);
-        return true;
-    }
-    if (event->type() == QEvent::MouseMove && m_manualDrag && (mouse->buttons() & Qt::LeftButton)) {
-        m_host->move(global - m_dragOffset);
-        return true;
-    }
-    if (event->type() == QEvent::MouseButtonRelease)
-        m_manualDrag = false;
-    return false;
+    if (mouse->button() != Qt::RightButton || !m_options.contextMenu)
+        return false;
+    WidgetMouseDown(m_host, mouse->button(), mouse->globalPosition().toPoint());
+    return true;
 }

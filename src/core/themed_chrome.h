@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QObject>
-#include <QPoint>
 
 class QLabel;
 class QWidget;
@@ -56,7 +55,7 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
-    bool handleMouse(QEvent *event);
+    bool handleRightPress(QEvent *event);
 
     QWidget *m_host;
     Options m_options;
@@ -68,7 +67,4 @@ private:
     QWidget *m_shadowLine = nullptr; // lneSHAD, the bar's lower edge
     QWidget *m_lightLine = nullptr;  // lneLIGHT, the panel's upper edge
     int m_barHeight = 24;
-    // Where a manual drag started, used when the platform cannot move the window itself.
-    QPoint m_dragOffset;
-    bool m_manualDrag = false;
 };

@@ -5,7 +5,7 @@
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 #include "themes/themed_button.h"
-#include "themes/window_dragger.h"
+#include "core/window_dragger.h"
 
 #include <QApplication>
 #include <QHBoxLayout>

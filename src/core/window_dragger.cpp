@@ -1,4 +1,4 @@
-#include "themes/window_dragger.h"
+#include "core/window_dragger.h"
 
 #include <QMouseEvent>
 #include <QWidget>
@@ -18,8 +18,10 @@ bool WindowDragger::eventFilter(QObject *, QEvent *event)
         auto *mouse = static_cast<QMouseEvent *>(event);
         if (mouse->button() != Qt::LeftButton)
             return false;
+        // A maximised or minimised window stays where it is.
+        const bool normal = !(m_window->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized));
         QWindow *handle = m_window->windowHandle();
-        m_manual = !(handle && handle->startSystemMove());
+        m_manual = normal && !(handle && handle->startSystemMove());
         m_offset = mouse->globalPosition().toPoint() - m_window->frameGeometry().topLeft();
         return true;
     }

@@ -6,7 +6,8 @@
 class QWidget;
 
 // Lets the user drag a frameless window by the widgets it watches (its bar, its title). The
-// window system moves the window where it can; elsewhere the window follows the mouse.
+// window system moves the window where it can; elsewhere the window follows the mouse. A
+// maximised window is not moved.
 class WindowDragger : public QObject
 {
     Q_OBJECT
