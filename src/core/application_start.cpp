@@ -15,7 +15,6 @@
 #include "themes/theme.h"
 #include "themes/theme_editor.h"
 #include "themes/theme_presets.h"
-#include "time/alarm_popup.h" // scheduler_window.h needs the complete type for its QPointer
 #include "time/scheduler_window.h"
 
 #include <QApplication>

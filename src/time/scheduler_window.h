@@ -3,7 +3,7 @@
 #include <QPointer>
 #include <QWidget>
 
-class AlarmPopup;
+#include "time/alarm_popup.h"
 class AlarmScheduler;
 class QCheckBox;
 class QComboBox;
