@@ -1,9 +1,10 @@
 #pragma once
 
+#include "time/alarm_popup.h"
+
 #include <QPointer>
 #include <QWidget>
 
-#include "time/alarm_popup.h"
 class AlarmScheduler;
 class QCheckBox;
 class QComboBox;
