@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Builds the benchmarks and prints all their figures. Run from the repository root after the
+# README's build command:  bench/run_all.sh [build folder]
+set -euo pipefail
+
+build=${1:-build}
+cmake --build "$build" --target startup_bench paint_bench vantora
+
+echo "== Start-up: time to the first window and resident memory (fresh VANTORA_HOME) =="
+QT_QPA_PLATFORM=offscreen "$build/bin/startup_bench" 9
+
+echo
+echo "== Painting one 400x300 themed widget =="
+QT_QPA_PLATFORM=offscreen "$build/bin/paint_bench"
+
+echo
+echo "== Idle cost of the clock, stopwatch and timer under Xvfb (60 s) =="
+"$(dirname "$0")/time_widgets_idle.sh" "$build/bin/vantora"
