@@ -43,17 +43,20 @@ AboutDialog::AboutDialog(QWidget *parent)
     header->addLayout(names, 1);
     layout->addLayout(header);
 
-    auto *attribution =
-        new QLabel(QStringLiteral("<a href=\"https://open-meteo.com/\">Weather data by Open-Meteo.com</a>"));
+    auto *attribution = new QLabel;
     attribution->setObjectName(QStringLiteral("lbhOPENMETEO"));
+    attribution->setProperty("href", QStringLiteral("https://open-meteo.com/"));
+    attribution->setProperty("caption", QStringLiteral("Weather data by Open-Meteo.com"));
     attribution->setOpenExternalLinks(true);
     attribution->setTextInteractionFlags(Qt::TextBrowserInteraction);
     layout->addWidget(attribution);
 
     if (UpdateCheck::isEnabled()) {
         const QString site = UpdateCheck::websiteAddress();
-        auto *website = new QLabel(QStringLiteral("<a href=\"%1\">%1</a>").arg(site.toHtmlEscaped()));
+        auto *website = new QLabel;
         website->setObjectName(QStringLiteral("lbhWEBSITE"));
+        website->setProperty("href", site);
+        website->setProperty("caption", site);
         website->setOpenExternalLinks(true);
         layout->addWidget(website);
     }
@@ -80,15 +83,19 @@ AboutDialog::AboutDialog(QWidget *parent)
 void AboutDialog::ThemeElementsUpdate()
 {
     ThemedDialog::ThemeElementsUpdate();
-    const QColor text = ResolveColor(CurrentTheme().PanelColor);
+    // A label's rich text keeps the link colour it was first laid out with, whatever its
+    // palette says later, so the links are written again in the panel's text colour.
+    const QString colour = ResolveColor(CurrentTheme().PanelColor).name();
     for (const char *name : {"lbhOPENMETEO", "lbhWEBSITE"}) {
-        if (auto *link = findChild<QLabel *>(QString::fromLatin1(name))) {
-            QPalette pal = link->palette();
-            pal.setColor(QPalette::Link, text);
-            pal.setColor(QPalette::LinkVisited, text);
-            link->setPalette(pal);
-        }
+        if (auto *link = findChild<QLabel *>(QString::fromLatin1(name)))
+            link->setText(linkHtml(link->property("href").toString(), link->property("caption").toString(), colour));
     }
+}
+
+QString AboutDialog::linkHtml(const QString &href, const QString &caption, const QString &colour)
+{
+    return QStringLiteral("<a href=\"%1\" style=\"color:%3\">%2</a>")
+        .arg(href.toHtmlEscaped(), caption.toHtmlEscaped(), colour);
 }
 
 QString AboutDialog::versionText()

@@ -14,6 +14,8 @@ public:
     static QString versionText();
     // The shipped credits page (Markdown); a short note when the resource is missing.
     static QString creditsText();
+    // A link in the given colour (a label keeps the colour its rich text was laid out with).
+    static QString linkHtml(const QString &href, const QString &caption, const QString &colour);
 
 public slots:
     // Links take the panel's text colour so they read on any theme.
