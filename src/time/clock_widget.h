@@ -20,7 +20,7 @@ public:
 
     ClockModel *model() const { return m_model; }
 
-    QSize defaultSize() const override { return QSize(330, 140); }
+    QSize defaultSize() const override { return QSize(370, 150); }
     QString contextMenuVariant() const override { return QStringLiteral("clock"); }
     bool hasSettingsDialog() const override { return true; }
     void openSettingsDialog() override;
