@@ -56,13 +56,13 @@ double CalculatorEngine::leadingNumber(const QString &text)
     return QStringView(text).mid(start, end - start).toDouble();
 }
 
-QString CalculatorEngine::numberText(double value)
+namespace {
+
+// value (finite, not 0) in fifteen significant digits, correctly rounded, in the general form
+// when allowGeneral and the exponent asks for it, else always as plain decimals.
+QString significantText(double value, bool allowGeneral)
 {
-    if (!std::isfinite(value))
-        return QString::number(value);
-    if (value == 0.0)
-        return QStringLiteral("0"); // -0 too
-    // Fifteen significant digits, correctly rounded: "-d.dddddddddddddde+XX".
+    // "-d.dddddddddddddde+XX"
     const QString scientific = QString::number(value, 'e', 14);
     const bool negative = scientific.startsWith(QLatin1Char('-'));
     const qsizetype ePos = scientific.indexOf(QLatin1Char('e'));
@@ -73,7 +73,7 @@ QString CalculatorEngine::numberText(double value)
         digits.chop(1);
 
     QString text;
-    if (exponent < -4 || exponent >= 15) {
+    if (allowGeneral && (exponent < -4 || exponent >= 15)) {
         text = digits.left(1);
         if (digits.size() > 1)
             text += QLatin1Char('.') + digits.mid(1);
@@ -90,12 +90,25 @@ QString CalculatorEngine::numberText(double value)
     return negative ? QLatin1Char('-') + text : text;
 }
 
+} // namespace
+
+QString CalculatorEngine::numberText(double value)
+{
+    if (!std::isfinite(value))
+        return QString::number(value);
+    if (value == 0.0)
+        return QStringLiteral("0"); // -0 too
+    return significantText(value, true);
+}
+
 QString CalculatorEngine::resultText(double value)
 {
     // Round to the 15 digits the display can hold first, so binary noise never shows.
     const double rounded = leadingNumber(numberText(value));
-    if (!std::isfinite(rounded) || std::abs(rounded) >= 1e15)
+    if (!std::isfinite(rounded))
         return numberText(rounded);
+    if (std::abs(rounded) >= 1e15) // no decimals left among the 15 digits
+        return significantText(rounded, false) + QStringLiteral(".0");
     const int exponent = rounded == 0.0 ? 0 : static_cast<int>(std::floor(std::log10(std::abs(rounded))));
     const int decimals = std::clamp(14 - exponent, 1, 4);
     QString text = QString::number(rounded, 'f', decimals);
@@ -154,6 +167,15 @@ void CalculatorEngine::setMemory(double value)
     m_memoryDisplay = value == 0.0 ? QString() : numberText(value);
 }
 
+void CalculatorEngine::changeMemory(double value)
+{
+    if (!std::isfinite(value))
+        return; // an overflow keeps the memory as it was
+    m_memory = value;
+    if (value != 0.0)
+        m_memoryDisplay = numberText(value);
+}
+
 void CalculatorEngine::pressDigit(int digit)
 {
     if (digit < 0 || digit > 9)
@@ -167,7 +189,7 @@ void CalculatorEngine::pressDigit(int digit)
     } else {
         setDisplayNumber(leadingNumber(m_display + QChar(QLatin1Char('0' + digit))));
     }
-    if (wasFresh || m_pendingOperator != Operator::None)
+    if (wasFresh)
         m_secondOperandTyped = true;
     m_freshEntry = false;
 }
@@ -233,12 +255,9 @@ void CalculatorEngine::pressEquals()
 
 void CalculatorEngine::pressClear()
 {
+    // The pending operation itself stays (see the header).
     m_display = QStringLiteral("0");
     m_functionSign.clear();
-    m_pendingOperator = Operator::None;
-    m_firstOperand = 0.0;
-    m_freshEntry = false;
-    m_secondOperandTyped = false;
 }
 
 void CalculatorEngine::pressClearEntry()
@@ -249,7 +268,7 @@ void CalculatorEngine::pressClearEntry()
 void CalculatorEngine::pressDelete()
 {
     m_display.chop(1);
-    if (m_display.isEmpty() || m_display == QLatin1String("-"))
+    if (m_display.isEmpty())
         m_display = QStringLiteral("0");
 }
 
@@ -260,23 +279,17 @@ void CalculatorEngine::memorySet()
 
 void CalculatorEngine::memoryAdd()
 {
-    const double sum = m_memory + displayValue();
-    if (std::isfinite(sum))
-        setMemory(sum);
+    changeMemory(m_memory + displayValue());
 }
 
 void CalculatorEngine::memorySubtract()
 {
-    const double difference = m_memory - displayValue();
-    if (std::isfinite(difference))
-        setMemory(difference);
+    changeMemory(m_memory - displayValue());
 }
 
 void CalculatorEngine::memoryRecall()
 {
     setDisplayNumber(m_memory);
-    if (m_pendingOperator != Operator::None)
-        m_secondOperandTyped = true;
 }
 
 void CalculatorEngine::memoryClear()
@@ -293,5 +306,8 @@ void CalculatorEngine::enterText(const QString &text)
 void CalculatorEngine::restoreMemory(const QString &text)
 {
     const double value = leadingNumber(text);
-    setMemory(std::isfinite(value) ? value : 0.0);
+    if (!std::isfinite(value))
+        return;
+    m_memory = value;
+    m_memoryDisplay = numberText(value);
 }

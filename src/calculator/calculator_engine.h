@@ -17,20 +17,29 @@
 // by zero) skips only the assignment that would have stored it; the rest of the key's action
 // (clearing the operator, reformatting the display) still runs.
 //
+// Rules kept as written although a user may find them surprising:
+// - Only a digit typed while a new number is due (freshEntry) marks the second operand as
+//   typed. A number started with the point key (".", "5") or put there by memory recall does
+//   not, so "2", "+", ".", "5", "x" drops the addition and multiplies 0.5.
+// - Clear empties the display and the sign display only: a pending operation stays, so
+//   "2", "+", "3", Clear, "4", "=" shows "6.0".
+// - Memory add and subtract update the memory display only when the new memory is not 0 (it
+//   keeps its old text otherwise); memory set and memory clear empty it for 0; on load it
+//   shows the memory as text, "0" included.
+// - Every result after equals or plus/minus has one to four decimals ("0.0###"), however
+//   large: 1e20 shows as "100000000000000000000.0" (15 significant digits, then zeros).
+// - Delete removes one character, so "-5" becomes "-" and a following "3" gives "-3".
+//
 // Decisions where the rules leave a choice:
 // - The sign display shows "+", "-", "×" and "÷".
 // - Equals straight after an operator key uses the number still on the display as the second
 //   operand: "2", "+", "=" shows "4.0" (the display is the only operand the rules know of).
-// - Delete on a one-character display (or one that would keep only a "-") leaves "0", never an
-//   empty display.
-// - Results of 1e15 and above in size are shown in the general form ("1E+20"): beyond 15
-//   significant digits the four decimals of "0.0###" would only show digits that do not exist.
-// - "true once a digit has been typed after an operator" holds for a number started with the
-//   point key (".", "5") and for a memory recall or a paste after an operator too, so that
-//   "2", "+", ".", "5", "×" still completes the addition.
-// - Clear also drops the pending operation, so an empty sign display never hides one.
-// - The memory display is empty whenever the memory is 0 (after set, add, subtract, clear and
-//   on load alike), and shows the memory as text otherwise.
+// - Delete on a one-character display leaves "0", never an empty display.
+// - A paste (the keyboard's, not one of the keys) after an operator counts as a typed second
+//   operand, so that a pasted number takes part in a chain like a typed one; it leaves
+//   freshEntry alone, so a digit typed next replaces it as it would a recalled number.
+// - A stored memory text that is too large for a number is ignored: memory 0, memory display
+//   empty.
 class CalculatorEngine
 {
 public:
@@ -60,7 +69,8 @@ public:
     // Puts the number that text starts with on the display (a paste from the clipboard).
     void enterText(const QString &text);
 
-    // Memory as the settings keep it: restore on load (bad text counts as 0), save on close.
+    // Memory as the settings keep it: restore on load (text without a number counts as 0),
+    // save on close.
     void restoreMemory(const QString &text);
     QString memoryForSaving() const { return numberText(m_memory); }
 
@@ -82,7 +92,8 @@ public:
     // Number-to-text: the shortest general form with up to 15 significant digits ("5", "0.25",
     // "0.333333333333333", "1E+20", "1E-05").
     static QString numberText(double value);
-    // A result as shown after equals or plus/minus: one to four decimals ("5.0", "0.3333").
+    // A result as shown after equals or plus/minus: one to four decimals ("5.0", "0.3333"),
+    // never in the general form; digits beyond the 15 significant ones are zeros.
     static QString resultText(double value);
     // The sign the sign display shows for an operator.
     static QString operatorSign(Operator op);
@@ -92,6 +103,8 @@ private:
     // Stores value as the display text unless it is an arithmetic fault; false when skipped.
     bool setDisplayNumber(double value);
     void setMemory(double value);
+    // Memory add and subtract: the memory display follows only a value that is not 0.
+    void changeMemory(double value);
     void completePendingStep();
 
     QString m_display = QStringLiteral("0");

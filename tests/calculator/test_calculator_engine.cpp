@@ -163,7 +163,10 @@ void TestCalculatorEngine::resultText_data()
     QTest::newRow("very small") << 1e-20 << "0.0";
     QTest::newRow("decimals limited to 15 digits") << 123456789012.345 << "123456789012.345";
     QTest::newRow("no binary noise") << 12345678901234.6 << "12345678901234.6";
-    QTest::newRow("very large") << 1e20 << "1E+20";
+    // Four decimals at most, but never the general form: the 15 digits, then zeros.
+    QTest::newRow("1e15") << 1e15 << "1000000000000000.0";
+    QTest::newRow("very large") << 1e20 << "100000000000000000000.0";
+    QTest::newRow("large with 15 digits") << -1.23456789012345678e20 << "-123456789012346000000.0";
 }
 
 void TestCalculatorEngine::resultText()
@@ -207,7 +210,10 @@ void TestCalculatorEngine::keySequences_data()
     QTest::newRow("chain subtract") << "1 0 - 4 - 3 =" << "3.0" << "";
     QTest::newRow("operator replaces operator") << "2 + × 5 =" << "10.0" << "";
     QTest::newRow("equals after operator uses display") << "2 + =" << "4.0" << "";
-    QTest::newRow("operand started with point chains") << "2 + . 5 ×" << "2.5" << "×";
+    QTest::newRow("operand started with point does not chain") << "2 + . 5 ×" << "0.5" << "×";
+    QTest::newRow("point operand, then equals") << "2 + . 5 × 4 =" << "2.0" << "";
+    QTest::newRow("point operand adds on equals") << "2 + . 5 =" << "2.5" << "";
+    QTest::newRow("digit after result completes nothing") << "2 + 3 = 7 +" << "7.0" << "+";
     QTest::newRow("new number after result") << "2 + 3 = 4" << "4" << "";
     QTest::newRow("new calculation after result") << "2 + 3 = 4 + 1 =" << "5.0" << "";
     QTest::newRow("point after result") << "2 + 3 = ." << "0." << "";
@@ -222,24 +228,28 @@ void TestCalculatorEngine::keySequences_data()
     QTest::newRow("zero by zero") << "0 ÷ 0 =" << "0.0" << "";
     QTest::newRow("divide by zero then more input") << "7 ÷ 0 = 5 + 1 =" << "6.0" << "";
     QTest::newRow("divide by zero while chaining") << "7 ÷ 0 + 2 =" << "2.0" << "";
-    QTest::newRow("overflow keeps the operand") << "paste:1e300 × paste:1e300 =" << "1E+300" << "";
+    QTest::newRow("overflow keeps the operand")
+        << "paste:1e300 × paste:1e300 =" << QLatin1Char('1') + QString(300, QLatin1Char('0')) + ".0" << "";
     QTest::newRow("overflow then more input") << "paste:1e300 × paste:1e300 = C 2 + 2 =" << "4.0" << "";
     QTest::newRow("overflowing digit skipped") << "paste:1e308 9" << "1E+308" << "";
     QTest::newRow("very small result") << "paste:1e-10 × paste:1e-10 =" << "0.0" << "";
     QTest::newRow("very small number shown") << "paste:1e-20" << "1E-20" << "";
-    QTest::newRow("very large product") << "1 0 0 0 0 0 × 1 0 0 0 0 0 × 1 0 0 0 0 0 =" << "1E+15" << "";
+    QTest::newRow("very large product") << "1 0 0 0 0 0 × 1 0 0 0 0 0 × 1 0 0 0 0 0 =" << "1000000000000000.0" << "";
     QTest::newRow("large product fixed") << "9 9 9 9 9 9 9 × 1 0 0 0 0 0 0 0 =" << "99999990000000.0" << "";
 
     // Clear, clear entry, delete.
-    QTest::newRow("clear drops the operation") << "2 + 3 C 4 =" << "4.0" << "";
+    QTest::newRow("clear keeps the pending operation") << "2 + 3 C 4 =" << "6.0" << "";
+    QTest::newRow("clear after operator") << "2 + C 4 =" << "6.0" << "";
     QTest::newRow("clear empties the sign") << "2 + C" << "0" << "";
     QTest::newRow("clear entry keeps the operation") << "2 + 3 CE 4 =" << "6.0" << "";
     QTest::newRow("delete last digit") << "1 2 DEL" << "1" << "";
     QTest::newRow("delete point") << "1 . DEL" << "1" << "";
     QTest::newRow("delete one character") << "5 DEL" << "0" << "";
     QTest::newRow("delete on zero") << "DEL" << "0" << "";
-    QTest::newRow("delete leaves no lone minus") << "paste:-7 DEL" << "0" << "";
-    QTest::newRow("delete down a result") << "5 ± DEL DEL DEL" << "0" << "";
+    QTest::newRow("delete keeps a lone minus") << "paste:-7 DEL" << "-" << "";
+    QTest::newRow("digits after a lone minus") << "paste:-7 DEL 3" << "-3" << "";
+    QTest::newRow("delete down a result") << "5 ± DEL DEL DEL" << "-" << "";
+    QTest::newRow("delete past a lone minus") << "5 ± DEL DEL DEL DEL" << "0" << "";
     QTest::newRow("delete then type") << "1 2 DEL 3" << "13" << "";
 }
 
@@ -270,7 +280,11 @@ void TestCalculatorEngine::stateAfterKeys_data()
     QTest::newRow("subtract") << "5 -" << "SUBTRACT" << 5.0 << true << false;
     QTest::newRow("divide") << "5 ÷" << "DIVIDE" << 5.0 << true << false;
     QTest::newRow("point after operator") << "2 + ." << "ADD" << 2.0 << false << false;
-    QTest::newRow("recall after operator") << "2 + MR" << "ADD" << 2.0 << true << true;
+    QTest::newRow("point then digit after operator") << "2 + . 5" << "ADD" << 2.0 << false << false;
+    QTest::newRow("recall after operator") << "2 + MR" << "ADD" << 2.0 << true << false;
+    QTest::newRow("paste after operator") << "2 + paste:7" << "ADD" << 2.0 << true << true;
+    QTest::newRow("clear keeps the operation") << "2 + 3 C" << "ADD" << 2.0 << false << true;
+    QTest::newRow("clear after result") << "2 + 3 = C" << "" << 2.0 << true << false;
 }
 
 void TestCalculatorEngine::stateAfterKeys()
@@ -299,13 +313,15 @@ void TestCalculatorEngine::memoryKeys_data()
     QTest::newRow("set") << "2 . 5 MS" << 2.5 << "2.5" << "2.5";
     QTest::newRow("add") << "5 MS C 3 M+" << 8.0 << "8" << "3";
     QTest::newRow("subtract") << "5 MS C 7 M-" << -2.0 << "-2" << "7";
-    QTest::newRow("subtract to zero empties display") << "5 MS C 5 M-" << 0.0 << "" << "5";
+    QTest::newRow("subtract to zero keeps the old text") << "5 MS C 5 M-" << 0.0 << "5" << "5";
+    QTest::newRow("add to zero keeps the old text") << "5 MS C 5 ± M+" << 0.0 << "5" << "-5.0";
+    QTest::newRow("set zero over a value empties") << "5 MS CE MS" << 0.0 << "" << "0";
     QTest::newRow("add to empty memory") << "4 M+ M+" << 8.0 << "8" << "4";
     QTest::newRow("clear") << "5 MS MC" << 0.0 << "" << "5";
     QTest::newRow("recall") << "5 MS C MR" << 5.0 << "5" << "5";
     QTest::newRow("recall empty memory") << "7 MR" << 0.0 << "" << "0";
     QTest::newRow("recall as second operand") << "2 . 5 MS C 1 + MR =" << 2.5 << "2.5" << "3.5";
-    QTest::newRow("recall completes a chain") << "4 MS C 2 + MR × 3 =" << 4.0 << "4" << "18.0";
+    QTest::newRow("recall does not complete a chain") << "4 MS C 2 + MR × 3 =" << 4.0 << "4" << "12.0";
     QTest::newRow("overflow keeps memory") << "paste:1e308 MS M+" << 1e308 << "1E+308" << "1E+308";
     QTest::newRow("clear keeps memory") << "6 MS C" << 6.0 << "6" << "0";
 }
@@ -330,9 +346,9 @@ void TestCalculatorEngine::restoreMemory_data()
     QTest::addColumn<QString>("memoryDisplay");
 
     QTest::newRow("number") << "12.5" << 12.5 << "12.5";
-    QTest::newRow("default") << "0" << 0.0 << "";
-    QTest::newRow("empty") << "" << 0.0 << "";
-    QTest::newRow("garbage") << "abc" << 0.0 << "";
+    QTest::newRow("default shows 0") << "0" << 0.0 << "0";
+    QTest::newRow("empty") << "" << 0.0 << "0";
+    QTest::newRow("garbage") << "abc" << 0.0 << "0";
     QTest::newRow("leading number") << " -3kg" << -3.0 << "-3";
     QTest::newRow("too large") << "1e999" << 0.0 << "";
     QTest::newRow("general form") << "1E-20" << 1e-20 << "1E-20";

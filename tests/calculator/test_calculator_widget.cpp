@@ -160,14 +160,14 @@ void TestCalculatorWidget::specialKeys_data()
 {
     QTest::addColumn<Keys>("keys");
     QTest::addColumn<QString>("number");
-    QTest::addColumn<QString>("memory");
+    QTest::addColumn<QString>("memory"); // a memory of 0 shows as "0" until a memory key empties it
 
-    QTest::newRow("backspace deletes") << Keys{Qt::Key_1, Qt::Key_2, Qt::Key_Backspace} << "1" << "";
-    QTest::newRow("F9 changes sign") << Keys{Qt::Key_5, Qt::Key_F9} << "-5.0" << "";
-    QTest::newRow("escape clears") << Keys{Qt::Key_2, Qt::Key_Plus, Qt::Key_3, Qt::Key_Escape} << "0" << "";
+    QTest::newRow("backspace deletes") << Keys{Qt::Key_1, Qt::Key_2, Qt::Key_Backspace} << "1" << "0";
+    QTest::newRow("F9 changes sign") << Keys{Qt::Key_5, Qt::Key_F9} << "-5.0" << "0";
+    QTest::newRow("escape clears") << Keys{Qt::Key_2, Qt::Key_Plus, Qt::Key_3, Qt::Key_Escape} << "0" << "0";
     QTest::newRow("delete clears entry")
-        << Keys{Qt::Key_2, Qt::Key_Plus, Qt::Key_3, Qt::Key_Delete, Qt::Key_4, Qt::Key_Enter} << "6.0" << "";
-    QTest::newRow("return is equals") << Keys{Qt::Key_7, Qt::Key_Return} << "7.0" << "";
+        << Keys{Qt::Key_2, Qt::Key_Plus, Qt::Key_3, Qt::Key_Delete, Qt::Key_4, Qt::Key_Enter} << "6.0" << "0";
+    QTest::newRow("return is equals") << Keys{Qt::Key_7, Qt::Key_Return} << "7.0" << "0";
     QTest::newRow("memory store and recall")
         << Keys{Qt::Key_5, Qt::CTRL | Qt::Key_M, Qt::Key_Escape, Qt::CTRL | Qt::Key_R} << "5" << "5";
     QTest::newRow("memory add and subtract")
@@ -259,7 +259,7 @@ void TestCalculatorWidget::memorySurvivesRestart_data()
     QTest::newRow("added up") << "lblNUMBER_4 lblMEMADD lblMEMADD lblMEMSUB lblMEMADD" << "8" << "8";
     QTest::newRow("one third")
         << "lblNUMBER_1 lblDIVIDE lblNUMBER_3 lblEQUALS lblMEMSET" << "0.3333" << "0.3333";
-    QTest::newRow("cleared") << "lblNUMBER_4 lblMEMSET lblMEMCLEAR" << "0" << "";
+    QTest::newRow("cleared shows 0 on load") << "lblNUMBER_4 lblMEMSET lblMEMCLEAR" << "0" << "0";
 }
 
 void TestCalculatorWidget::memorySurvivesRestart()
