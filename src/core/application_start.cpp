@@ -187,8 +187,15 @@ void ApplicationStart::keepSomethingOnScreen()
 void ApplicationStart::end()
 {
     SetContextMenuHandler({});
-    delete m_tray;
-    delete m_scheduler;
+    // Exit may have been chosen from the shared menu, whose own handler is still running and
+    // touches the menu after its signal returns: the scheduler (the menu's parent) and the tray
+    // go once control is back in the event loop. The icon leaves the tray at once.
+    if (m_tray) {
+        m_tray->systemTrayIcon()->hide();
+        m_tray->deleteLater();
+    }
+    if (m_scheduler)
+        m_scheduler->deleteLater();
     // Queued: the dashboard is still inside its close handler.
     QTimer::singleShot(0, qApp, &QCoreApplication::quit);
     emit ended();

@@ -3,6 +3,7 @@
 #include "core/settings_store.h"
 #include "core/startup_decisions.h"
 #include "core/tray_icon.h"
+#include "core/widget_context_menu.h"
 #include "core/widget_index.h"
 #include "core/widget_registry.h"
 #include "core/widget_window.h"
@@ -13,6 +14,7 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
 #include <QTimer>
@@ -43,6 +45,7 @@ private slots:
     void firstRunShowsWizard_data();
     void firstRunShowsWizard();
     void exitEndsTheProgram();
+    void exitFromTheSharedMenuLeavesTheMenuAliveUntilItReturns();
     void withoutTrayLastWidgetClosedShowsDashboard();
 
 private:
@@ -337,9 +340,30 @@ void TestStartup::exitEndsTheProgram()
     start.dashboard()->exitProgram();
 
     QCOMPARE(ended.count(), 1);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
     QVERIFY(!start.tray());
     QVERIFY(!start.scheduler());
     QVERIFY(WidgetRegistry::instance().openWidgets().isEmpty());
+}
+
+void TestStartup::exitFromTheSharedMenuLeavesTheMenuAliveUntilItReturns()
+{
+    // The menu's own key and mouse handlers go on using it after the Exit item's signal
+    // returns; deleting it from inside that signal crashed the program on every exit.
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("8"));
+    ApplicationStart start;
+    start.run();
+    QPointer<WidgetContextMenu> menu = start.contextMenu();
+    QSignalSpy ended(&start, &ApplicationStart::ended);
+
+    menu->item(QStringLiteral("mnuDCEXIT"))->trigger();
+
+    QCOMPARE(ended.count(), 1);
+    QVERIFY(menu);
+    QVERIFY(!start.tray()->systemTrayIcon()->isVisible());
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    QVERIFY(!menu);
+    QVERIFY(!start.scheduler());
 }
 
 void TestStartup::withoutTrayLastWidgetClosedShowsDashboard()
