@@ -5,12 +5,12 @@
 #include "core/window_placement.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
+#include "themes/themed_button.h"
 
 #include <QLabel>
 #include <QLayout>
 
-ThemedDialog::ThemedDialog(const QString &windowName, const QString &title, QWidget *parent)
-    : QDialog(parent)
+ThemedDialog::ThemedDialog(const QString &windowName, const QString &title, QWidget *parent) : QDialog(parent)
 {
     setObjectName(windowName);
     setWindowTitle(title);
@@ -64,6 +64,24 @@ void ThemedDialog::showEvent(QShowEvent *event)
         RestoreWindowPlacement(this, false);
         KeepInsideScreen(this);
         ApplyTheme(this);
+        focusFirstPanelControl();
+    }
+}
+
+void ThemedDialog::focusFirstPanelControl()
+{
+    // The bar's close button comes first in the focus chain, and Enter presses the focused
+    // button: the dialog would close instead of doing what its default button says. The
+    // first control of the panel takes the focus; Escape still closes.
+    QWidget *focused = focusWidget();
+    if (focused && focused != m_chrome->closeButton())
+        return;
+    for (QWidget *w = nextInFocusChain(); w && w != this; w = w->nextInFocusChain()) {
+        if (panel()->isAncestorOf(w) && (w->focusPolicy() & Qt::TabFocus) && w->isEnabled() &&
+            w->isVisibleTo(this)) {
+            w->setFocus(Qt::TabFocusReason);
+            return;
+        }
     }
 }
 

@@ -36,6 +36,8 @@ protected:
     void done(int result) override;
 
 private:
+    void focusFirstPanelControl();
+
     ThemedChrome *m_chrome;
     bool m_placed = false;
 };

@@ -1,0 +1,83 @@
+#include "core/about_dialog.h"
+#include "core/program_settings_dialog.h"
+#include "core/settings_store.h"
+#include "core/startup_decisions.h"
+#include "core/wizard_dialog.h"
+#include "support/test_home.h"
+#include "themes/themed_button.h"
+
+#include <QApplication>
+#include <QSignalSpy>
+#include <QTest>
+
+// Keyboard use of the themed dialogs: Enter does what the default button says, Escape closes.
+class TestThemedDialog : public QObject
+{
+    Q_OBJECT
+private slots:
+    void enterAndEscape_data();
+    void enterAndEscape();
+    void enterStartsTheWizardWithTheChoice();
+};
+
+namespace {
+
+ThemedDialog *makeDialog(const QString &kind)
+{
+    if (kind == QLatin1String("wizard"))
+        return new WizardDialog;
+    if (kind == QLatin1String("settings"))
+        return new ProgramSettingsDialog;
+    return new AboutDialog;
+}
+
+} // namespace
+
+void TestThemedDialog::enterAndEscape_data()
+{
+    QTest::addColumn<QString>("kind");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("result");
+    QTest::newRow("wizard: Enter starts") << "wizard" << int(Qt::Key_Return) << int(QDialog::Accepted);
+    QTest::newRow("settings: Enter is OK") << "settings" << int(Qt::Key_Return) << int(QDialog::Accepted);
+    QTest::newRow("settings: Escape cancels") << "settings" << int(Qt::Key_Escape) << int(QDialog::Rejected);
+    QTest::newRow("wizard: Escape closes") << "wizard" << int(Qt::Key_Escape) << int(QDialog::Rejected);
+    QTest::newRow("about: Escape closes") << "about" << int(Qt::Key_Escape) << int(QDialog::Rejected);
+}
+
+void TestThemedDialog::enterAndEscape()
+{
+    QFETCH(QString, kind);
+    QFETCH(int, key);
+    QFETCH(int, result);
+    TestHome home;
+    std::unique_ptr<ThemedDialog> dialog(makeDialog(kind));
+    QSignalSpy finished(dialog.get(), &QDialog::finished);
+    dialog->show();
+    QVERIFY(QTest::qWaitForWindowActive(dialog.get()));
+
+    QWidget *focused = QApplication::focusWidget();
+    QVERIFY(focused);
+    // The bar's close button must not be where the keyboard starts.
+    QVERIFY(!qobject_cast<ThemedButton *>(focused));
+    QTest::keyClick(focused, Qt::Key(key));
+
+    QCOMPARE(finished.count(), 1);
+    QCOMPARE(finished.first().first().toInt(), result);
+}
+
+void TestThemedDialog::enterStartsTheWizardWithTheChoice()
+{
+    TestHome home;
+    WizardDialog wizard;
+    QSignalSpy started(&wizard, &WizardDialog::started);
+    wizard.show();
+    QVERIFY(QTest::qWaitForWindowActive(&wizard));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
+
+    QCOMPARE(started.count(), 1);
+    QCOMPARE(StartupDecisions::readProgramChoice(), 8);
+}
+
+QTEST_MAIN(TestThemedDialog)
+#include "test_themed_dialog.moc"
