@@ -206,7 +206,9 @@ void CalculatorEngine::pressPoint()
 
 void CalculatorEngine::pressPlusMinus()
 {
-    m_display = resultText(-displayValue());
+    const double value = displayValue();
+    if (std::isfinite(value))
+        m_display = resultText(-value);
 }
 
 void CalculatorEngine::pressOperator(Operator op)
@@ -216,7 +218,9 @@ void CalculatorEngine::pressOperator(Operator op)
     if (m_secondOperandTyped)
         pressEquals();
     m_pendingOperator = op;
-    m_firstOperand = displayValue();
+    const double value = displayValue();
+    if (std::isfinite(value))
+        m_firstOperand = value;
     m_freshEntry = true;
     m_secondOperandTyped = false;
     m_functionSign = operatorSign(op);
@@ -247,7 +251,9 @@ void CalculatorEngine::pressEquals()
 {
     completePendingStep();
     m_pendingOperator = Operator::None;
-    m_display = resultText(displayValue());
+    const double value = displayValue();
+    if (std::isfinite(value))
+        m_display = resultText(value);
     m_functionSign.clear();
     m_freshEntry = true;
     m_secondOperandTyped = false;
@@ -274,7 +280,9 @@ void CalculatorEngine::pressDelete()
 
 void CalculatorEngine::memorySet()
 {
-    setMemory(displayValue());
+    const double value = displayValue();
+    if (std::isfinite(value))
+        setMemory(value);
 }
 
 void CalculatorEngine::memoryAdd()

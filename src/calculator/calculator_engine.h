@@ -9,18 +9,19 @@
 // 0) and every number goes back to text through numberText() (shortest general form, up to 15
 // significant digits) or, for results, resultText() (one to four decimals, "0.0###").
 //
-// The digit rule is kept exactly as users of this calculator know it: a digit is appended and
+// The digit rule is deliberate: a digit is appended and
 // the whole display is re-read as a number, except that a 0 typed while the display reads as 0
 // resets it to "0". So "0", ".", "0", "5" shows "5", while "1", ".", "0" shows "1.0".
 //
 // An arithmetic fault (a result that overflows to infinity or is not a number, e.g. division
-// by zero) skips only the assignment that would have stored it; the rest of the key's action
+// by zero, or a display too large to read as a number, such as "1E+16" with zeros typed after
+// it) skips only the assignment that would have stored it; the rest of the key's action
 // (clearing the operator, reformatting the display) still runs.
 //
 // Rules kept as written although a user may find them surprising:
 // - Only a digit typed while a new number is due (freshEntry) marks the second operand as
 //   typed. A number started with the point key (".", "5") or put there by memory recall does
-//   not, so "2", "+", ".", "5", "x" drops the addition and multiplies 0.5.
+//   not, so "2", "+", ".", "5", "×" drops the addition and multiplies 0.5.
 // - Clear empties the display and the sign display only: a pending operation stays, so
 //   "2", "+", "3", Clear, "4", "=" shows "6.0".
 // - Memory add and subtract update the memory display only when the new memory is not 0 (it
@@ -99,6 +100,7 @@ public:
     static QString operatorSign(Operator op);
 
 private:
+    // Infinite when the display is too large for a number: callers skip what they would store.
     double displayValue() const { return leadingNumber(m_display); }
     // Stores value as the display text unless it is an arithmetic fault; false when skipped.
     bool setDisplayNumber(double value);

@@ -232,6 +232,13 @@ void TestCalculatorEngine::keySequences_data()
         << "paste:1e300 × paste:1e300 =" << QLatin1Char('1') + QString(300, QLatin1Char('0')) + ".0" << "";
     QTest::newRow("overflow then more input") << "paste:1e300 × paste:1e300 = C 2 + 2 =" << "4.0" << "";
     QTest::newRow("overflowing digit skipped") << "paste:1e308 9" << "1E+308" << "";
+    // Zeros typed after the general form make a display too large to read: "1E+16000".
+    const QString huge = QStringLiteral("9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 0 0 0");
+    QTest::newRow("unreadable display typed") << huge << "1E+16000" << "";
+    QTest::newRow("unreadable display kept by equals") << huge + " =" << "1E+16000" << "";
+    QTest::newRow("unreadable display kept by plus/minus") << huge + " ±" << "1E+16000" << "";
+    QTest::newRow("unreadable second operand") << "2 + " + huge + " =" << "1E+16000" << "";
+    QTest::newRow("unreadable first operand skipped") << huge + " + 2 =" << "2.0" << "";
     QTest::newRow("very small result") << "paste:1e-10 × paste:1e-10 =" << "0.0" << "";
     QTest::newRow("very small number shown") << "paste:1e-20" << "1E-20" << "";
     QTest::newRow("very large product") << "1 0 0 0 0 0 × 1 0 0 0 0 0 × 1 0 0 0 0 0 =" << "1000000000000000.0" << "";
@@ -323,6 +330,8 @@ void TestCalculatorEngine::memoryKeys_data()
     QTest::newRow("recall as second operand") << "2 . 5 MS C 1 + MR =" << 2.5 << "2.5" << "3.5";
     QTest::newRow("recall does not complete a chain") << "4 MS C 2 + MR × 3 =" << 4.0 << "4" << "12.0";
     QTest::newRow("overflow keeps memory") << "paste:1e308 MS M+" << 1e308 << "1E+308" << "1E+308";
+    QTest::newRow("unreadable display not stored")
+        << "9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 9 0 0 0 MS M+" << 0.0 << "" << "1E+16000";
     QTest::newRow("clear keeps memory") << "6 MS C" << 6.0 << "6" << "0";
 }
 
