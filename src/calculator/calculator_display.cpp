@@ -10,6 +10,7 @@
 namespace {
 
 constexpr int kMinNumberPixels = 9;
+constexpr int kMinMemoryPixels = 8;
 
 QLabel *makeLabel(const QString &objectName, Qt::Alignment alignment, QWidget *parent)
 {
@@ -40,7 +41,8 @@ CalculatorDisplay::CalculatorDisplay(QWidget *parent) : QWidget(parent)
     QFont signFont = m_sign->font();
     signFont.setBold(true);
     m_sign->setFont(signFont);
-    m_memory = makeLabel(QStringLiteral("lblDISPLAYMEM"), Qt::AlignLeft | Qt::AlignTop, this);
+    // Bottom-aligned, as the "M" mark is, so that both stand on one line when the value shrinks.
+    m_memory = makeLabel(QStringLiteral("lblDISPLAYMEM"), Qt::AlignLeft | Qt::AlignBottom, this);
     m_number->setAccessibleName(tr("Display"));
     m_sign->setAccessibleName(tr("Pending operation"));
     m_memory->setAccessibleName(tr("Memory"));
@@ -54,10 +56,14 @@ void CalculatorDisplay::setTexts(const QString &number, const QString &sign, con
     m_number->setText(number);
     m_sign->setText(sign);
     m_memory->setText(memory);
-    m_memory->setToolTip(memory.isEmpty() ? QString() : tr("Memory: %1").arg(memory));
-    fitNumberFont();
+    // The labels let the mouse through to the window, so the screen's own tip names the memory.
+    const QString keysTip = tr("Ctrl+C copies the number, Ctrl+V pastes one");
+    setToolTip(memory.isEmpty() ? keysTip : tr("Memory: %1").arg(memory) + QLatin1Char('\n') + keysTip);
     if (memoryShownChanged)
         relayout(); // the "M" mark moves the memory value over
+    else
+        fitMemoryFont();
+    fitNumberFont();
 }
 
 int CalculatorDisplay::smallPixelSize() const
@@ -77,17 +83,37 @@ void CalculatorDisplay::relayout()
     const int pad = std::max(4, height() / 10);
     const int small = smallPixelSize();
     setPixelSize(m_sign, small * 6 / 5); // a lone "-" must still be seen
+    const QFontMetrics signMetrics(m_sign->font());
+    int signWidth = 0;
+    for (const QString &sign : {QStringLiteral("+"), QStringLiteral("-"), QStringLiteral("×"), QStringLiteral("÷")})
+        signWidth = std::max(signWidth, signMetrics.horizontalAdvance(sign));
+    signWidth += 2;
+    m_sign->setGeometry(width() - pad - signWidth, pad / 2, signWidth, signMetrics.height());
+    // The memory value takes the whole line up to the sign, so long values are not cut.
     setPixelSize(m_memory, small);
-    const int lineHeight = QFontMetrics(m_sign->font()).height();
     const int mark = m_memory->text().isEmpty()
                          ? 0
                          : QFontMetrics(m_memory->font()).horizontalAdvance(QStringLiteral("M ")) + 2;
-    const int half = std::max(0, width() / 2 - pad);
-    m_memory->setGeometry(pad + mark, pad / 2, std::max(0, half - mark), lineHeight);
-    m_sign->setGeometry(width() - pad - half, pad / 2, half, lineHeight);
+    const int memoryLeft = pad + mark;
+    m_memory->setGeometry(memoryLeft, pad / 2, std::max(0, m_sign->x() - pad - memoryLeft), signMetrics.height());
+    fitMemoryFont();
     m_number->setGeometry(numberArea());
     fitNumberFont();
     update();
+}
+
+void CalculatorDisplay::fitMemoryFont()
+{
+    // The "M" mark keeps the full small size; the value shrinks to fit its line if it must.
+    int pixels = smallPixelSize();
+    QFont f = m_memory->font();
+    while (pixels > kMinMemoryPixels) {
+        f.setPixelSize(pixels);
+        if (QFontMetrics(f).horizontalAdvance(m_memory->text()) <= m_memory->width())
+            break;
+        --pixels;
+    }
+    setPixelSize(m_memory, pixels);
 }
 
 void CalculatorDisplay::fitNumberFont()
@@ -130,12 +156,14 @@ void CalculatorDisplay::paintEvent(QPaintEvent *)
     p.drawPath(shape);
 
     if (!m_memory->text().isEmpty()) {
-        p.setFont(m_memory->font());
+        QFont markFont = m_memory->font();
+        markFont.setPixelSize(smallPixelSize()); // the value's font may have shrunk
+        p.setFont(markFont);
         QColor markColor = ink;
         markColor.setAlphaF(0.7f);
         p.setPen(markColor);
         const int pad = std::max(4, height() / 10);
         const QRect markArea(pad, m_memory->y(), m_memory->x() - pad, m_memory->height());
-        p.drawText(markArea, Qt::AlignLeft | Qt::AlignTop, QStringLiteral("M"));
+        p.drawText(markArea, Qt::AlignLeft | Qt::AlignBottom, QStringLiteral("M"));
     }
 }

@@ -27,6 +27,7 @@ protected:
 
 private:
     void fitNumberFont();
+    void fitMemoryFont();
     QRect numberArea() const;
     int smallPixelSize() const;
 
