@@ -11,6 +11,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
+#include <QStyle>
 #include <QTimer>
 
 namespace {
@@ -127,26 +128,51 @@ void CountdownWidget::setFieldFinished(CountdownModel::Field field)
     m_model->setSetField(field, text);
 }
 
-void CountdownWidget::layoutRow(const QList<QWidget *> &row, const QFont &font, int top, int height)
+int CountdownWidget::itemWidth(QWidget *item, const QFont &font) const
 {
     const QFontMetrics fm(font);
-    const int digits =
-        fm.horizontalAdvance(FontFit::widestDigits(font, QStringLiteral("00"))) + fm.averageCharWidth();
-    const int sep = fm.horizontalAdvance(QLatin1Char(':')) + 2;
-    auto widthOf = [&](QWidget *w) {
-        if (qobject_cast<QLineEdit *>(w))
-            return digits;
-        return w == m_setCaption ? fm.horizontalAdvance(m_setCaption->text()) + sep : sep;
-    };
+    // A little air between the digits and the colons, growing with the font.
+    const int air = qMax(2, fm.averageCharWidth() / 4);
+    if (auto *edit = qobject_cast<QLineEdit *>(item)) {
+        // A line edit keeps 2 pixels each side of its text, and its frame besides.
+        const int frame =
+            edit->hasFrame() ? 2 * edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, edit) : 0;
+        return fm.horizontalAdvance(FontFit::widestDigits(font, QStringLiteral("00"))) + 4 + frame + air;
+    }
+    const QLabel *label = static_cast<QLabel *>(item);
+    return fm.horizontalAdvance(label->text()) + air;
+}
+
+int CountdownWidget::rowWidth(const QList<QWidget *> &row, const QFont &font) const
+{
     int total = 0;
-    for (QWidget *w : row)
-        total += widthOf(w);
-    int x = qMax(kMargin, (panel()->width() - total) / 2);
-    for (QWidget *w : row) {
-        if (w->font() != font)
-            w->setFont(font);
-        w->setGeometry(x, top, widthOf(w), height);
-        x += widthOf(w);
+    for (QWidget *item : row)
+        total += itemWidth(item, font);
+    return total;
+}
+
+QFont CountdownWidget::fitRow(const QList<QWidget *> &row, const QFont &base, const QRect &area, int height,
+                              int largest) const
+{
+    const int size = FontFit::largestPixelSize(
+        [&](int px) {
+            const QFont font = FontFit::withPixelSize(base, px);
+            return rowWidth(row, font) <= area.width() && QFontMetrics(font).height() <= height;
+        },
+        6, qMax(6, largest));
+    return FontFit::withPixelSize(base, size);
+}
+
+void CountdownWidget::layoutRow(const QList<QWidget *> &row, const QFont &font, const QRect &area, int top,
+                                int height)
+{
+    int x = area.left() + qMax(0, (area.width() - rowWidth(row, font)) / 2);
+    for (QWidget *item : row) {
+        if (item->font() != font)
+            item->setFont(font);
+        const int w = itemWidth(item, font);
+        item->setGeometry(x, top, w, height);
+        x += w;
     }
 }
 
@@ -180,20 +206,17 @@ void CountdownWidget::relayout()
         x += w + 4;
     }
 
-    // The running time takes the upper two thirds of the panel, the set row the rest.
+    // The running time takes the upper two thirds of the panel, the set row the rest. Both
+    // rows get the largest font at which the whole row fits, so that no theme's font (a
+    // monospaced face is much wider) pushes the digits against the edge.
     const QRect area = panel()->rect().adjusted(kMargin, kMargin / 2, -kMargin, -kMargin);
     const int setHeight = qMax(18, area.height() / 3);
     const int runHeight = qMax(10, area.height() - setHeight - kMargin / 2);
-    const QFont base = m_running[0]->font();
-    // Two extra character widths for the padding of the three fields.
-    const QString sample = FontFit::widestDigits(base, QStringLiteral("00:00:00")) + QStringLiteral("00");
-    const QFont runFont = FontFit::fitting(base, sample, area.width(), runHeight);
-    layoutRow({m_running[0], m_separators[0], m_running[1], m_separators[1], m_running[2]}, runFont,
-              area.top(), runHeight);
-
-    QFont setFont = FontFit::withPixelSize(m_set[0]->font(), qMax(9, setHeight * 11 / 20));
-    layoutRow({m_setCaption, m_set[0], m_separators[2], m_set[1], m_separators[3], m_set[2]}, setFont,
-              area.bottom() - setHeight + 1, setHeight);
+    const QList<QWidget *> runRow = {m_running[0], m_separators[0], m_running[1], m_separators[1], m_running[2]};
+    const QList<QWidget *> setRow = {m_setCaption, m_set[0], m_separators[2], m_set[1], m_separators[3], m_set[2]};
+    layoutRow(runRow, fitRow(runRow, m_running[0]->font(), area, runHeight, 800), area, area.top(), runHeight);
+    const QFont setFont = fitRow(setRow, m_set[0]->font(), area, setHeight, setHeight * 11 / 20);
+    layoutRow(setRow, setFont, area, area.bottom() - setHeight + 1, setHeight);
 }
 
 void CountdownWidget::hideEvent(QHideEvent *event)

@@ -38,7 +38,7 @@ SchedulerWindow::SchedulerWindow(QWidget *parent) : QWidget(parent), m_scheduler
 
     connect(m_scheduler, &AlarmScheduler::presetsLoaded, this, &SchedulerWindow::mirrorPresets);
     connect(m_scheduler, &AlarmScheduler::alarmFired, this,
-            [this](int, const QString &message) { showAlarm(message); });
+            [this](int index, const QString &message) { showAlarm(index, message); });
     m_scheduler->loadPresets();
 
     m_alarmTimer = new QTimer(this);
@@ -80,11 +80,12 @@ void SchedulerWindow::mirrorPresets()
     }
 }
 
-void SchedulerWindow::showAlarm(const QString &message)
+void SchedulerWindow::showAlarm(int index, const QString &message)
 {
     // A top-level window of its own: the pop-up must not be hidden along with this window.
     if (!m_popup)
         m_popup = new AlarmPopup;
+    m_popup->setAlarmTime(AlarmScheduler::normalizedTime(m_scheduler->preset(index).time));
     m_popup->setMessage(message);
     if (!m_popup->isVisible()) {
         m_popup->show();

@@ -35,7 +35,7 @@ public slots:
 
 private:
     void mirrorPresets();
-    void showAlarm(const QString &message);
+    void showAlarm(int index, const QString &message);
 
     AlarmScheduler *m_scheduler;
     QTimer *m_alarmTimer; // tmrALARM

@@ -4,6 +4,7 @@
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
 #include "support/test_home.h"
+#include "themes/theme.h"
 #include "time/alarm_dialog.h"
 #include "time/alarm_popup.h"
 #include "time/alarm_scheduler.h"
@@ -22,6 +23,7 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QTest>
+#include <QStyle>
 #include <QTimer>
 #include <memory>
 
@@ -64,9 +66,13 @@ private slots:
     void clockTimerStopsWhileHidden();
     void stopwatchButtons();
     void countdownSetTimeAndRun();
+    void countdownDigitsStayInside_data();
+    void countdownDigitsStayInside();
     void alarmDialogTakesEffectOnSave();
     void alarmDialogRefusesMissingSoundFile();
     void popupEditOpensAlarmSetup();
+    void popupShowsTheWholeMessage_data();
+    void popupShowsTheWholeMessage();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -223,6 +229,58 @@ void TestTimeWindows::countdownSetTimeAndRun()
     QCOMPARE(child<ClickableLabel>(&timer, "lblBTNSTOP")->text(), QStringLiteral(" Reset "));
 }
 
+void TestTimeWindows::countdownDigitsStayInside_data()
+{
+    QTest::addColumn<QString>("font");
+    QTest::addColumn<QSize>("size");
+
+    for (const char *font : {"DejaVu Sans", "DejaVu Sans Mono", "DejaVu Serif", "Tahoma"}) {
+        const QString name = QLatin1String(font);
+        QTest::newRow(qPrintable(name + QStringLiteral(" default"))) << name << QSize(240, 150);
+        QTest::newRow(qPrintable(name + QStringLiteral(" small"))) << name << QSize(150, 90);
+        QTest::newRow(qPrintable(name + QStringLiteral(" wide"))) << name << QSize(520, 130);
+        QTest::newRow(qPrintable(name + QStringLiteral(" tall"))) << name << QSize(200, 320);
+    }
+}
+
+// The running digits sit inside the panel with room to spare on both sides, whatever the
+// theme's font (a monospaced face is much wider) and the window's size, and each field is
+// wide enough that its two digits are not scrolled or cut.
+void TestTimeWindows::countdownDigitsStayInside()
+{
+    QFETCH(QString, font);
+    QFETCH(QSize, size);
+    Theme theme = CurrentTheme();
+    theme.PanelFont = font;
+    theme.BarFont = font;
+    SetCurrentTheme(theme);
+    CountdownWidget timer;
+    timer.loadWindow();
+    timer.resize(size);
+    timer.show();
+    timer.ThemeElementsUpdate();
+    for (const char *name : {"txtHRS", "txtMIN", "txtSECS", "txtSUBHRS", "txtSUBMIN", "txtSUBSECS"}) {
+        auto *field = child<QLineEdit>(&timer, name);
+        const QRect r = field->geometry();
+        const QWidget *panel = field->parentWidget();
+        const QString where = QStringLiteral("%1 at %2,%3 %4x%5 in %6x%7")
+                                  .arg(QLatin1String(name))
+                                  .arg(r.x())
+                                  .arg(r.y())
+                                  .arg(r.width())
+                                  .arg(r.height())
+                                  .arg(panel->width())
+                                  .arg(panel->height());
+        QVERIFY2(r.left() >= 4 && r.right() < panel->width() - 4, qPrintable(where));
+        QVERIFY2(r.top() >= 0 && r.bottom() < panel->height(), qPrintable(where));
+        // A line edit keeps 2 pixels each side of its text, more with a frame.
+        const int frame = field->hasFrame() ? 2 * field->style()->pixelMetric(QStyle::PM_DefaultFrameWidth) : 0;
+        const int needed = field->fontMetrics().horizontalAdvance(QStringLiteral("00")) + 4 + frame;
+        QVERIFY2(needed <= r.width(), qPrintable(where + QStringLiteral(" needs %1").arg(needed)));
+    }
+    SetCurrentTheme(Theme());
+}
+
 void TestTimeWindows::alarmDialogTakesEffectOnSave()
 {
     SchedulerWindow scheduler;
@@ -279,6 +337,47 @@ void TestTimeWindows::popupEditOpensAlarmSetup()
     child<QPushButton>(&popup, "btnEDIT")->click();
     QVERIFY(!popup.isVisible());
     QVERIFY(topLevel(QStringLiteral("falc_ALM")));
+}
+
+void TestTimeWindows::popupShowsTheWholeMessage_data()
+{
+    QTest::addColumn<QString>("message");
+    QTest::newRow("short") << QStringLiteral("Tea");
+    QTest::newRow("one line") << QStringLiteral("Time to stretch your legs and get a cup of tea");
+    QTest::newRow("several lines")
+        << QStringLiteral("Leave for the station now: the 17:42 is the last train that connects with the "
+                          "ferry, and the car park closes at six, so take the bicycle instead of the car.");
+    QTest::newRow("no message") << QString();
+}
+
+// However long the message, the pop-up grows to show all of it above its buttons, and the
+// heading names the alarm's time.
+void TestTimeWindows::popupShowsTheWholeMessage()
+{
+    QFETCH(QString, message);
+    SchedulerWindow scheduler;
+    WriteDetail(QStringLiteral("falc_ALM"), QStringLiteral("Alarm Preset Use_3"), QStringLiteral("1"));
+    WriteDetail(QStringLiteral("falc_ALM"), QStringLiteral("Alarm Preset Time_3"), QStringLiteral("7:45"));
+    WriteDetail(QStringLiteral("falc_ALM"), QStringLiteral("Alarm Preset Message_3"), message);
+    scheduler.reloadPresets();
+    ClockSource::setNowForTesting(QDateTime(kMonday, QTime(7, 45, 0, 300)));
+    scheduler.scheduler()->AlarmRefresh();
+    AlarmPopup *popup = scheduler.popup();
+    QVERIFY(popup && popup->isVisible());
+    QCOMPARE(labelText(popup, "lblHEADING"), QStringLiteral("Alarm at 07:45:00"));
+
+    auto *text = child<QLabel>(popup, "lablMESSAGE");
+    QCOMPARE(text->text(), message);
+    QCOMPARE(text->isVisible(), !message.isEmpty());
+    const QWidget *panel = text->parentWidget();
+    const QRect buttons = child<QWidget>(popup, "pfrBUTTONS")->geometry();
+    if (!message.isEmpty()) {
+        QVERIFY(text->height() >= text->heightForWidth(text->width()));
+        QVERIFY2(text->geometry().bottom() < buttons.top(), qPrintable(QStringLiteral("%1 %2 %3 popup %4 panel %5").arg(text->geometry().bottom()).arg(buttons.top()).arg(text->minimumHeight()).arg(popup->height()).arg(panel->height())));
+    }
+    QVERIFY(panel->rect().contains(buttons));
+    for (auto *b : popup->findChildren<QPushButton *>())
+        QVERIFY(b->width() >= b->sizeHint().width());
 }
 
 QTEST_MAIN(TestTimeWindows)
