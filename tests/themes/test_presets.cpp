@@ -10,6 +10,7 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QTest>
+#include <cmath>
 
 namespace {
 
@@ -172,6 +173,19 @@ private slots:
         QCOMPARE(ReadPreset(path, Theme()), current); // now it carries the values
     }
 
+    // Values a preset lacks are added in the order they are read, each to its own section.
+    void completionFollowsTheReadOrder()
+    {
+        const QString path = m_home->filePath(QStringLiteral("order.dcp"));
+        writeFile(path, "[preset]\r\n> caption=Order\r\n");
+        ReadPreset(path, sampleTheme());
+        QCOMPARE(readFile(path),
+                 QByteArray("[preset]\r\n> caption=Order\r\n\r\n[main]\r\n> Main-Opacity=200\r\n"
+                            "> Main-Contrast=40\r\n> Main-Color=4478310\r\n\r\n[text]\r\n"
+                            "> Panel-Font=DejaVu Serif\r\n> Panel-Color=16777215\r\n> Panel-Angle=90\r\n"
+                            "> Bar-Font=DejaVu Sans Mono\r\n> Bar-Color=-2147483639\r\n> Bar-Angle=180\r\n"));
+    }
+
     void applyingTakesTheFilesValues()
     {
         const QString path = m_home->filePath(QStringLiteral("full.dcp"));
@@ -329,7 +343,51 @@ private slots:
         QVERIFY(count >= 21);
     }
 
+    // Every shipped preset must stay readable on the widgets: the text colours of panel and bar
+    // against the flat main colour they are drawn on, at the usual 4.5:1 for small text.
+    void shippedPresetsAreReadable_data()
+    {
+        QTest::addColumn<QString>("path");
+        QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files,
+                        QDirIterator::Subdirectories);
+        while (it.hasNext()) {
+            const QString path = it.next();
+            QTest::newRow(qPrintable(path.mid(9))) << path;
+        }
+    }
+
+    void shippedPresetsAreReadable()
+    {
+        QFETCH(QString, path);
+        IniFile file(path);
+        QVERIFY(file.load());
+        const OleColor main = TextToColor(file.value("main", "> Main-Color"), 0);
+        for (const char *key : {"> Panel-Color", "> Bar-Color"}) {
+            const OleColor text = TextToColor(file.value("text", key), 0);
+            if (text & kSystemColorFlag)
+                continue; // a desktop colour follows the user's own scheme
+            const double ratio = contrastRatio(main, text);
+            QVERIFY2(ratio >= 4.5, qPrintable(QStringLiteral("%1 %2:1").arg(key).arg(ratio, 0, 'f', 2)));
+        }
+    }
+
 private:
+    // The contrast of two plain colours as accessibility guidelines measure it (1 to 21).
+    static double contrastRatio(OleColor a, OleColor b)
+    {
+        auto luminance = [](OleColor c) {
+            auto channel = [](int v) {
+                const double x = v / 255.0;
+                return x <= 0.03928 ? x / 12.92 : std::pow((x + 0.055) / 1.055, 2.4);
+            };
+            return 0.2126 * channel(int(c & 0xFF)) + 0.7152 * channel(int((c >> 8) & 0xFF)) +
+                   0.0722 * channel(int((c >> 16) & 0xFF));
+        };
+        const double la = luminance(a);
+        const double lb = luminance(b);
+        return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
+    }
+
     static int countShipped()
     {
         int n = 0;
