@@ -197,12 +197,18 @@ void ClockWidget::layoutModern(const QRect &area)
 
 void ClockWidget::layoutClassic(const QRect &area)
 {
+    // The classic time ends in a blank. Fit and centre what shows; the blank hangs past the
+    // right edge of the area, where it takes no room.
+    const QString text = m_time->text();
+    QString shown = text;
+    while (shown.endsWith(QLatin1Char(' ')))
+        shown.chop(1);
     const QFont base = m_time->font();
-    const QFont font =
-        FontFit::fitting(base, FontFit::widestDigits(base, m_time->text()), area.width(), area.height());
+    const QFont font = FontFit::fitting(base, FontFit::widestDigits(base, shown), area.width(), area.height());
+    const int blank = QFontMetrics(font).horizontalAdvance(text.mid(shown.size()));
     m_time->setFont(font);
     m_time->setAlignment(Qt::AlignCenter);
-    m_time->setGeometry(area);
+    m_time->setGeometry(area.adjusted(0, 0, blank, 0));
 }
 
 void ClockWidget::showEvent(QShowEvent *event)

@@ -140,7 +140,9 @@ int CountdownWidget::itemWidth(QWidget *item, const QFont &font) const
         return fm.horizontalAdvance(FontFit::widestDigits(font, QStringLiteral("00"))) + 4 + frame + air;
     }
     const QLabel *label = static_cast<QLabel *>(item);
-    return fm.horizontalAdvance(label->text()) + air;
+    // The caption before the set fields keeps a blank's width away from the first box.
+    const int gap = item == m_setCaption ? fm.horizontalAdvance(QLatin1Char(' ')) : 0;
+    return fm.horizontalAdvance(label->text()) + air + gap;
 }
 
 int CountdownWidget::rowWidth(const QList<QWidget *> &row, const QFont &font) const
@@ -178,11 +180,20 @@ void CountdownWidget::layoutRow(const QList<QWidget *> &row, const QFont &font, 
 
 void CountdownWidget::ThemeElementsUpdate()
 {
+    const Theme &theme = CurrentTheme();
+    const QColor text = ResolveColor(theme.PanelColor);
     // The running time is display text on the panel: no field background, the panel's colour.
-    const QColor text = ResolveColor(CurrentTheme().PanelColor);
     for (QLineEdit *f : m_running) {
         QPalette pal = f->palette();
         pal.setColor(QPalette::Base, Qt::transparent);
+        pal.setColor(QPalette::Text, text);
+        f->setPalette(pal);
+    }
+    // The set time stays recognisably editable, but in the theme's colours rather than in
+    // white boxes: the panel tinted towards its text, as the themed buttons are.
+    for (QLineEdit *f : m_set) {
+        QPalette pal = f->palette();
+        pal.setColor(QPalette::Base, ResolveColor(BlendColor(theme.PanelColor, theme.MainColor, 40)));
         pal.setColor(QPalette::Text, text);
         f->setPalette(pal);
     }

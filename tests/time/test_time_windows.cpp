@@ -64,6 +64,8 @@ private slots:
     void clockShowsTimeAndDate();
     void clockTimeFillsThePanel();
     void clockTimerStopsWhileHidden();
+    void classicTimeIsCentred_data();
+    void classicTimeIsCentred();
     void stopwatchButtons();
     void countdownSetTimeAndRun();
     void countdownDigitsStayInside_data();
@@ -159,6 +161,41 @@ void TestTimeWindows::clockTimerStopsWhileHidden()
     QVERIFY(!timer->isActive());
     QCOMPARE(child<QTimer>(&clock, "tmrBAR")->interval(), 100);
     QVERIFY(!child<QTimer>(&clock, "tmrBAR")->isActive());
+}
+
+void TestTimeWindows::classicTimeIsCentred_data()
+{
+    QTest::addColumn<QString>("secs");
+    QTest::addColumn<QString>("ampm");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("all, default size") << "1" << "1" << QSize(370, 150);
+    QTest::newRow("hours and minutes, large") << "0" << "0" << QSize(700, 300);
+    QTest::newRow("seconds, small") << "1" << "0" << QSize(200, 90);
+}
+
+// The classic time keeps its trailing blank, yet what shows sits in the middle of the panel.
+void TestTimeWindows::classicTimeIsCentred()
+{
+    QFETCH(QString, secs);
+    QFETCH(QString, ampm);
+    QFETCH(QSize, size);
+    ClockSource::setNowForTesting(QDateTime(kMonday, QTime(13, 5, 9)));
+    WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("Style-modern"), QStringLiteral("0"));
+    WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("Style-secs-show"), secs);
+    WriteDetail(QStringLiteral("falc_SET"), QStringLiteral("Style-ampm-show"), ampm);
+    ClockWidget clock;
+    clock.loadWindow();
+    clock.resize(size);
+    clock.show();
+    QLabel *time = child<QLabel>(&clock, "lblPANECLOCK");
+    QVERIFY(time->text().endsWith(QLatin1Char(' ')));
+    const QFontMetrics fm(time->font());
+    const int full = fm.horizontalAdvance(time->text());
+    const int shown = fm.horizontalAdvance(time->text().trimmed());
+    const int left = time->x() + (time->width() - full) / 2;
+    const int right = time->parentWidget()->width() - (left + shown);
+    QVERIFY2(left >= 0 && right >= 0 && qAbs(left - right) <= 3,
+             qPrintable(QStringLiteral("%1 | %2").arg(left).arg(right)));
 }
 
 void TestTimeWindows::stopwatchButtons()
