@@ -11,6 +11,7 @@ namespace {
 
 constexpr int kMinNumberPixels = 9;
 constexpr int kMinMemoryPixels = 8;
+const QString kCutMark = QStringLiteral("…");
 
 QLabel *makeLabel(const QString &objectName, Qt::Alignment alignment, QWidget *parent)
 {
@@ -97,8 +98,7 @@ void CalculatorDisplay::relayout()
     const int memoryLeft = pad + mark;
     m_memory->setGeometry(memoryLeft, pad / 2, std::max(0, m_sign->x() - pad - memoryLeft), signMetrics.height());
     fitMemoryFont();
-    m_number->setGeometry(numberArea());
-    fitNumberFont();
+    fitNumberFont(); // places the number too
     update();
 }
 
@@ -119,7 +119,7 @@ void CalculatorDisplay::fitMemoryFont()
 void CalculatorDisplay::fitNumberFont()
 {
     // As large as the area allows, smaller for long numbers; past the smallest size the label
-    // shows the number's right-hand end.
+    // shows the number's right-hand end, after a "…" that says digits are hidden.
     const QRect area = numberArea();
     int pixels = std::max(kMinNumberPixels, area.height() * 4 / 5);
     QFont f = m_number->font();
@@ -130,6 +130,14 @@ void CalculatorDisplay::fitNumberFont()
         --pixels;
     }
     setPixelSize(m_number, pixels);
+    QRect numberRect = area;
+    const QFontMetrics metrics(m_number->font());
+    if (metrics.horizontalAdvance(m_number->text()) > area.width())
+        numberRect.setLeft(area.left() + metrics.horizontalAdvance(kCutMark) + 2);
+    if (m_number->geometry() != numberRect) {
+        m_number->setGeometry(numberRect);
+        update(); // the mark is painted on the screen itself
+    }
 }
 
 void CalculatorDisplay::resizeEvent(QResizeEvent *event)
@@ -165,5 +173,12 @@ void CalculatorDisplay::paintEvent(QPaintEvent *)
         const int pad = std::max(4, height() / 10);
         const QRect markArea(pad, m_memory->y(), m_memory->x() - pad, m_memory->height());
         p.drawText(markArea, Qt::AlignLeft | Qt::AlignBottom, QStringLiteral("M"));
+    }
+    const QRect area = numberArea();
+    if (m_number->x() > area.x()) {
+        p.setFont(m_number->font());
+        p.setPen(m_number->palette().color(QPalette::WindowText));
+        p.drawText(QRect(area.x(), m_number->y(), m_number->x() - area.x(), m_number->height()),
+                   Qt::AlignLeft | Qt::AlignVCenter, kCutMark);
     }
 }

@@ -346,6 +346,18 @@ void TestCalculatorWidget::longNumberShrinksFont()
     QVERIFY(QFontMetrics(number->font()).horizontalAdvance(number->text()) <= number->width());
     QTest::keyClick(calc.get(), Qt::Key_Escape);
     QCOMPARE(number->font().pixelSize(), shortSize);
+
+    // Too long for the smallest font: the caption stays whole, its right-hand end stays in
+    // place and the label moves over for the mark that says digits are hidden.
+    const QRect shortGeometry = number->geometry();
+    QTest::keyClick(calc.get(), Qt::Key_1);
+    for (int i = 1; i < 120; ++i)
+        QTest::keyClick(calc.get(), Qt::Key_0); // zeros are appended as text
+    QCOMPARE(number->text().size(), 120);
+    QCOMPARE(number->geometry().right(), shortGeometry.right());
+    QVERIFY(number->x() > shortGeometry.x());
+    QTest::keyClick(calc.get(), Qt::Key_Escape);
+    QCOMPARE(number->geometry(), shortGeometry);
 }
 
 QTEST_MAIN(TestCalculatorWidget)
