@@ -2,6 +2,8 @@
 
 #include "core/widget_frame.h"
 #include "time/alarm_scheduler.h"
+#include "themes/painted_frame.h"
+#include "time/dialog_theming.h"
 #include "time/scheduler_window.h"
 
 #include <QCheckBox>
@@ -63,12 +65,15 @@ AlarmDialog::AlarmDialog(QWidget *parent)
         m_armed[n]->setObjectName(indexed("chkSET", n));
         m_armed[n]->setChecked(p.armed);
         m_armed[n]->setAccessibleName(tr("Alarm %1 on").arg(n + 1));
+        m_armed[n]->setToolTip(tr("Ring this alarm every day"));
         m_time[n] = timeBox(n, p.time);
         m_time[n]->setAccessibleName(tr("Alarm %1 time").arg(n + 1));
+        m_time[n]->setToolTip(tr("Time of day"));
         m_message[n] = new QLineEdit(p.message);
         m_message[n]->setObjectName(indexed("txtMESSAGE", n));
         m_message[n]->setMaxLength(kLongestValue);
         m_message[n]->setAccessibleName(tr("Alarm %1 message").arg(n + 1));
+        m_message[n]->setMinimumWidth(240);
         grid->addWidget(m_armed[n], n + 1, 0);
         grid->addWidget(m_time[n], n + 1, 1);
         grid->addWidget(m_message[n], n + 1, 2);
@@ -82,7 +87,14 @@ AlarmDialog::AlarmDialog(QWidget *parent)
     (AlarmScheduler::useBell() ? m_bell : m_other)->setChecked(true);
     m_soundPath = new QLineEdit(AlarmScheduler::otherSound());
     m_soundPath->setObjectName(QStringLiteral("txtSOUND"));
-    auto *browseButton = button(QStringLiteral("btnBROWSE"), tr("&Browse..."));
+    m_soundPath->setAccessibleName(tr("Sound file"));
+    m_soundPath->setMinimumWidth(200);
+    m_soundPath->setPlaceholderText(tr("A .wav file"));
+    m_buttons = new QWidget;
+    m_buttons->setObjectName(QStringLiteral("pfrBUTTONS"));
+    QPushButton *browseButton = button(QStringLiteral("btnBROWSE"), tr("&Browse..."));
+    m_browse = browseButton;
+    browseButton->setToolTip(tr("Choose a WAV file to play"));
     auto *sound = new QHBoxLayout;
     sound->addWidget(m_bell);
     sound->addWidget(m_other);
@@ -95,10 +107,13 @@ AlarmDialog::AlarmDialog(QWidget *parent)
     m_problem->hide();
 
     auto *testButton = button(QStringLiteral("btnTEST"), tr("&Test"));
+    testButton->setToolTip(tr("Play the bell"));
     auto *saveButton = button(QStringLiteral("btnSAVE"), tr("&Save"));
     saveButton->setDefault(true);
     auto *cancelButton = button(QStringLiteral("btnCANCEL"), tr("Cancel"));
-    auto *buttons = new QHBoxLayout;
+    auto *buttons = new QHBoxLayout(m_buttons);
+    buttons->setContentsMargins(0, 0, 0, 0);
+    buttons->setSpacing(8);
     buttons->addWidget(testButton);
     buttons->addStretch(1);
     buttons->addWidget(saveButton);
@@ -108,7 +123,8 @@ AlarmDialog::AlarmDialog(QWidget *parent)
     layout->addLayout(grid);
     layout->addLayout(sound);
     layout->addWidget(m_problem);
-    layout->addLayout(buttons);
+    layout->addSpacing(6);
+    layout->addWidget(m_buttons);
     setPanelLayout(layout);
 
     connect(saveButton, &QPushButton::clicked, this, &AlarmDialog::save);
@@ -116,6 +132,12 @@ AlarmDialog::AlarmDialog(QWidget *parent)
     connect(testButton, &QPushButton::clicked, this, &AlarmDialog::testSound);
     connect(browseButton, &QPushButton::clicked, this, &AlarmDialog::browse);
     connect(m_soundPath, &QLineEdit::textEdited, this, [this] { m_other->setChecked(true); });
+}
+
+void AlarmDialog::ThemeElementsUpdate()
+{
+    ThemedDialog::ThemeElementsUpdate();
+    DialogTheming::apply(panel(), {m_buttons, m_browse});
 }
 
 AlarmDialog *AlarmDialog::showSingle(QWidget *parent)

@@ -26,6 +26,7 @@ public slots:
     bool save();
     void testSound();
     void browse();
+    void ThemeElementsUpdate() override;
 
 signals:
     void saved();
@@ -41,4 +42,6 @@ private:
     QRadioButton *m_other;
     QLineEdit *m_soundPath;
     QLabel *m_problem;
+    QWidget *m_buttons;
+    QWidget *m_browse;
 };

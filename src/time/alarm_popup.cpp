@@ -5,6 +5,8 @@
 #include "themes/theme.h"
 #include "themes/theme_painter.h"
 #include "time/alarm_dialog.h"
+#include "themes/painted_frame.h"
+#include "time/dialog_theming.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -148,7 +150,7 @@ void AlarmPopup::ThemeElementsUpdate()
     painter.end();
     m_icon->setPixmap(bell);
 
-    m_buttons->setStyleSheet(PushButtonStyleSheet(t));
+    DialogTheming::apply(panel(), {m_buttons});
     fitMessage();
 }
 

@@ -4,6 +4,8 @@
 #include "core/settings_store.h"
 #include "time/clock_settings.h"
 #include "time/date_time_formatter.h"
+#include "themes/painted_frame.h"
+#include "time/dialog_theming.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -49,6 +51,8 @@ ClockSettingsDialog::ClockSettingsDialog(QWidget *parent)
     m_preview = new QLabel;
     m_preview->setObjectName(QStringLiteral("lblPREVIEW"));
 
+    m_buttons = new QWidget;
+    m_buttons->setObjectName(QStringLiteral("pfrBUTTONS"));
     auto *saveButton = new QPushButton(tr("&Save"));
     saveButton->setObjectName(QStringLiteral("btnSAVE"));
     saveButton->setDefault(true);
@@ -58,7 +62,9 @@ ClockSettingsDialog::ClockSettingsDialog(QWidget *parent)
     auto *custom = new QHBoxLayout;
     custom->addWidget(m_dateCustom);
     custom->addWidget(m_customFormat, 1);
-    auto *buttons = new QHBoxLayout;
+    auto *buttons = new QHBoxLayout(m_buttons);
+    buttons->setContentsMargins(0, 0, 0, 0);
+    buttons->setSpacing(8);
     buttons->addStretch(1);
     buttons->addWidget(saveButton);
     buttons->addWidget(cancelButton);
@@ -70,7 +76,8 @@ ClockSettingsDialog::ClockSettingsDialog(QWidget *parent)
         layout->addWidget(w);
     layout->addLayout(custom);
     layout->addWidget(m_preview);
-    layout->addLayout(buttons);
+    layout->addSpacing(6);
+    layout->addWidget(m_buttons);
     setPanelLayout(layout);
 
     connect(saveButton, &QPushButton::clicked, this, &ClockSettingsDialog::save);
@@ -91,6 +98,12 @@ ClockSettingsDialog *ClockSettingsDialog::showSingle(QWidget *parent)
     g_open->raise();
     g_open->activateWindow();
     return g_open;
+}
+
+void ClockSettingsDialog::ThemeElementsUpdate()
+{
+    ThemedDialog::ThemeElementsUpdate();
+    DialogTheming::apply(panel(), {m_buttons});
 }
 
 void ClockSettingsDialog::updateControls()

@@ -20,6 +20,7 @@ public:
 
 public slots:
     void save();
+    void ThemeElementsUpdate() override;
 
 private:
     void updateControls();
@@ -33,4 +34,5 @@ private:
     QRadioButton *m_dateCustom;
     QLineEdit *m_customFormat;
     QLabel *m_preview;
+    QWidget *m_buttons;
 };
