@@ -4,6 +4,7 @@
 #include "core/dashboard_window.h"
 #include "core/data_folders.h"
 #include "core/program_settings_model.h"
+#include "core/settings_store.h"
 #include "core/shell_tools.h"
 #include "core/shipped_data.h"
 #include "core/startup_decisions.h"
@@ -31,6 +32,7 @@ ApplicationStart::ApplicationStart(QObject *parent) : QObject(parent) {}
 
 ApplicationStart::~ApplicationStart()
 {
+    SetSettingsProblemHandler({});
     SetContextMenuHandler({});
     delete m_tray;
     delete m_dashboard;
@@ -59,6 +61,8 @@ SchedulerWindow *ApplicationStart::scheduler() const
 
 void ApplicationStart::run()
 {
+    // From the first read on: a settings file that is partly unreadable, or cannot be saved.
+    SetSettingsProblemHandler([this](const QString &message) { addNotice(message); });
     prepareValues();
     QCoreApplication::processEvents();
     prepareData();
@@ -76,6 +80,9 @@ void ApplicationStart::run()
     // -1, which shows the dashboard.
     if (!handedOver)
         m_dashboard->handOverAtStart(m_choice);
+    if (!m_notices.isEmpty() && !m_dashboard->isVisible() && TrayIcon::isAvailable())
+        m_tray->systemTrayIcon()->showMessage(QStringLiteral("Vantora"), m_notices.join(QLatin1Char(' ')),
+                                              QSystemTrayIcon::Warning);
 }
 
 void ApplicationStart::prepareValues()
@@ -133,8 +140,21 @@ void ApplicationStart::installShippedData()
     qApp->removeEventFilter(this);
     InstallMissingPresets();
     QString problem;
-    if (!InstallMissingDictionaries(&problem) && m_dashboard)
-        m_dashboard->setNotice(problem);
+    if (!InstallMissingDictionaries(&problem))
+        addNotice(problem);
+}
+
+void ApplicationStart::addNotice(const QString &message)
+{
+    if (message.isEmpty() || m_notices.contains(message))
+        return;
+    m_notices.append(message);
+    if (!m_dashboard)
+        return; // shown once the dashboard is loaded
+    m_dashboard->setNotice(m_notices.join(QStringLiteral("\n\n")));
+    // A hidden dashboard shows nothing: the tray says it instead.
+    if (m_tray && !m_dashboard->isVisible() && TrayIcon::isAvailable())
+        m_tray->systemTrayIcon()->showMessage(QStringLiteral("Vantora"), message, QSystemTrayIcon::Warning);
 }
 
 void ApplicationStart::registerWidgetsOnce()
@@ -163,6 +183,8 @@ void ApplicationStart::loadWindows()
     m_tray->setTooltip(QStringLiteral("Vantora"));
     m_tray->setContextMenu(m_menu);
     m_tray->TraySetIcon(m_dashboard);
+    if (!m_notices.isEmpty())
+        m_dashboard->setNotice(m_notices.join(QStringLiteral("\n\n")));
 
     connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
             &ApplicationStart::keepSomethingOnScreen);
@@ -186,6 +208,7 @@ void ApplicationStart::keepSomethingOnScreen()
 
 void ApplicationStart::end()
 {
+    SetSettingsProblemHandler({});
     SetContextMenuHandler({});
     // Exit may have been chosen from the shared menu, whose own handler is still running and
     // touches the menu after its signal returns: the scheduler (the menu's parent) and the tray

@@ -2,6 +2,7 @@
 
 #include <QObject>
 #include <QPointer>
+#include <QStringList>
 
 class DashboardWindow;
 class SchedulerWindow;
@@ -48,12 +49,16 @@ private:
     void keepSomethingOnScreen();
     void end();
     void installShippedData();
+    // Problems found at start or later (settings file, shipped data): on the dashboard, and
+    // from the tray while the dashboard is hidden.
+    void addNotice(const QString &message);
     static void registerTools();
 
     QPointer<DashboardWindow> m_dashboard;
     QPointer<SchedulerWindow> m_scheduler;
     QPointer<WidgetContextMenu> m_menu;
     QPointer<TrayIcon> m_tray;
+    QStringList m_notices;
     int m_choice = -1;
     bool m_shippedDataInstalled = false;
 };

@@ -343,8 +343,18 @@ void DashboardWindow::setWeatherSummary(const QString &temperature, const QStrin
 
 void DashboardWindow::setNotice(const QString &text)
 {
+    // The window grows by the notice's height rather than squeezing the tiles.
+    const int em = fontMetrics().height();
+    const int labelWidth = qMax(em * 10, width() - 2 * em); // the panel's margins
+    const auto heightOf = [&] {
+        return m_notice->isHidden() ? 0 : m_notice->heightForWidth(labelWidth) + em * 2 / 3;
+    };
+    const int before = heightOf();
     m_notice->setText(text);
     m_notice->setVisible(!text.isEmpty());
+    const int growth = heightOf() - before;
+    if (growth > 0)
+        resize(width(), height() + growth);
 }
 
 void DashboardWindow::showDashboard()

@@ -9,6 +9,7 @@
 #include <cmath>
 #include <limits>
 #include <memory>
+#include <utility>
 
 namespace {
 
@@ -25,6 +26,27 @@ ActiveStore &activeStore()
 {
     static ActiveStore store;
     return store;
+}
+
+struct ProblemRoute
+{
+    SettingsProblemHandler handler;
+    QStringList waiting; // reported before anyone listened
+};
+
+ProblemRoute &problemRoute()
+{
+    static ProblemRoute route;
+    return route;
+}
+
+void reportProblem(const QString &message)
+{
+    ProblemRoute &route = problemRoute();
+    if (route.handler)
+        route.handler(message);
+    else
+        route.waiting.append(message);
 }
 
 #ifdef Q_OS_WIN
@@ -52,11 +74,22 @@ SettingsBackend &ActiveSettingsBackend()
 #endif
     const QString path = AppPaths::settingsFile();
     if (!store.backend || store.isRegistry || path != store.filePath) {
-        store.backend = std::make_unique<RegFileBackend>(path);
+        store.backend = std::make_unique<RegFileBackend>(path, &reportProblem);
         store.filePath = path;
         store.isRegistry = false;
     }
     return *store.backend;
+}
+
+void SetSettingsProblemHandler(SettingsProblemHandler handler)
+{
+    ProblemRoute &route = problemRoute();
+    route.handler = std::move(handler);
+    if (!route.handler)
+        return;
+    const QStringList waiting = std::exchange(route.waiting, {});
+    for (const QString &message : waiting)
+        route.handler(message);
 }
 
 QString SettingsRoot()

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QString>
+#include <QStringList>
+#include <functional>
 
 // The program's settings: text values under registry-style keys, one "\Details" key per
 // window ("SOFTWARE\Vantora\falc_SET\Details"). Every read has a default and never fails;
@@ -50,6 +52,12 @@ QString TrimBlanks(const QString &text);
 
 // The longest text a read gives back; a longer stored value reads as the default.
 constexpr int kLongestSetting = 254;
+
+// Problems with the settings file that the user should hear about (part of it unreadable and
+// kept aside, a save that failed), one sentence each. Problems found before a handler is set
+// wait for it; an empty handler collects them again.
+using SettingsProblemHandler = std::function<void(const QString &message)>;
+void SetSettingsProblemHandler(SettingsProblemHandler handler);
 
 class SettingsBackend;
 // The store behind the routines above. On Windows it is the registry, unless VANTORA_HOME is

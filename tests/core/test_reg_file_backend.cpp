@@ -5,6 +5,7 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QStringEncoder>
+#include <QStringList>
 #include <QTest>
 
 namespace {
@@ -45,6 +46,9 @@ private slots:
     void unusableFileKeepsValuesInMemory();
     void vanishedFileKeepsValues();
     void readsDoNotLookAtTheFileEveryTime();
+    void unreadableFileIsKeptAside_data();
+    void unreadableFileIsKeptAside();
+    void failedSaveIsReportedOnce();
 };
 
 void TestRegFileBackend::writesRegeditLayout()
@@ -194,6 +198,68 @@ void TestRegFileBackend::readsDoNotLookAtTheFileEveryTime()
     QCOMPARE(textOf(backend, QStringLiteral("A")), QStringLiteral("mine")); // not looked at yet
     backend.setRecheckInterval(0);
     QCOMPARE(textOf(backend, QStringLiteral("A")), QStringLiteral("theirs"));
+}
+
+void TestRegFileBackend::unreadableFileIsKeptAside_data()
+{
+    QTest::addColumn<QByteArray>("bytes");
+    QTest::addColumn<bool>("kept");
+    QTest::addColumn<QString>("readable"); // the value "A" still read from it; empty: none
+
+    const QByteArray head = "Windows Registry Editor Version 5.00\n\n"
+                            "[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\falc_SET\\Details]\n";
+    QTest::newRow("random bytes") << QByteArray("\x80\x81\x01 junk\n\x02\xfe\n", 11) << true << QString();
+    QTest::newRow("hand edit without quotes") << head + "\"A\"=\"1\"\nB=2\n" << true << "1";
+    QTest::newRow("value before any section") << QByteArray("\"A\"=\"1\"\n") << true << QString();
+    QTest::newRow("latin-1 text") << head + "\"A\"=\"1\"\n\"C\"=\"Caf\xe9\"\n" << true << "1";
+    QTest::newRow("comments and blanks") << head + "; kept by hand\n\n\"A\"=\"1\"\n" << false << "1";
+    QTest::newRow("deleted key") << head + "\"A\"=\"1\"\n[-HKEY_CURRENT_USER\\Old]\n\"X\"=\"y\"\n"
+                                 << false << "1";
+    QTest::newRow("other value types") << head + "\"A\"=\"1\"\n\"Q\"=hex(b):01,02\n" << false << "1";
+}
+
+void TestRegFileBackend::unreadableFileIsKeptAside()
+{
+    QFETCH(QByteArray, bytes);
+    QFETCH(bool, kept);
+    QFETCH(QString, readable);
+    TestHome home;
+    const QString path = home.filePath(QStringLiteral("settings.reg"));
+    writeBytes(path, bytes);
+    QStringList reports;
+    const auto reporter = [&reports](const QString &message) { reports << message; };
+    {
+        RegFileBackend backend(path, reporter);
+        if (!readable.isEmpty())
+            QCOMPARE(textOf(backend, QStringLiteral("A")), readable);
+        RegFileBackend again(path, reporter); // a second look at the same file keeps no second copy
+        QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("Z"),
+                              SettingsValue::fromText(QStringLiteral("z"))));
+    }
+    const QString copy = path + QStringLiteral(".damaged");
+    QCOMPARE(QFileInfo::exists(copy), kept);
+    QVERIFY(!QFileInfo::exists(copy + QStringLiteral("-2")));
+    QCOMPARE(reports.size(), kept ? 2 : 0);
+    if (kept) {
+        QCOMPARE(readBytes(copy), bytes);
+        QVERIFY2(reports.first().contains(QDir::toNativeSeparators(copy)), qPrintable(reports.first()));
+    }
+    RegFileBackend rewritten(path, reporter); // what this program saved reads cleanly
+    QCOMPARE(reports.size(), kept ? 2 : 0);
+}
+
+void TestRegFileBackend::failedSaveIsReportedOnce()
+{
+    TestHome home;
+    const QString path = home.filePath(QStringLiteral("settings.reg"));
+    QVERIFY(QDir().mkpath(path)); // a folder where the file should be
+    QStringList reports;
+    RegFileBackend backend(path, [&reports](const QString &message) { reports << message; });
+    for (const char *value : {"1", "2"})
+        QVERIFY(!backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
+                               SettingsValue::fromText(QString::fromLatin1(value))));
+    QCOMPARE(reports.size(), 1);
+    QVERIFY(reports.first().contains(QDir::toNativeSeparators(path)));
 }
 
 QTEST_GUILESS_MAIN(TestRegFileBackend)

@@ -14,6 +14,8 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QDir>
+#include <QFile>
+#include <QLabel>
 #include <QPointer>
 #include <QSignalSpy>
 #include <QTest>
@@ -44,6 +46,7 @@ private slots:
     void hiddenStartNeedsTray();
     void firstRunShowsWizard_data();
     void firstRunShowsWizard();
+    void damagedSettingsFileIsToldOnTheDashboard();
     void exitEndsTheProgram();
     void exitFromTheSharedMenuLeavesTheMenuAliveUntilItReturns();
     void withoutTrayLastWidgetClosedShowsDashboard();
@@ -327,6 +330,24 @@ void TestStartup::firstRunShowsWizard()
     const QDir home(m_home->path());
     for (const char *folder : {"wboard", "calendar", "webcam", "themes/custom", "themes/white"})
         QVERIFY2(home.exists(QString::fromLatin1(folder)), folder);
+}
+
+void TestStartup::damagedSettingsFileIsToldOnTheDashboard()
+{
+    QFile file(m_home->filePath(QStringLiteral("settings.reg")));
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("Windows Registry Editor Version 5.00\n\n"
+               "[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\msg_WIZ\\Details]\n"
+               "\"Program-Choice\"=\"8\"\n"
+               "typed by hand\n");
+    file.close();
+    ApplicationStart start;
+    start.run();
+
+    QCOMPARE(start.choice(), 8); // what could be read is used
+    auto *notice = start.dashboard()->findChild<QLabel *>(QStringLiteral("lblNOTICE"));
+    QVERIFY(notice->isVisibleTo(start.dashboard()));
+    QVERIFY2(notice->text().contains(QStringLiteral("settings.reg.damaged")), qPrintable(notice->text()));
 }
 
 void TestStartup::exitEndsTheProgram()

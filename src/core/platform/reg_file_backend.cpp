@@ -140,16 +140,44 @@ bool isContinuation(const QString &line)
            !t.startsWith(QLatin1Char('@'));
 }
 
-QString decodeFile(const QByteArray &bytes)
+QString decodeFile(const QByteArray &bytes, bool *lossless)
 {
     const auto encoding = QStringConverter::encodingForData(bytes);
     QStringDecoder decoder(encoding.value_or(QStringConverter::Utf8));
-    return decoder.decode(bytes);
+    const QString text = decoder.decode(bytes);
+    *lossless = !decoder.hasError();
+    return text;
+}
+
+// Lines that carry nothing and lose nothing when dropped: blanks, comments, the header.
+bool isHarmlessLine(const QString &trimmed)
+{
+    return trimmed.isEmpty() || trimmed.startsWith(QLatin1Char(';')) || trimmed == kHeader ||
+           trimmed == QLatin1String("REGEDIT4");
+}
+
+// Beside the file: "settings.reg.damaged", then "settings.reg.damaged-2", ... The first one
+// that is free, or already holds exactly these bytes.
+QString damagedCopyPath(const QString &filePath, const QByteArray &bytes, bool *alreadyKept)
+{
+    *alreadyKept = false;
+    const QString base = filePath + QStringLiteral(".damaged");
+    for (int n = 1;; ++n) {
+        const QString candidate = n == 1 ? base : base + QStringLiteral("-%1").arg(n);
+        QFile existing(candidate);
+        if (!existing.exists())
+            return candidate;
+        if (existing.open(QIODevice::ReadOnly) && existing.readAll() == bytes) {
+            *alreadyKept = true;
+            return candidate;
+        }
+    }
 }
 
 } // namespace
 
-RegFileBackend::RegFileBackend(const QString &filePath) : m_filePath(filePath)
+RegFileBackend::RegFileBackend(const QString &filePath, ProblemReporter reporter)
+    : m_filePath(filePath), m_reporter(std::move(reporter))
 {
     syncFromDisk();
 }
@@ -226,7 +254,10 @@ void RegFileBackend::syncFromDisk()
     const QByteArray bytes = file.readAll();
     if (file.error() != QFileDevice::NoError || bytes == m_diskBytes)
         return;
-    Document doc = parse(bytes);
+    int unreadable = 0;
+    Document doc = parse(bytes, &unreadable);
+    if (unreadable > 0)
+        keepDamagedCopy(bytes, unreadable);
     for (const Pending &p : std::as_const(m_pending))
         doc.set(p.section, p.entry);
     m_doc = std::move(doc);
@@ -250,9 +281,13 @@ bool RegFileBackend::save()
 
     if (!error.isEmpty()) {
         file.cancelWriting();
-        if (error != m_lastError) // one line per new problem, not one per write
+        if (error != m_lastError) { // once per new problem, not once per write
             qCWarning(lcSettingsFile, "Settings not saved to %s: %s", qUtf8Printable(m_filePath),
                       qUtf8Printable(error));
+            report(QStringLiteral("Vantora cannot save its settings to %1 (%2). Changes made now "
+                                  "last only until Vantora ends.")
+                       .arg(QDir::toNativeSeparators(m_filePath), error));
+        }
         m_lastError = error;
         return false;
     }
@@ -262,16 +297,54 @@ bool RegFileBackend::save()
     return true;
 }
 
-RegFileBackend::Document RegFileBackend::parse(const QByteArray &bytes)
+void RegFileBackend::keepDamagedCopy(const QByteArray &bytes, int unreadable)
+{
+    if (bytes == m_keptDamaged)
+        return;
+    m_keptDamaged = bytes;
+    bool alreadyKept = false;
+    const QString copyPath = damagedCopyPath(m_filePath, bytes, &alreadyKept);
+    const QString file = QDir::toNativeSeparators(m_filePath);
+    if (!alreadyKept) {
+        QSaveFile copy(copyPath);
+        if (!copy.open(QIODevice::WriteOnly) || copy.write(bytes) != bytes.size() || !copy.commit()) {
+            report(QStringLiteral("Part of the settings file %1 could not be read (%2 unreadable "
+                                  "lines), and no copy of it could be kept (%3). Settings that "
+                                  "could not be read are back at their defaults.")
+                       .arg(file)
+                       .arg(unreadable)
+                       .arg(copy.errorString()));
+            return;
+        }
+    }
+    report(QStringLiteral("Part of the settings file %1 could not be read (%2 unreadable lines). "
+                          "The file as it was is kept as %3; settings that could not be read are "
+                          "back at their defaults.")
+               .arg(file)
+               .arg(unreadable)
+               .arg(QDir::toNativeSeparators(copyPath)));
+}
+
+void RegFileBackend::report(const QString &message)
+{
+    if (m_reporter)
+        m_reporter(message);
+}
+
+RegFileBackend::Document RegFileBackend::parse(const QByteArray &bytes, int *unreadable)
 {
     Document doc;
-    const QStringList lines = decodeFile(bytes).split(QLatin1Char('\n'));
-    QString section; // empty before the first section and inside a deleted one
+    bool lossless = true;
+    const QStringList lines = decodeFile(bytes, &lossless).split(QLatin1Char('\n'));
+    int dropped = lossless ? 0 : 1;
+    QString section;      // empty before the first section and inside a deleted one
+    bool deleted = false; // inside a [-...] section, whose lines mean nothing to keep
     for (qsizetype i = 0; i < lines.size(); ++i) {
         QString line = lines.at(i).trimmed();
         if (line.startsWith(QLatin1Char('[')) && line.endsWith(QLatin1Char(']'))) {
             const QString name = tidyKeyPath(line.mid(1, line.size() - 2).trimmed());
-            section = name.startsWith(QLatin1Char('-')) ? QString() : name;
+            deleted = name.startsWith(QLatin1Char('-'));
+            section = deleted ? QString() : name;
             if (!section.isEmpty())
                 doc.section(section);
             continue;
@@ -284,32 +357,37 @@ RegFileBackend::Document RegFileBackend::parse(const QByteArray &bytes)
                 line += lines.at(++i).trimmed();
             }
         }
-        if (!section.isEmpty())
-            parseValueLine(line, doc, section);
+        if (deleted || isHarmlessLine(line))
+            continue;
+        if (section.isEmpty() || !parseValueLine(line, doc, section))
+            ++dropped;
     }
+    if (unreadable)
+        *unreadable = dropped;
     return doc;
 }
 
-void RegFileBackend::parseValueLine(const QString &line, Document &doc, const QString &section)
+bool RegFileBackend::parseValueLine(const QString &line, Document &doc, const QString &section)
 {
     Entry entry;
     qsizetype pos = 0;
     if (line.startsWith(QLatin1Char('@')))
         pos = 1;
     else if (!readQuoted(line, pos, entry.name))
-        return; // not a value: dropped
+        return false; // not a value: dropped
     while (pos < line.size() && line.at(pos).isSpace())
         ++pos;
     if (pos >= line.size() || line.at(pos) != QLatin1Char('='))
-        return;
+        return false;
     const QString data = line.mid(pos + 1).trimmed();
     if (data == QLatin1String("-"))
-        return; // a deletion mark of a merge file: there is nothing to keep
+        return true; // a deletion mark of a merge file: there is nothing to keep
     bool understood = false;
     entry.value = parseData(data, understood);
     if (!understood)
         entry.raw = data;
     doc.set(section, entry);
+    return true;
 }
 
 QByteArray RegFileBackend::serialise(const Document &doc)

@@ -8,6 +8,7 @@
 #include <QHash>
 #include <QList>
 #include <QString>
+#include <functional>
 
 // Settings kept in one text file in the registry editor's export layout (version 5):
 //
@@ -29,10 +30,17 @@
 // at most once a second and re-read the file when it changed. A value whose save failed
 // stays in memory and is written again with the next successful save; a file that vanished
 // or cannot be read leaves the values in memory as they were.
+//
+// A file with lines that make no sense, or bytes that are not UTF-8 text, would lose them at
+// the next save: before that can happen a copy of it is kept beside it ("settings.reg.damaged",
+// numbered when that name is taken). That, and a save that fails, is reported once through the
+// problem reporter in a sentence for the user.
 class RegFileBackend : public SettingsBackend
 {
 public:
-    explicit RegFileBackend(const QString &filePath);
+    using ProblemReporter = std::function<void(const QString &message)>;
+
+    explicit RegFileBackend(const QString &filePath, ProblemReporter reporter = {});
 
     SettingsValue read(Hive hive, const QString &key, const QString &name) override;
     bool write(Hive hive, const QString &key, const QString &name, const SettingsValue &value) override;
@@ -83,8 +91,9 @@ private:
         bool operator==(const FileStamp &other) const = default;
     };
 
-    static Document parse(const QByteArray &bytes);
-    static void parseValueLine(const QString &line, Document &doc, const QString &section);
+    // `unreadable` counts the lines that were dropped, and a decoding that lost bytes.
+    static Document parse(const QByteArray &bytes, int *unreadable = nullptr);
+    static bool parseValueLine(const QString &line, Document &doc, const QString &section);
     static QByteArray serialise(const Document &doc);
     static QString sectionName(Hive hive, const QString &key);
 
@@ -92,6 +101,8 @@ private:
     void recheckIfDue();
     void syncFromDisk();
     bool save();
+    void keepDamagedCopy(const QByteArray &bytes, int unreadable);
+    void report(const QString &message);
 
     QString m_filePath;
     Document m_doc;
@@ -101,4 +112,6 @@ private:
     QElapsedTimer m_sinceCheck;
     int m_recheckMs = 1000;
     QString m_lastError;
+    ProblemReporter m_reporter;
+    QByteArray m_keptDamaged; // the damaged content already kept aside
 };
