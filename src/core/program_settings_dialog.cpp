@@ -1,6 +1,9 @@
 #include "core/program_settings_dialog.h"
 
 #include "core/tray_icon.h"
+#include "core/widget_frame.h"
+#include "core/widget_registry.h"
+#include "core/widget_window.h"
 
 #include <QCheckBox>
 #include <QComboBox>
@@ -142,6 +145,13 @@ void ProgramSettingsDialog::onTabChosen(int index)
 
 void ProgramSettingsDialog::save()
 {
-    ProgramSettingsModel::save(values());
+    const ProgramSettingsModel::Values v = values();
+    ProgramSettingsModel::save(v);
+    // Open widgets follow the keep-on-top box now, not only when they next open.
+    WidgetRegistry &registry = WidgetRegistry::instance();
+    for (int index : registry.openWidgets()) {
+        if (WidgetWindow *widget = registry.window(index))
+            SetKeepOnTop(widget, v.onTop);
+    }
     accept();
 }

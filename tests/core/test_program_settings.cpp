@@ -2,6 +2,9 @@
 #include "core/program_settings_dialog.h"
 #include "core/program_settings_model.h"
 #include "core/settings_store.h"
+#include "core/widget_index.h"
+#include "core/widget_registry.h"
+#include "core/widget_window.h"
 #include "support/test_home.h"
 
 #include <QAbstractButton>
@@ -29,6 +32,8 @@ private slots:
     void dialogCancelStoresNothing_data();
     void dialogCancelStoresNothing();
     void defaultSettingsTabResetsBoxesWithoutStoring();
+    void keepOnTopReachesOpenWidgets_data();
+    void keepOnTopReachesOpenWidgets();
 
 private:
     static QByteArray storedSettings();
@@ -249,6 +254,39 @@ void TestProgramSettings::defaultSettingsTabResetsBoxesWithoutStoring()
     QVERIFY(!storedSettings().contains("Program Launch"));
     // The tab goes back so that it can be chosen again.
     QTRY_COMPARE(control<QTabBar>(dialog, "pagSETTINGS")->currentIndex(), 0);
+}
+
+void TestProgramSettings::keepOnTopReachesOpenWidgets_data()
+{
+    QTest::addColumn<bool>("before");
+    QTest::addColumn<bool>("after");
+    QTest::newRow("ticked") << false << true;
+    QTest::newRow("unticked") << true << false;
+}
+
+void TestProgramSettings::keepOnTopReachesOpenWidgets()
+{
+    QFETCH(bool, before);
+    QFETCH(bool, after);
+    WriteDetail(QStringLiteral("mdb_SET"), QStringLiteral("On-Top"),
+                before ? QStringLiteral("1") : QStringLiteral("0"));
+    WidgetRegistry &registry = WidgetRegistry::instance();
+    registry.registerWidget(WidgetStopwatch, [] {
+        return new WidgetWindow(WidgetWindowName(WidgetStopwatch), WidgetStopwatch,
+                                QStringLiteral("Vantora Test"));
+    });
+    WidgetWindow *widget = registry.open(WidgetStopwatch);
+    QVERIFY(widget);
+    QCOMPARE(bool(widget->windowFlags() & Qt::WindowStaysOnTopHint), before);
+
+    ProgramSettingsDialog dialog;
+    control<QCheckBox>(dialog, "chkONTOP")->setChecked(after);
+    dialog.show();
+    control<QAbstractButton>(dialog, "btnOK")->click();
+
+    QCOMPARE(bool(widget->windowFlags() & Qt::WindowStaysOnTopHint), after);
+    QVERIFY(widget->isVisible());
+    registry.closeAll();
 }
 
 QTEST_MAIN(TestProgramSettings)
