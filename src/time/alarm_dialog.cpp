@@ -1,8 +1,8 @@
 #include "time/alarm_dialog.h"
 
 #include "core/widget_frame.h"
-#include "time/alarm_scheduler.h"
 #include "themes/painted_frame.h"
+#include "time/alarm_scheduler.h"
 #include "time/dialog_theming.h"
 #include "time/scheduler_window.h"
 

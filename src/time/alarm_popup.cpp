@@ -2,10 +2,10 @@
 
 #include "core/widget_glyphs.h"
 #include "core/widget_index.h"
+#include "themes/painted_frame.h"
 #include "themes/theme.h"
 #include "themes/theme_painter.h"
 #include "time/alarm_dialog.h"
-#include "themes/painted_frame.h"
 #include "time/dialog_theming.h"
 
 #include <QHBoxLayout>

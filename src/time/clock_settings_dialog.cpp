@@ -2,9 +2,9 @@
 
 #include "core/clock_source.h"
 #include "core/settings_store.h"
+#include "themes/painted_frame.h"
 #include "time/clock_settings.h"
 #include "time/date_time_formatter.h"
-#include "themes/painted_frame.h"
 #include "time/dialog_theming.h"
 
 #include <QCheckBox>

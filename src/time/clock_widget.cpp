@@ -204,7 +204,8 @@ void ClockWidget::layoutClassic(const QRect &area)
     while (shown.endsWith(QLatin1Char(' ')))
         shown.chop(1);
     const QFont base = m_time->font();
-    const QFont font = FontFit::fitting(base, FontFit::widestDigits(base, shown), area.width(), area.height());
+    const QFont font =
+        FontFit::fitting(base, FontFit::widestDigits(base, shown), area.width(), area.height());
     const int blank = QFontMetrics(font).horizontalAdvance(text.mid(shown.size()));
     m_time->setFont(font);
     m_time->setAlignment(Qt::AlignCenter);

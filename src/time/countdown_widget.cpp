@@ -135,8 +135,9 @@ int CountdownWidget::itemWidth(QWidget *item, const QFont &font) const
     const int air = qMax(2, fm.averageCharWidth() / 4);
     if (auto *edit = qobject_cast<QLineEdit *>(item)) {
         // A line edit keeps 2 pixels each side of its text, and its frame besides.
-        const int frame =
-            edit->hasFrame() ? 2 * edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, edit) : 0;
+        const int frame = edit->hasFrame()
+                              ? 2 * edit->style()->pixelMetric(QStyle::PM_DefaultFrameWidth, nullptr, edit)
+                              : 0;
         return fm.horizontalAdvance(FontFit::widestDigits(font, QStringLiteral("00"))) + 4 + frame + air;
     }
     const QLabel *label = static_cast<QLabel *>(item);
@@ -223,9 +224,12 @@ void CountdownWidget::relayout()
     const QRect area = panel()->rect().adjusted(kMargin, kMargin / 2, -kMargin, -kMargin);
     const int setHeight = qMax(18, area.height() / 3);
     const int runHeight = qMax(10, area.height() - setHeight - kMargin / 2);
-    const QList<QWidget *> runRow = {m_running[0], m_separators[0], m_running[1], m_separators[1], m_running[2]};
-    const QList<QWidget *> setRow = {m_setCaption, m_set[0], m_separators[2], m_set[1], m_separators[3], m_set[2]};
-    layoutRow(runRow, fitRow(runRow, m_running[0]->font(), area, runHeight, 800), area, area.top(), runHeight);
+    const QList<QWidget *> runRow = {m_running[0], m_separators[0], m_running[1], m_separators[1],
+                                     m_running[2]};
+    const QList<QWidget *> setRow = {m_setCaption, m_set[0],        m_separators[2],
+                                     m_set[1],     m_separators[3], m_set[2]};
+    layoutRow(runRow, fitRow(runRow, m_running[0]->font(), area, runHeight, 800), area, area.top(),
+              runHeight);
     const QFont setFont = fitRow(setRow, m_set[0]->font(), area, setHeight, setHeight * 11 / 20);
     layoutRow(setRow, setFont, area, area.bottom() - setHeight + 1, setHeight);
 }

@@ -41,7 +41,8 @@ private:
     int itemWidth(QWidget *item, const QFont &font) const;
     int rowWidth(const QList<QWidget *> &row, const QFont &font) const;
     // The largest font, up to `largest` pixels, at which the row fits the area's width and height.
-    QFont fitRow(const QList<QWidget *> &row, const QFont &base, const QRect &area, int height, int largest) const;
+    QFont fitRow(const QList<QWidget *> &row, const QFont &base, const QRect &area, int height,
+                 int largest) const;
     void layoutRow(const QList<QWidget *> &row, const QFont &font, const QRect &area, int top, int height);
 
     CountdownModel *m_model = nullptr;

@@ -11,7 +11,8 @@ void DialogTheming::apply(QWidget *panel, std::initializer_list<QWidget *> butto
     const Theme &t = CurrentTheme();
     QPalette pal = panel->palette();
     // Half-way between the text and the background reads as "off" on light and dark themes.
-    pal.setColor(QPalette::Disabled, QPalette::WindowText, ResolveColor(BlendColor(t.PanelColor, t.MainColor, 110)));
+    pal.setColor(QPalette::Disabled, QPalette::WindowText,
+                 ResolveColor(BlendColor(t.PanelColor, t.MainColor, 110)));
     panel->setPalette(pal);
     const QString css = PushButtonStyleSheet(t);
     for (QWidget *holder : buttons)

@@ -22,8 +22,8 @@
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
-#include <QTest>
 #include <QStyle>
+#include <QTest>
 #include <QTimer>
 #include <memory>
 
@@ -168,9 +168,12 @@ void TestTimeWindows::classicTimeIsCentred_data()
     QTest::addColumn<QString>("secs");
     QTest::addColumn<QString>("ampm");
     QTest::addColumn<QSize>("size");
-    QTest::newRow("all, default size") << "1" << "1" << QSize(370, 150);
-    QTest::newRow("hours and minutes, large") << "0" << "0" << QSize(700, 300);
-    QTest::newRow("seconds, small") << "1" << "0" << QSize(200, 90);
+    QTest::newRow("all, default size") << "1"
+                                       << "1" << QSize(370, 150);
+    QTest::newRow("hours and minutes, large") << "0"
+                                              << "0" << QSize(700, 300);
+    QTest::newRow("seconds, small") << "1"
+                                    << "0" << QSize(200, 90);
 }
 
 // The classic time keeps its trailing blank, yet what shows sits in the middle of the panel.
@@ -311,7 +314,8 @@ void TestTimeWindows::countdownDigitsStayInside()
         QVERIFY2(r.left() >= 4 && r.right() < panel->width() - 4, qPrintable(where));
         QVERIFY2(r.top() >= 0 && r.bottom() < panel->height(), qPrintable(where));
         // A line edit keeps 2 pixels each side of its text, more with a frame.
-        const int frame = field->hasFrame() ? 2 * field->style()->pixelMetric(QStyle::PM_DefaultFrameWidth) : 0;
+        const int frame =
+            field->hasFrame() ? 2 * field->style()->pixelMetric(QStyle::PM_DefaultFrameWidth) : 0;
         const int needed = field->fontMetrics().horizontalAdvance(QStringLiteral("00")) + 4 + frame;
         QVERIFY2(needed <= r.width(), qPrintable(where + QStringLiteral(" needs %1").arg(needed)));
     }
@@ -381,9 +385,9 @@ void TestTimeWindows::popupShowsTheWholeMessage_data()
     QTest::addColumn<QString>("message");
     QTest::newRow("short") << QStringLiteral("Tea");
     QTest::newRow("one line") << QStringLiteral("Time to stretch your legs and get a cup of tea");
-    QTest::newRow("several lines")
-        << QStringLiteral("Leave for the station now: the 17:42 is the last train that connects with the "
-                          "ferry, and the car park closes at six, so take the bicycle instead of the car.");
+    QTest::newRow("several lines") << QStringLiteral(
+        "Leave for the station now: the 17:42 is the last train that connects with the "
+        "ferry, and the car park closes at six, so take the bicycle instead of the car.");
     QTest::newRow("no message") << QString();
 }
 
@@ -410,7 +414,13 @@ void TestTimeWindows::popupShowsTheWholeMessage()
     const QRect buttons = child<QWidget>(popup, "pfrBUTTONS")->geometry();
     if (!message.isEmpty()) {
         QVERIFY(text->height() >= text->heightForWidth(text->width()));
-        QVERIFY2(text->geometry().bottom() < buttons.top(), qPrintable(QStringLiteral("%1 %2 %3 popup %4 panel %5").arg(text->geometry().bottom()).arg(buttons.top()).arg(text->minimumHeight()).arg(popup->height()).arg(panel->height())));
+        QVERIFY2(text->geometry().bottom() < buttons.top(),
+                 qPrintable(QStringLiteral("%1 %2 %3 popup %4 panel %5")
+                                .arg(text->geometry().bottom())
+                                .arg(buttons.top())
+                                .arg(text->minimumHeight())
+                                .arg(popup->height())
+                                .arg(panel->height())));
     }
     QVERIFY(panel->rect().contains(buttons));
     for (auto *b : popup->findChildren<QPushButton *>())
