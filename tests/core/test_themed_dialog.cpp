@@ -17,6 +17,7 @@ class TestThemedDialog : public QObject
 private slots:
     void enterAndEscape_data();
     void enterAndEscape();
+    void enterStartsTheWizardWithTheChoice_data();
     void enterStartsTheWizardWithTheChoice();
 };
 
@@ -66,17 +67,38 @@ void TestThemedDialog::enterAndEscape()
     QCOMPARE(finished.first().first().toInt(), result);
 }
 
+void TestThemedDialog::enterStartsTheWizardWithTheChoice_data()
+{
+    QTest::addColumn<int>("stored"); // -1: nothing stored yet
+    QTest::addColumn<QString>("keys");
+    QTest::addColumn<int>("choice");
+    QTest::newRow("first run: all widgets") << -1 << "" << 8;
+    QTest::newRow("kept choice") << 5 << "" << 5;
+    QTest::newRow("nine shows as all widgets") << 9 << "" << 8;
+    QTest::newRow("arrow key moves the choice") << 3 << "u" << 2;
+}
+
 void TestThemedDialog::enterStartsTheWizardWithTheChoice()
 {
+    QFETCH(int, stored);
+    QFETCH(QString, keys);
+    QFETCH(int, choice);
     TestHome home;
+    if (stored >= 0)
+        StartupDecisions::writeProgramChoice(stored);
     WizardDialog wizard;
     QSignalSpy started(&wizard, &WizardDialog::started);
     wizard.show();
     QVERIFY(QTest::qWaitForWindowActive(&wizard));
+    if (stored >= 0) // the kept option has the keyboard, as a user tabbing to it would
+        wizard.findChild<QWidget *>(QStringLiteral("optUSE_%1").arg(qMin(stored, 8)))->setFocus();
+    for (const QChar key : keys)
+        QTest::keyClick(QApplication::focusWidget(), key == QLatin1Char('d') ? Qt::Key_Down : Qt::Key_Up);
     QTest::keyClick(QApplication::focusWidget(), Qt::Key_Return);
 
     QCOMPARE(started.count(), 1);
-    QCOMPARE(StartupDecisions::readProgramChoice(), 8);
+    QCOMPARE(started.first().first().toInt(), choice);
+    QCOMPARE(StartupDecisions::readProgramChoice(), choice);
 }
 
 QTEST_MAIN(TestThemedDialog)
