@@ -522,7 +522,12 @@ void ThemeEditor::setStatus(const QString &text)
 void ThemeEditor::ThemeElementsUpdate()
 {
     ThemedDialog::ThemeElementsUpdate();
-    panel()->setStyleSheet(PushButtonStyleSheet(CurrentTheme()));
+    // Each button gets the sheet itself: a sheet on the panel would restyle every control on
+    // it and put back the panel's old palette on each change, leaving the labels in the
+    // previous theme's text colour.
+    const QString css = PushButtonStyleSheet(CurrentTheme());
+    for (QPushButton *button : panel()->findChildren<QPushButton *>())
+        button->setStyleSheet(css);
 }
 
 void ThemeEditor::done(int result)

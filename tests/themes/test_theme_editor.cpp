@@ -19,6 +19,7 @@
 #include <QSlider>
 #include <QTest>
 #include <QTreeWidget>
+#include <memory>
 
 class TestThemeEditor : public QObject
 {
@@ -120,6 +121,38 @@ private slots:
         QCOMPARE(CurrentTheme().BarAngle, 90);
         QTest::mouseClick(list->viewport(), Qt::LeftButton, {}, row.center());
         QCOMPARE(CurrentTheme().BarAngle, 45);
+    }
+
+    // The labels of the editor and the share window take the panel's text colour on every
+    // change of theme, not only the first.
+    void labelsFollowEachTheme_data()
+    {
+        QTest::addColumn<bool>("share");
+        QTest::newRow("editor") << false;
+        QTest::newRow("share") << true;
+    }
+
+    void labelsFollowEachTheme()
+    {
+        QFETCH(bool, share);
+        std::unique_ptr<ShareThemeDialog> shareDialog(share ? new ShareThemeDialog : nullptr);
+        QDialog *dialog = share ? static_cast<QDialog *>(shareDialog.get()) : m_editor;
+        dialog->show();
+        for (OleColor text : {OleColor(0x00FFC34F), OleColor(0x00203040), OleColor(0x0000FFFF)}) {
+            Theme t;
+            t.MainColor = 0x00100A05;
+            t.PanelColor = text;
+            SetCurrentTheme(t);
+            const QList<QLabel *> labels = dialog->findChildren<QLabel *>();
+            int checked = 0;
+            for (QLabel *label : labels) {
+                if (label->objectName() == QLatin1String("lablTITLE") || label->text().isEmpty())
+                    continue;
+                QCOMPARE(label->palette().color(QPalette::WindowText), ResolveColor(text));
+                ++checked;
+            }
+            QVERIFY(checked > 0);
+        }
     }
 
     void savingNeedsAName()
