@@ -87,6 +87,7 @@ bool QuestionContent(int number, const QString &, MessageContent *content)
         c.bar = MessageBar::YesNo;
         c.yesCaption = QStringLiteral("&Delete");
         c.noCaption = QStringLiteral("&Cancel");
+        c.noIsDefault = true; // a stray Enter must not delete the board
         break;
     default:
         return false;

@@ -22,6 +22,8 @@ struct MessageContent
     QString noCaption;
     QString cancelCaption;
     bool warning = false; // shown with an exclamation icon
+    // The "no" button is the default (Enter) where "yes" cannot be undone.
+    bool noIsDefault = false;
 };
 
 // Information message `number` (1-based) with `extraText` spliced in where it belongs. False

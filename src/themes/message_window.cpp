@@ -2,10 +2,10 @@
 
 #include "core/widget_frame.h"
 
+#include "core/window_dragger.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 #include "themes/themed_button.h"
-#include "core/window_dragger.h"
 
 #include <QApplication>
 #include <QHBoxLayout>
@@ -22,6 +22,10 @@ constexpr int kWidth = 400;
 // A long unbreakable word (a folder path) may widen the window up to this.
 constexpr int kMaxWidth = 720;
 constexpr int kBarHeight = 28;
+constexpr int kOutline = 1;
+// How much of the main colour the outline keeps; the rest is the panel's text colour, which
+// always stands out from the main colour.
+constexpr int kOutlineWeight = 170;
 
 QPushButton *makeButton(const QString &name, QWidget *parent)
 {
@@ -53,7 +57,9 @@ MessageWindow::MessageWindow(QWidget *parent) : QDialog(parent, Qt::Dialog | Qt:
     setMaximumWidth(kMaxWidth);
 
     auto *layout = new QVBoxLayout(this);
-    layout->setContentsMargins(0, 0, 0, 0);
+    // A one-pixel margin in which the window's own background shows as an outline, so that a
+    // message over a widget of the same colour (the timer's "Time Has Now Ended") stands apart.
+    layout->setContentsMargins(kOutline, kOutline, kOutline, kOutline);
     layout->setSpacing(0);
 
     m_barFrame = new PaintedFrame(QStringLiteral("pfrBAR"), this);
@@ -194,7 +200,8 @@ void MessageWindow::arrangeButtons(const MessageContent &content)
     m_btnYes->setText(content.yesCaption);
     m_btnNo->setText(content.noCaption);
     m_btnCancel->setText(content.cancelCaption);
-    m_btnYes->setDefault(true);
+    (content.noIsDefault ? m_btnNo : m_btnYes)->setDefault(true);
+    (content.noIsDefault ? m_btnYes : m_btnNo)->setDefault(false);
     setTabOrder(m_btnCancel, m_btnYes);
     setTabOrder(m_btnYes, m_btnNo);
 }
@@ -204,7 +211,7 @@ void MessageWindow::run(QWidget *owner)
     ApplyTheme(this);
     adjustSize();
     placeOver(owner);
-    (m_bar == MessageBar::Close ? m_btnClose : m_btnYes)->setFocus();
+    (m_bar == MessageBar::Close ? m_btnClose : m_btnNo->isDefault() ? m_btnNo : m_btnYes)->setFocus();
     m_running = true;
     exec();
     m_running = false;
@@ -245,7 +252,7 @@ void MessageWindow::ThemeElementsUpdate()
     const Theme &t = CurrentTheme();
     SetWindowOpacity(this, t.MainOpacity);
     QPalette pal = palette();
-    pal.setColor(QPalette::Window, ResolveColor(t.MainColor));
+    pal.setColor(QPalette::Window, ResolveColor(BlendColor(t.MainColor, t.PanelColor, kOutlineWeight)));
     setPalette(pal);
     setAutoFillBackground(true);
 

@@ -136,6 +136,26 @@ private slots:
         QVERIFY(!seen.captions.contains("btnCANCEL"));
     }
 
+    // Enter takes the default answer; deleting the board is never the default.
+    void enterTakesTheDefault_data()
+    {
+        QTest::addColumn<int>("number");
+        QTest::addColumn<int>("answer");
+        QTest::newRow("download") << 1 << 6;
+        QTest::newRow("delete board") << 4 << 7;
+        QTest::newRow("save after delete") << 2 << 6;
+    }
+
+    void enterTakesTheDefault()
+    {
+        QFETCH(int, number);
+        QFETCH(int, answer);
+        whenShown([](MessageWindow *w) {
+            QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : w, Qt::Key_Return);
+        });
+        QCOMPARE(AskQuestion(number), answer);
+    }
+
     void versionInQuestionOne()
     {
         Seen seen;
