@@ -28,15 +28,14 @@ double NormalizeGradientAngle(double angle);
 // from point.x (dy = point.x - centre.y), which the gradients' look depends on.
 QPointF RotatePoint(QPointF centre, QPointF point, double angle);
 
-// Paints the gradient over a client area of `size` pixels (origin at the painter's 0,0).
-// System-colour references below 25 are resolved from the palette first; other references are
-// used as they stand. Returns false, painting nothing, when the area is narrower or lower than
-// 2 pixels.
 // Entry i of the ramp of `steps` steps from colour 1 to colour 2 (entry 0 is colour 1, entry
 // `steps` colour 2); a ramp of 0 steps is colour 1 throughout. System-colour references below 25
 // are resolved from the palette; other references are used as they stand.
 OleColor GradientRampColor(OleColor color1, OleColor color2, int i, int steps);
 
+// Paints the gradient over a client area of `size` pixels (origin at the painter's 0,0), one
+// line per ramp entry. Returns false, painting nothing, when the area is narrower or lower than
+// 2 pixels.
 bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor color1, OleColor color2);
 
 // The same over a whole image.

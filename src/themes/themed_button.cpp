@@ -169,6 +169,8 @@ void ThemedButton::leaveEvent(QEvent *)
 
 void ThemedButton::mouseMoveEvent(QMouseEvent *event)
 {
+    // While the left button is held the pressed picture stays, so that a small wobble of the
+    // mouse during a click does not flash the highlight.
     if (m_shownKind != Picture::Pressed || !(event->buttons() & Qt::LeftButton))
         hover();
 }

@@ -6,8 +6,12 @@
 
 class QTimer;
 
-// The small picture button of widget bars (close, refresh): a normal, a highlight and a pressed
-// picture, a hand cursor, and back to normal within 100 ms of the mouse leaving.
+// uctl_BTN, the small picture button of widget bars (close, refresh): a normal, a highlight and
+// a pressed picture, a hand cursor, and back to normal within 100 ms of the mouse leaving.
+//
+// The picture shown (imgMAIN) fills the whole control, with no one-pixel strip left over: the
+// drawn close glyph is rendered at the control's size, so a shorter picture would only let the
+// host show through along one edge.
 class ThemedButton : public QWidget
 {
     Q_OBJECT
@@ -69,10 +73,10 @@ private:
     void renderCloseGlyph();
     const QPixmap *pictureFor(Picture kind) const;
 
-    QPixmap m_normal;
-    QPixmap m_highlight;
-    QPixmap m_pressed;
-    const QPixmap *m_shown = &m_normal;
+    QPixmap m_normal;                   // imgNML
+    QPixmap m_highlight;                // imgHL
+    QPixmap m_pressed;                  // imgPRESS
+    const QPixmap *m_shown = &m_normal; // imgMAIN shows one of the three
     Picture m_shownKind = Picture::Normal;
     QTimer *m_colorCheck = nullptr; // tmrCOLORCHK
     QColor m_backColor;
