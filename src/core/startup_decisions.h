@@ -21,7 +21,10 @@ public:
         bool openWebcam = false;     // "Start-Webcam"
         bool startMinimised = false; // "Program Minimize on Start", all-widgets mode only
         QList<int> widgetsToOpen;    // start-load flags that are set, in index order
-        bool startHidden = false;    // "Start-Show or Hide" is "Hidden"
+        // "Start-Show or Hide" is "Hidden": the all-widgets start leaves the dashboard in the
+        // tray instead of showing it (the widgets it opens still show). Nothing in the program
+        // writes the value; it is a hand-set preference, honoured only while a tray exists.
+        bool startHidden = false;
     };
 
     // "Program-Choice" under "msg_WIZ\Details"; missing or non-numeric text gives -1.
