@@ -140,9 +140,15 @@ void RestoreWindowPlacement(QWidget *window, bool withSize)
     if (withSize) {
         if (!restoreState(window, key))
             return;
-        const double height = readNumber(key, kHeight, PixelsToTwips(window->height(), dpi));
-        const double width = readNumber(key, kWidth, PixelsToTwips(window->width(), dpi));
-        window->resize(TwipsToPixels(width, dpi), TwipsToPixels(height, dpi));
+        // A size of no pixels would leave a window nobody can see or reach: such a value is
+        // refused like any other unusable one, and that side keeps its present length.
+        const auto readLength = [&](const QString &name, int currentPixels) {
+            const int pixels = TwipsToPixels(readNumber(key, name, PixelsToTwips(currentPixels, dpi)), dpi);
+            return pixels > 0 ? pixels : currentPixels;
+        };
+        const int height = readLength(kHeight, window->height());
+        const int width = readLength(kWidth, window->width());
+        window->resize(width, height);
     }
 
     const QScreen *screen = screenOf(window);

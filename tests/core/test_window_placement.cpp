@@ -50,6 +50,7 @@ private slots:
     void minimisedComesBackMaximised();
     void offScreenAxisIsCentred();
     void positionOnlyLeavesSizeAlone();
+    void unreadableValuesChangeNothing_data();
     void unreadableValuesChangeNothing();
 };
 
@@ -175,11 +176,24 @@ void TestWindowPlacement::positionOnlyLeavesSizeAlone()
     QCOMPARE(other.pos(), window.pos());
 }
 
+void TestWindowPlacement::unreadableValuesChangeNothing_data()
+{
+    QTest::addColumn<QString>("width");
+    QTest::addColumn<QSize>("size");
+    QTest::newRow("not a number") << "wide" << QSize(300, 150);
+    QTest::newRow("negative") << "-500" << QSize(300, 150);
+    QTest::newRow("zero") << "0" << QSize(300, 150);
+    QTest::newRow("under half a pixel") << "5" << QSize(300, 150);
+    QTest::newRow("usable") << twips(250) << QSize(250, 150);
+}
+
 void TestWindowPlacement::unreadableValuesChangeNothing()
 {
+    QFETCH(QString, width);
+    QFETCH(QSize, size);
     TestHome home;
     store(QStringLiteral("Window State"), QStringLiteral("abc"));
-    store(QStringLiteral("Width"), QStringLiteral("wide"));
+    store(QStringLiteral("Width"), width);
     store(QStringLiteral("Height"), twips(150));
     QWidget window;
     window.setObjectName(QStringLiteral("fnte_IDX"));
@@ -187,7 +201,7 @@ void TestWindowPlacement::unreadableValuesChangeNothing()
     window.move(area().topLeft() + QPoint(7, 8));
     RestoreWindowPlacement(&window, true);
     QCOMPARE(window.windowState(), Qt::WindowNoState);
-    QCOMPARE(window.size(), QSize(300, 150));
+    QCOMPARE(window.size(), size);
     QCOMPARE(window.pos(), area().topLeft() + QPoint(7, 8));
 }
 
