@@ -9,9 +9,9 @@
 // first-run choice made: the dashboard is the first window). Goal: at most 200 ms and 50 MB.
 // Uses the offscreen platform unless a display is set.
 
-#include "core/application_start.h"
-#include "core/dashboard_window.h"
 #include "core/settings_store.h"
+#include "shell/application_start.h"
+#include "shell/dashboard_window.h"
 
 #include <QApplication>
 #include <QElapsedTimer>

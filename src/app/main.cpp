@@ -1,4 +1,4 @@
-#include "core/application_start.h"
+#include "shell/application_start.h"
 
 #include <QApplication>
 #include <QIcon>

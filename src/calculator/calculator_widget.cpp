@@ -2,10 +2,10 @@
 
 #include "calculator/calculator_display.h"
 #include "core/settings_store.h"
-#include "core/themed_chrome.h"
 #include "core/widget_index.h"
 #include "themes/painted_frame.h"
 #include "themes/themed_button.h"
+#include "themes/themed_chrome.h"
 
 #include <QClipboard>
 #include <QFontMetrics>

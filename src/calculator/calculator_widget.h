@@ -2,7 +2,7 @@
 
 #include "calculator/calculator_engine.h"
 #include "calculator/calculator_key.h"
-#include "core/widget_window.h"
+#include "themes/widget_window.h"
 
 #include <QHash>
 #include <QList>

@@ -1,7 +1,7 @@
 #pragma once
 
-#include "core/themed_dialog.h"
 #include "themes/theme.h"
+#include "themes/themed_dialog.h"
 
 #include <functional>
 

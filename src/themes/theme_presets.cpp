@@ -1,8 +1,8 @@
 #include "themes/theme_presets.h"
 
 #include "core/app_paths.h"
-#include "core/message_box.h"
 #include "themes/ini_file.h"
+#include "themes/message_box.h"
 #include "themes/preset_file.h"
 #include "themes/theme_painter.h"
 

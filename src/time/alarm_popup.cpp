@@ -1,10 +1,10 @@
 #include "time/alarm_popup.h"
 
-#include "core/widget_glyphs.h"
 #include "core/widget_index.h"
 #include "themes/painted_frame.h"
 #include "themes/theme.h"
 #include "themes/theme_painter.h"
+#include "themes/widget_glyphs.h"
 #include "time/alarm_dialog.h"
 #include "time/dialog_theming.h"
 

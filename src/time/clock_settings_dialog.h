@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/themed_dialog.h"
+#include "themes/themed_dialog.h"
 
 class QCheckBox;
 class QLabel;

@@ -1,8 +1,8 @@
 #include "time/countdown_model.h"
 
-#include "core/message_box.h"
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
+#include "themes/message_box.h"
 
 namespace {
 const char *const kValueNames[3] = {"Timer-Interval-hrs", "Timer-Interval-mins", "Timer-Interval-secs"};

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/widget_window.h"
+#include "themes/widget_window.h"
 
 class ClickableLabel;
 class HoverCheck;

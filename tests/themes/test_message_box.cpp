@@ -1,5 +1,5 @@
-#include "core/message_box.h"
 #include "support/test_home.h"
+#include "themes/message_box.h"
 #include "themes/message_window.h"
 
 #include <QApplication>

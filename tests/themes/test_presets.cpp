@@ -1,7 +1,7 @@
 #include "core/app_paths.h"
-#include "core/message_box.h"
 #include "support/test_home.h"
 #include "themes/ini_file.h"
+#include "themes/message_box.h"
 #include "themes/preset_file.h"
 #include "themes/theme_painter.h"
 #include "themes/theme_presets.h"

@@ -1,7 +1,7 @@
 #include "core/app_paths.h"
-#include "core/message_box.h"
 #include "core/settings_store.h"
 #include "support/test_home.h"
+#include "themes/message_box.h"
 #include "themes/painted_frame.h"
 #include "themes/preset_file.h"
 #include "themes/share_theme_dialog.h"

@@ -1,7 +1,7 @@
-#include "core/message_box.h"
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
 #include "support/test_home.h"
+#include "themes/message_box.h"
 #include "time/countdown_model.h"
 
 #include <QTest>

@@ -1,0 +1,225 @@
+#include "shell/application_start.h"
+
+#include "core/data_folders.h"
+#include "core/settings_store.h"
+#include "core/shipped_data.h"
+#include "core/widget_frame.h"
+#include "shell/builtin_widgets.h"
+#include "shell/dashboard_window.h"
+#include "shell/program_settings_model.h"
+#include "shell/shell_tools.h"
+#include "shell/startup_decisions.h"
+#include "shell/tray_icon.h"
+#include "shell/widget_context_menu.h"
+#include "shell/widget_registry.h"
+#include "themes/share_theme_dialog.h"
+#include "themes/theme.h"
+#include "themes/theme_editor.h"
+#include "themes/theme_presets.h"
+#include "time/scheduler_window.h"
+
+#include <QApplication>
+#include <QTimer>
+#include <QWindow>
+
+namespace {
+// Dialogs and the hidden windows' texts never go below this size.
+constexpr int kMinimumFontPoints = 8;
+constexpr int kShippedDataDelayMs = 1000;
+} // namespace
+
+ApplicationStart::ApplicationStart(QObject *parent) : QObject(parent) {}
+
+ApplicationStart::~ApplicationStart()
+{
+    SetSettingsProblemHandler({});
+    SetContextMenuHandler({});
+    delete m_tray;
+    delete m_dashboard;
+    delete m_scheduler; // the context menu is its child
+}
+
+DashboardWindow *ApplicationStart::dashboard() const
+{
+    return m_dashboard;
+}
+
+TrayIcon *ApplicationStart::tray() const
+{
+    return m_tray;
+}
+
+WidgetContextMenu *ApplicationStart::contextMenu() const
+{
+    return m_menu;
+}
+
+SchedulerWindow *ApplicationStart::scheduler() const
+{
+    return m_scheduler;
+}
+
+void ApplicationStart::run()
+{
+    // From the first read on: a settings file that is partly unreadable, or cannot be saved.
+    SetSettingsProblemHandler([this](const QString &message) { addNotice(message); });
+    prepareValues();
+    QCoreApplication::processEvents();
+    prepareData();
+    m_choice = StartupDecisions::readProgramChoice();
+    loadWindows();
+    m_dashboard->StartUpdateCheck(false);
+
+    bool handedOver = false;
+    if (StartupDecisions::showsWizard(m_choice)) {
+        handedOver = m_dashboard->openWizard();
+        m_choice = m_dashboard->IndxSel();
+    }
+    QCoreApplication::processEvents();
+    // The wizard's Start has already handed over; a wizard closed without a choice leaves
+    // -1, which shows the dashboard.
+    if (!handedOver)
+        m_dashboard->handOverAtStart(m_choice);
+    if (!m_notices.isEmpty() && !m_dashboard->isVisible() && TrayIcon::isAvailable())
+        m_tray->systemTrayIcon()->showMessage(QStringLiteral("Vantora"), m_notices.join(QLatin1Char(' ')),
+                                              QSystemTrayIcon::Warning);
+}
+
+void ApplicationStart::prepareValues()
+{
+    // Widgets stand alone while the dashboard waits in the tray: closing the last visible
+    // window must not end the program; only the dashboard's Exit does.
+    QApplication::setQuitOnLastWindowClosed(false);
+    QFont font = QApplication::font();
+    if (font.pointSizeF() > 0 && font.pointSizeF() < kMinimumFontPoints) {
+        font.setPointSize(kMinimumFontPoints);
+        QApplication::setFont(font);
+    }
+    const ProgramSettingsModel::Values settings = ProgramSettingsModel::load();
+    ProgramSettingsModel::setWebcamIntervalSeconds(
+        ProgramSettingsModel::intervalSeconds(settings.timerInterval));
+}
+
+void ApplicationStart::prepareData()
+{
+    LoadThemeFromRegistry();
+    PrepareAllDataFolders();
+    registerWidgetsOnce();
+    registerTools();
+    // Copying the shipped presets and dictionaries takes longer than everything else on a first
+    // run, and nothing needs them before the user acts: it waits for the first window (or a
+    // second, when the start shows none).
+    qApp->installEventFilter(this);
+    QTimer::singleShot(kShippedDataDelayMs, this, &ApplicationStart::installShippedData);
+}
+
+void ApplicationStart::registerTools()
+{
+    ShellTools::setLauncher(ShellTools::ThemeEditor, [](QWidget *) { ThemeEditor::showEditor(); });
+    ShellTools::setLauncher(ShellTools::ShareTheme, [](QWidget *) { ShareThemeDialog::showDialog(); });
+    // TODO(webcam): the webcam viewer (mdb_WCM) is not in this build yet. Its part registers
+    // ShellTools::WebcamViewer here; until then the Webcam items stay disabled and a stored
+    // "Start-Webcam" opens nothing.
+}
+
+bool ApplicationStart::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Expose) {
+        auto *window = qobject_cast<QWindow *>(watched);
+        if (window && window->isExposed())
+            QTimer::singleShot(0, this, &ApplicationStart::installShippedData);
+    }
+    return QObject::eventFilter(watched, event);
+}
+
+void ApplicationStart::installShippedData()
+{
+    if (m_shippedDataInstalled)
+        return;
+    m_shippedDataInstalled = true;
+    qApp->removeEventFilter(this);
+    InstallMissingPresets();
+    QString problem;
+    if (!InstallMissingDictionaries(&problem))
+        addNotice(problem);
+}
+
+void ApplicationStart::addNotice(const QString &message)
+{
+    if (message.isEmpty() || m_notices.contains(message))
+        return;
+    m_notices.append(message);
+    if (!m_dashboard)
+        return; // shown once the dashboard is loaded
+    m_dashboard->setNotice(m_notices.join(QStringLiteral("\n\n")));
+    // A hidden dashboard shows nothing: the tray says it instead.
+    if (m_tray && !m_dashboard->isVisible() && TrayIcon::isAvailable())
+        m_tray->systemTrayIcon()->showMessage(QStringLiteral("Vantora"), message, QSystemTrayIcon::Warning);
+}
+
+void ApplicationStart::registerWidgetsOnce()
+{
+    static bool registered = false;
+    if (registered)
+        return;
+    registered = true;
+    RegisterBuiltInWidgets();
+}
+
+void ApplicationStart::loadWindows()
+{
+    m_dashboard = new DashboardWindow;
+    m_dashboard->setIndxSel(m_choice);
+    connect(m_dashboard, &DashboardWindow::unloaded, this, &ApplicationStart::end);
+
+    m_scheduler = new SchedulerWindow;
+    m_menu = new WidgetContextMenu(m_scheduler);
+    m_dashboard->attachContextMenu(m_menu);
+    SetContextMenuHandler([this](QWidget *window, const QPoint &pos) { popUpContextMenu(window, pos); });
+
+    m_dashboard->loadDashboard(m_choice);
+
+    m_tray = new TrayIcon;
+    m_tray->setTooltip(QStringLiteral("Vantora"));
+    m_tray->setContextMenu(m_menu);
+    m_tray->TraySetIcon(m_dashboard);
+    if (!m_notices.isEmpty())
+        m_dashboard->setNotice(m_notices.join(QStringLiteral("\n\n")));
+
+    connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
+            &ApplicationStart::keepSomethingOnScreen);
+}
+
+void ApplicationStart::popUpContextMenu(QWidget *window, const QPoint &globalPos)
+{
+    if (m_menu && m_dashboard)
+        m_menu->popUpFor(window, m_dashboard->isVisible(), globalPos);
+}
+
+void ApplicationStart::keepSomethingOnScreen()
+{
+    // Without a tray icon a hidden dashboard and no widget would leave a program nobody can
+    // reach; bring the dashboard back instead.
+    if (TrayIcon::isAvailable() || !m_dashboard || m_dashboard->isUnloading() || m_dashboard->isVisible())
+        return;
+    if (WidgetRegistry::instance().openWidgets().isEmpty())
+        m_dashboard->showDashboard();
+}
+
+void ApplicationStart::end()
+{
+    SetSettingsProblemHandler({});
+    SetContextMenuHandler({});
+    // Exit may have been chosen from the shared menu, whose own handler is still running and
+    // touches the menu after its signal returns: the scheduler (the menu's parent) and the tray
+    // go once control is back in the event loop. The icon leaves the tray at once.
+    if (m_tray) {
+        m_tray->systemTrayIcon()->hide();
+        m_tray->deleteLater();
+    }
+    if (m_scheduler)
+        m_scheduler->deleteLater();
+    // Queued: the dashboard is still inside its close handler.
+    QTimer::singleShot(0, qApp, &QCoreApplication::quit);
+    emit ended();
+}

@@ -1,0 +1,17 @@
+#include "shell/builtin_widgets.h"
+
+#include "calculator/calculator_widget.h"
+#include "core/widget_index.h"
+#include "shell/widget_registry.h"
+#include "time/clock_widget.h"
+#include "time/countdown_widget.h"
+#include "time/stopwatch_widget.h"
+
+void RegisterBuiltInWidgets()
+{
+    WidgetRegistry &registry = WidgetRegistry::instance();
+    registry.registerWidget(WidgetClock, [] { return new ClockWidget; });
+    registry.registerWidget(WidgetCalculator, [] { return new CalculatorWidget; });
+    registry.registerWidget(WidgetStopwatch, [] { return new StopwatchWidget; });
+    registry.registerWidget(WidgetTimer, [] { return new CountdownWidget; });
+}

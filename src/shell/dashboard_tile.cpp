@@ -1,0 +1,194 @@
+#include "shell/dashboard_tile.h"
+
+#include "core/widget_index.h"
+#include "themes/widget_glyphs.h"
+
+#include <QKeyEvent>
+#include <QPainter>
+#include <QPainterPath>
+
+DashboardTile::DashboardTile(int widgetIndex, QWidget *parent) : QAbstractButton(parent), m_index(widgetIndex)
+{
+    setObjectName(QStringLiteral("btnWIDGET_%1").arg(widgetIndex));
+    setText(WidgetDisplayName(widgetIndex));
+    setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::PointingHandCursor);
+    setAttribute(Qt::WA_Hover);
+    updateDescription();
+}
+
+void DashboardTile::setSelected(bool selected)
+{
+    if (m_selected == selected)
+        return;
+    m_selected = selected;
+    update();
+}
+
+void DashboardTile::setOpenState(bool open)
+{
+    if (m_open == open)
+        return;
+    m_open = open;
+    updateDescription();
+    update();
+}
+
+void DashboardTile::setAvailable(bool available)
+{
+    m_available = available;
+    updateDescription();
+    update();
+}
+
+void DashboardTile::setColors(const QColor &text, const QColor &accent)
+{
+    m_text = text;
+    m_accent = accent;
+    update();
+}
+
+void DashboardTile::updateDescription()
+{
+    const QString name = WidgetDisplayName(m_index);
+    QString state;
+    if (!m_available) {
+        setToolTip(tr("%1 is not part of this version").arg(name));
+        state = tr("not available");
+    } else if (m_open) {
+        setToolTip(tr("%1 is open: double-click or press Enter to close it").arg(name));
+        state = tr("open");
+    } else {
+        setToolTip(tr("Double-click or press Enter to open %1").arg(name));
+        state = tr("closed");
+    }
+    setAccessibleName(name);
+    setAccessibleDescription(state);
+}
+
+QSize DashboardTile::sizeHint() const
+{
+    const QFontMetrics fm(font());
+    const int width =
+        qMax(fm.horizontalAdvance(QStringLiteral("Whiteboard")) + fm.height() * 2, fm.height() * 7);
+    return QSize(width, fm.height() * 6);
+}
+
+QSize DashboardTile::minimumSizeHint() const
+{
+    const QFontMetrics fm(font());
+    return QSize(fm.height() * 5, fm.height() * 5);
+}
+
+void DashboardTile::paintEvent(QPaintEvent *)
+{
+    QPainter p(this);
+    p.setRenderHint(QPainter::Antialiasing);
+    const QFontMetrics fm(font());
+    const qreal radius = fm.height() * 0.45;
+    const QRectF box = QRectF(rect()).adjusted(2, 2, -2, -2);
+
+    // Everything is drawn in the panel's text colour at different strengths, so the tiles read
+    // well on any theme's panel.
+    auto ink = [this](qreal alpha) {
+        QColor c = m_text;
+        c.setAlphaF(alpha);
+        return c;
+    };
+    qreal fillAlpha = m_hovered && m_available ? 0.14 : 0.07;
+    if (m_open)
+        fillAlpha += 0.16;
+    QPen border(m_selected ? ink(1.0) : ink(0.25));
+    border.setWidthF(m_selected ? 2.0 : 1.0);
+    p.setPen(border);
+    p.setBrush(ink(fillAlpha));
+    p.drawRoundedRect(box, radius, radius);
+
+    if (hasFocus()) {
+        p.setPen(QPen(ink(0.8), 1, Qt::DotLine));
+        p.setBrush(Qt::NoBrush);
+        p.drawRoundedRect(box.adjusted(4, 4, -4, -4), radius * 0.7, radius * 0.7);
+    }
+
+    const QColor content = ink(m_available ? 1.0 : 0.35);
+    const qreal glyphSide = qMin(box.width(), box.height()) * 0.42;
+    const QRectF glyphBox(box.center().x() - glyphSide / 2, box.top() + fm.height() * 0.6, glyphSide,
+                          glyphSide);
+    WidgetGlyphs::paint(p, m_index, glyphBox, content);
+
+    p.setPen(content);
+    QFont nameFont = font();
+    nameFont.setBold(m_open);
+    p.setFont(nameFont);
+    const QRectF nameBox(box.left(), glyphBox.bottom() + fm.height() * 0.3, box.width(), fm.height() * 1.2);
+    p.drawText(nameBox, Qt::AlignCenter, fm.elidedText(text(), Qt::ElideRight, int(box.width()) - 8));
+
+    // A dot marks an open widget, so the state does not rest on shading alone.
+    if (m_open) {
+        const qreal dot = fm.height() * 0.5;
+        p.setPen(QPen(m_accent, 1.5));
+        p.setBrush(m_text);
+        p.drawEllipse(QRectF(box.right() - dot * 2, box.top() + dot, dot, dot));
+    }
+}
+
+void DashboardTile::mousePressEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton) {
+        setFocus(Qt::MouseFocusReason);
+        emit selectRequested(m_index);
+    }
+    QAbstractButton::mousePressEvent(event);
+}
+
+void DashboardTile::mouseDoubleClickEvent(QMouseEvent *event)
+{
+    if (event->button() == Qt::LeftButton && m_available)
+        emit toggleRequested(m_index);
+}
+
+void DashboardTile::keyPressEvent(QKeyEvent *event)
+{
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+    case Qt::Key_Space:
+        if (m_available)
+            emit toggleRequested(m_index);
+        return;
+    case Qt::Key_Left:
+        emit moveRequested(m_index, -1, 0);
+        return;
+    case Qt::Key_Right:
+        emit moveRequested(m_index, 1, 0);
+        return;
+    case Qt::Key_Up:
+        emit moveRequested(m_index, 0, -1);
+        return;
+    case Qt::Key_Down:
+        emit moveRequested(m_index, 0, 1);
+        return;
+    default:
+        QAbstractButton::keyPressEvent(event);
+    }
+}
+
+void DashboardTile::focusInEvent(QFocusEvent *event)
+{
+    QAbstractButton::focusInEvent(event);
+    emit selectRequested(m_index);
+}
+
+void DashboardTile::enterEvent(QEnterEvent *event)
+{
+    m_hovered = true;
+    update();
+    QAbstractButton::enterEvent(event);
+}
+
+void DashboardTile::leaveEvent(QEvent *event)
+{
+    m_hovered = false;
+    update();
+    QAbstractButton::leaveEvent(event);
+}

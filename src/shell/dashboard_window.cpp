@@ -1,0 +1,542 @@
+#include "shell/dashboard_window.h"
+
+#include "core/settings_store.h"
+#include "core/widget_index.h"
+#include "core/window_placement.h"
+#include "shell/about_dialog.h"
+#include "shell/dashboard_tile.h"
+#include "shell/program_settings_dialog.h"
+#include "shell/shell_tools.h"
+#include "shell/startup_decisions.h"
+#include "shell/tray_icon.h"
+#include "shell/update_check.h"
+#include "shell/widget_context_menu.h"
+#include "shell/widget_registry.h"
+#include "shell/wizard_dialog.h"
+#include "themes/painted_frame.h"
+#include "themes/theme_painter.h"
+#include "themes/widget_window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QIcon>
+#include <QLabel>
+#include <QMenuBar>
+#include <QPushButton>
+#include <QScreen>
+#include <QTimer>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kColumns = 4;
+const QString kSettings = QStringLiteral("mdb_SET");
+
+enum ShowHideMode
+{
+    HideAll = 1,
+    ShowAll = 2
+};
+
+bool isWidgetIndex(int index)
+{
+    return index >= 0 && index < WidgetCount;
+}
+
+void setTextColor(QWidget *w, const QColor &color)
+{
+    QPalette pal = w->palette();
+    pal.setColor(QPalette::WindowText, color);
+    w->setPalette(pal);
+}
+
+} // namespace
+
+DashboardWindow::DashboardWindow(QWidget *parent) : QMainWindow(parent), m_updateCheck(new UpdateCheck(this))
+{
+    setObjectName(QStringLiteral("mdb_IDX"));
+    setWindowTitle(QStringLiteral("Vantora Dashboard"));
+    setWindowIcon(QIcon(QStringLiteral(":/icons/vantora.svg")));
+    buildMenus();
+    buildBody();
+
+    WidgetRegistry &registry = WidgetRegistry::instance();
+    connect(&registry, &WidgetRegistry::widgetOpened, this, &DashboardWindow::refreshState);
+    connect(&registry, &WidgetRegistry::widgetClosed, this, &DashboardWindow::refreshState);
+    refreshState();
+    resize(sizeHint());
+}
+
+DashboardWindow::~DashboardWindow() = default;
+
+void DashboardWindow::buildMenus()
+{
+    QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("mnuFILE"));
+    QAction *settings =
+        file->addAction(QStringLiteral("&Program Settings..."), this, &DashboardWindow::openProgramSettings);
+    settings->setObjectName(QStringLiteral("mnuSETTINGS"));
+    file->addSeparator();
+    QAction *exit = file->addAction(QStringLiteral("E&xit"), this, &DashboardWindow::exitProgram);
+    exit->setObjectName(QStringLiteral("mnuEXIT"));
+    exit->setShortcut(QKeySequence::Quit);
+
+    QMenu *widgets = menuBar()->addMenu(QStringLiteral("&Widgets"));
+    widgets->setObjectName(QStringLiteral("mnuWIDGETS"));
+    static const char *const kCaptions[] = {"&Alarm Clock", "Calc&ulator", "Calen&dar",   "&Notes",
+                                            "&Stopwatch",   "&Timer",      "Whiteb&oard", "&Weather"};
+    for (int i = 0; i < WidgetCount; ++i) {
+        QAction *item = widgets->addAction(QString::fromLatin1(kCaptions[i]));
+        item->setObjectName(QStringLiteral("mnuWIDGET_%1").arg(i));
+        item->setCheckable(true);
+        item->setShortcut(QKeySequence(Qt::CTRL | Qt::Key(Qt::Key_1 + i)));
+        connect(item, &QAction::triggered, this, [this, i] { toggleWidget(i); });
+        m_widgetItems[i] = item;
+    }
+    widgets->addSeparator();
+    m_showAllItem = widgets->addAction(QStringLiteral("&Show All Opened Widgets"), this,
+                                       [this] { ShowHideAll(ShowAll); });
+    m_showAllItem->setObjectName(QStringLiteral("mnuSHOWALL"));
+    m_hideAllItem = widgets->addAction(QStringLiteral("&Hide All Opened Widgets"), this,
+                                       [this] { ShowHideAll(HideAll); });
+    m_hideAllItem->setObjectName(QStringLiteral("mnuHIDEALL"));
+
+    QMenu *tools = menuBar()->addMenu(QStringLiteral("&Tools"));
+    tools->setObjectName(QStringLiteral("mnuTOOLS"));
+    m_themeItem =
+        tools->addAction(QStringLiteral("Edit &Theme Settings..."), this, &DashboardWindow::openThemeEditor);
+    m_themeItem->setObjectName(QStringLiteral("mnuTHEME"));
+    m_webcamItem =
+        tools->addAction(QStringLiteral("W&ebcam Wallpaper..."), this, &DashboardWindow::openWebcam);
+    m_webcamItem->setObjectName(QStringLiteral("mnuWEBCAM"));
+    m_shareItem = tools->addAction(QStringLiteral("Sha&re Theme..."), this, &DashboardWindow::openShareTheme);
+    m_shareItem->setObjectName(QStringLiteral("mnuSHARE"));
+    // Tools become available as their parts register; look again each time the menu opens.
+    connect(tools, &QMenu::aboutToShow, this, &DashboardWindow::refreshState);
+
+    QMenu *help = menuBar()->addMenu(QStringLiteral("&Help"));
+    help->setObjectName(QStringLiteral("mnuHELP"));
+    QAction *wizard = help->addAction(QStringLiteral("Wi&zard Setup..."), this, &DashboardWindow::openWizard);
+    wizard->setObjectName(QStringLiteral("mnuWIZARD"));
+    QAction *update =
+        help->addAction(QStringLiteral("Check for &Updates..."), this, [this] { StartUpdateCheck(true); });
+    update->setObjectName(QStringLiteral("mnuUPDATE"));
+    update->setVisible(UpdateCheck::isEnabled());
+    help->addSeparator();
+    QAction *about = help->addAction(QStringLiteral("&About Vantora..."), this, &DashboardWindow::openAbout);
+    about->setObjectName(QStringLiteral("mnuABOUT"));
+}
+
+void DashboardWindow::buildBody()
+{
+    auto *body = new QWidget;
+    auto *layout = new QVBoxLayout(body);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    const int em = fontMetrics().height();
+
+    m_bar = new PaintedFrame(QStringLiteral("pfrBAR"));
+    auto *barLayout = new QHBoxLayout(m_bar);
+    barLayout->setContentsMargins(em, em * 2 / 3, em, em * 2 / 3);
+    barLayout->setSpacing(em * 2 / 3);
+    auto *icon = new QLabel;
+    icon->setObjectName(QStringLiteral("imgICON"));
+    icon->setPixmap(windowIcon().pixmap(em * 2 + em / 2, em * 2 + em / 2));
+    barLayout->addWidget(icon);
+    auto *names = new QVBoxLayout;
+    names->setSpacing(0);
+    m_title = new QLabel(QStringLiteral("Vantora"));
+    m_title->setObjectName(QStringLiteral("lablTITLE"));
+    m_subtitle = new QLabel(QStringLiteral("Your desktop widgets"));
+    m_subtitle->setObjectName(QStringLiteral("lblSUBTITLE"));
+    names->addWidget(m_title);
+    names->addWidget(m_subtitle);
+    barLayout->addLayout(names);
+    barLayout->addStretch(1);
+    auto *weather = new QVBoxLayout;
+    weather->setSpacing(0);
+    m_weatherTemp = new QLabel;
+    m_weatherTemp->setObjectName(QStringLiteral("lblWEATHERTEMP"));
+    m_weatherTemp->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    m_weatherDesc = new QLabel;
+    m_weatherDesc->setObjectName(QStringLiteral("lblWEATHERDESC"));
+    m_weatherDesc->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    weather->addWidget(m_weatherTemp);
+    weather->addWidget(m_weatherDesc);
+    barLayout->addLayout(weather);
+    setWeatherSummary(QString(), QString());
+    layout->addWidget(m_bar);
+
+    m_panel = new PaintedFrame(QStringLiteral("pfrPANEL"));
+    auto *panelLayout = new QVBoxLayout(m_panel);
+    panelLayout->setContentsMargins(em, em, em, em * 2 / 3);
+    panelLayout->setSpacing(em * 2 / 3);
+    auto *grid = new QGridLayout;
+    grid->setSpacing(em / 2);
+    for (int i = 0; i < WidgetCount; ++i) {
+        auto *tile = new DashboardTile(i);
+        connect(tile, &DashboardTile::selectRequested, this, &DashboardWindow::setIndxSel);
+        connect(tile, &DashboardTile::toggleRequested, this, &DashboardWindow::toggleWidget);
+        connect(tile, &DashboardTile::moveRequested, this, &DashboardWindow::moveSelection);
+        grid->addWidget(tile, i / kColumns, i % kColumns);
+        m_tiles[i] = tile;
+    }
+    panelLayout->addLayout(grid, 1);
+
+    m_notice = new QLabel;
+    m_notice->setObjectName(QStringLiteral("lblNOTICE"));
+    m_notice->setWordWrap(true);
+    m_notice->hide();
+    panelLayout->addWidget(m_notice);
+
+    auto *footer = new QHBoxLayout;
+    m_hint = new QLabel(
+        QStringLiteral("Double-click a widget, or select it and press Enter, to open or close it."));
+    m_hint->setObjectName(QStringLiteral("lblHINT"));
+    m_hint->setWordWrap(true);
+    footer->addWidget(m_hint, 1);
+    m_open = new QPushButton(QStringLiteral(" Open "));
+    m_open->setObjectName(QStringLiteral("btnOPEN"));
+    m_open->setFocusPolicy(Qt::TabFocus);
+    connect(m_open, &QPushButton::clicked, this, [this] {
+        if (WidgetRegistry::instance().isOpen(m_indxSel))
+            closeSelectedWidget();
+        else
+            openSelectedWidget();
+    });
+    footer->addWidget(m_open);
+    panelLayout->addLayout(footer);
+    layout->addWidget(m_panel, 1);
+
+    setCentralWidget(body);
+    for (int i = 0; i + 1 < WidgetCount; ++i)
+        setTabOrder(m_tiles[i], m_tiles[i + 1]);
+    setTabOrder(m_tiles[WidgetCount - 1], m_open);
+}
+
+void DashboardWindow::setIndxSel(int index)
+{
+    m_indxSel = index;
+    for (DashboardTile *tile : m_tiles)
+        tile->setSelected(tile->widgetIndex() == index);
+    if (isWidgetIndex(index) && isVisible() && !m_tiles[index]->hasFocus() && isActiveWindow())
+        m_tiles[index]->setFocus(Qt::OtherFocusReason);
+    refreshState();
+}
+
+void DashboardWindow::moveSelection(int from, int dx, int dy)
+{
+    int column = from % kColumns + dx;
+    int row = from / kColumns + dy;
+    const int rows = (WidgetCount + kColumns - 1) / kColumns;
+    column = (column + kColumns) % kColumns;
+    row = (row + rows) % rows;
+    const int to = qMin(row * kColumns + column, WidgetCount - 1);
+    setIndxSel(to);
+    m_tiles[to]->setFocus(Qt::TabFocusReason);
+}
+
+void DashboardWindow::refreshState()
+{
+    const WidgetRegistry &registry = WidgetRegistry::instance();
+    bool anyOpen = false;
+    for (int i = 0; i < WidgetCount; ++i) {
+        const bool open = registry.isOpen(i);
+        const bool available = registry.isAvailable(i);
+        m_tiles[i]->setOpenState(open);
+        m_tiles[i]->setAvailable(available);
+        m_widgetItems[i]->setChecked(open);
+        m_widgetItems[i]->setEnabled(available);
+        anyOpen = anyOpen || open;
+    }
+    m_showAllItem->setEnabled(anyOpen);
+    m_hideAllItem->setEnabled(anyOpen);
+    m_themeItem->setEnabled(ShellTools::isAvailable(ShellTools::ThemeEditor));
+    m_webcamItem->setEnabled(ShellTools::isAvailable(ShellTools::WebcamViewer));
+    m_shareItem->setEnabled(ShellTools::isAvailable(ShellTools::ShareTheme));
+
+    const bool selectable = isWidgetIndex(m_indxSel) && registry.isAvailable(m_indxSel);
+    m_open->setEnabled(selectable);
+    const QString name = isWidgetIndex(m_indxSel) ? WidgetDisplayName(m_indxSel) : QString();
+    if (selectable && registry.isOpen(m_indxSel)) {
+        m_open->setText(QStringLiteral(" Close "));
+        m_open->setToolTip(QStringLiteral("Close the %1").arg(name));
+    } else {
+        m_open->setText(QStringLiteral(" Open "));
+        m_open->setToolTip(selectable ? QStringLiteral("Open the %1").arg(name)
+                                      : QStringLiteral("Select a widget first"));
+    }
+}
+
+void DashboardWindow::loadDashboard(int choice)
+{
+    // Centred until a position has been stored.
+    if (const QScreen *screen = QGuiApplication::primaryScreen()) {
+        QRect frame(QPoint(), size());
+        frame.moveCenter(screen->availableGeometry().center());
+        move(frame.topLeft());
+    }
+    RestoreWindowPlacement(this, false);
+    const StartupDecisions::DashboardLoadPlan plan = StartupDecisions::dashboardLoadPlan(choice);
+    if (plan.openWebcam)
+        openWebcam();
+    m_startMinimised = plan.startMinimised;
+    for (int index : plan.widgetsToOpen)
+        WidgetRegistry::instance().open(index);
+    m_startHidden = plan.startHidden;
+    setIndxSel(m_indxSel);
+    ApplyTheme(this);
+}
+
+void DashboardWindow::handOver(int choice)
+{
+    setIndxSel(choice);
+    if (StartupDecisions::handOverFor(choice) == StartupDecisions::HandOver::Dashboard) {
+        showDashboard();
+        return;
+    }
+    openSelectedWidget();
+    // A widget this build cannot open would leave nothing on the screen.
+    if (!WidgetRegistry::instance().isOpen(choice))
+        showDashboard();
+}
+
+void DashboardWindow::handOverAtStart(int choice)
+{
+    const bool dashboard = StartupDecisions::handOverFor(choice) == StartupDecisions::HandOver::Dashboard;
+    // Without a tray icon a hidden dashboard could never come back.
+    if (dashboard && m_startHidden && TrayIcon::isAvailable()) {
+        setIndxSel(choice);
+        return;
+    }
+    if (dashboard && m_startMinimised) {
+        setIndxSel(choice);
+        showMinimized();
+        return;
+    }
+    handOver(choice);
+}
+
+void DashboardWindow::attachContextMenu(WidgetContextMenu *menu)
+{
+    connect(menu, &WidgetContextMenu::showDashboardChosen, this, &DashboardWindow::showDashboard);
+    connect(menu, &WidgetContextMenu::hideDashboardChosen, this, &DashboardWindow::hideDashboard);
+    connect(menu, &WidgetContextMenu::programSettingsChosen, this, &DashboardWindow::openProgramSettings);
+    connect(menu, &WidgetContextMenu::wizardChosen, this, &DashboardWindow::openWizard);
+    connect(menu, &WidgetContextMenu::themeEditorChosen, this, &DashboardWindow::openThemeEditor);
+    connect(menu, &WidgetContextMenu::webcamChosen, this, &DashboardWindow::openWebcam);
+    connect(menu, &WidgetContextMenu::shareThemeChosen, this, &DashboardWindow::openShareTheme);
+    connect(menu, &WidgetContextMenu::widgetToggleChosen, this, &DashboardWindow::toggleWidget);
+    connect(menu, &WidgetContextMenu::showAllChosen, this, [this] { ShowHideAll(ShowAll); });
+    connect(menu, &WidgetContextMenu::hideAllChosen, this, [this] { ShowHideAll(HideAll); });
+    connect(menu, &WidgetContextMenu::exitChosen, this, &DashboardWindow::exitProgram);
+}
+
+void DashboardWindow::setWeatherSummary(const QString &temperature, const QString &description)
+{
+    m_weatherTemp->setText(temperature);
+    m_weatherDesc->setText(description);
+    m_weatherTemp->setVisible(!temperature.isEmpty());
+    m_weatherDesc->setVisible(!description.isEmpty());
+}
+
+void DashboardWindow::setNotice(const QString &text)
+{
+    // The window grows by the notice's height rather than squeezing the tiles.
+    const int em = fontMetrics().height();
+    const int labelWidth = qMax(em * 10, width() - 2 * em); // the panel's margins
+    const auto heightOf = [&] {
+        return m_notice->isHidden() ? 0 : m_notice->heightForWidth(labelWidth) + em * 2 / 3;
+    };
+    const int before = heightOf();
+    m_notice->setText(text);
+    m_notice->setVisible(!text.isEmpty());
+    const int growth = heightOf() - before;
+    if (growth > 0)
+        resize(width(), height() + growth);
+}
+
+void DashboardWindow::showDashboard()
+{
+    setWindowState(windowState() & ~Qt::WindowMinimized);
+    show();
+    raise();
+    activateWindow();
+    if (isWidgetIndex(m_indxSel))
+        m_tiles[m_indxSel]->setFocus(Qt::OtherFocusReason);
+}
+
+void DashboardWindow::hideDashboard()
+{
+    // Without a tray icon there would be no way back.
+    if (TrayIcon::isAvailable())
+        hide();
+}
+
+void DashboardWindow::openSelectedWidget()
+{
+    if (isWidgetIndex(m_indxSel))
+        WidgetRegistry::instance().open(m_indxSel);
+}
+
+void DashboardWindow::closeSelectedWidget()
+{
+    if (isWidgetIndex(m_indxSel))
+        WidgetRegistry::instance().close(m_indxSel);
+}
+
+void DashboardWindow::toggleWidget(int index)
+{
+    if (!isWidgetIndex(index))
+        return;
+    setIndxSel(index);
+    WidgetRegistry::instance().toggle(index);
+    refreshState();
+}
+
+void DashboardWindow::ShowHideAll(int mode)
+{
+    WidgetRegistry::instance().setOpenedWidgetsVisible(mode == ShowAll);
+}
+
+void DashboardWindow::openProgramSettings()
+{
+    ProgramSettingsDialog dialog(this);
+    dialog.exec();
+}
+
+bool DashboardWindow::openWizard()
+{
+    WizardDialog wizard(this);
+    bool started = false;
+    connect(&wizard, &WizardDialog::started, this, [&started] { started = true; });
+    wizard.exec();
+    if (started)
+        runWizardChoice(wizard.choice());
+    return started;
+}
+
+void DashboardWindow::runWizardChoice(int choice)
+{
+    QCoreApplication::processEvents();
+    // Nothing is left open from before the new choice.
+    for (int i = 0; i <= WidgetAll; ++i) {
+        setIndxSel(i);
+        closeSelectedWidget();
+    }
+    setIndxSel(choice);
+    QCoreApplication::processEvents();
+    handOver(choice);
+}
+
+void DashboardWindow::openAbout()
+{
+    AboutDialog about(this);
+    about.exec();
+}
+
+void DashboardWindow::openThemeEditor()
+{
+    ShellTools::launch(ShellTools::ThemeEditor, this);
+}
+
+void DashboardWindow::openWebcam()
+{
+    ShellTools::launch(ShellTools::WebcamViewer, this);
+}
+
+void DashboardWindow::openShareTheme()
+{
+    ShellTools::launch(ShellTools::ShareTheme, this);
+}
+
+void DashboardWindow::StartUpdateCheck(bool manual)
+{
+    m_updateCheck->start(manual);
+}
+
+void DashboardWindow::exitProgram()
+{
+    m_unloading = true;
+    close();
+}
+
+void DashboardWindow::ThemeElementsUpdate()
+{
+    const Theme &theme = CurrentTheme();
+    const QColor barText = ResolveColor(theme.BarColor);
+    const QColor panelText = ResolveColor(theme.PanelColor);
+    const QColor accent = ResolveColor(theme.MainColor);
+
+    QFont titleFont = font();
+    titleFont.setFamily(theme.BarFont);
+    titleFont.setPointSizeF(font().pointSizeF() * 1.6);
+    titleFont.setBold(true);
+    m_title->setFont(titleFont);
+    QFont tempFont = titleFont;
+    tempFont.setBold(false);
+    m_weatherTemp->setFont(tempFont);
+    QFont barFont = font();
+    barFont.setFamily(theme.BarFont);
+    m_subtitle->setFont(barFont);
+    m_weatherDesc->setFont(barFont);
+    for (QLabel *label : {m_title, m_subtitle, m_weatherTemp, m_weatherDesc})
+        setTextColor(label, barText);
+
+    QFont panelFont = font();
+    panelFont.setFamily(theme.PanelFont);
+    for (QLabel *label : {m_hint, m_notice}) {
+        label->setFont(panelFont);
+        setTextColor(label, panelText);
+    }
+    for (DashboardTile *tile : m_tiles) {
+        tile->setFont(panelFont);
+        tile->setColors(panelText, accent);
+    }
+    m_bar->update();
+    m_panel->update();
+}
+
+void DashboardWindow::closeEvent(QCloseEvent *event)
+{
+    if (!m_unloading && StartupDecisions::closeBoxHides(event->spontaneous(), TrayIcon::isAvailable())) {
+        event->ignore();
+        hide();
+        return;
+    }
+    unload();
+    event->accept();
+}
+
+void DashboardWindow::changeEvent(QEvent *event)
+{
+    QMainWindow::changeEvent(event);
+    if (event->type() != QEvent::WindowStateChange || !isMinimized())
+        return;
+    if (!StartupDecisions::minimiseHides(TrayIcon::isAvailable()))
+        return;
+    // Hide once the minimise has finished; the tray's double click shows it in the normal state.
+    QTimer::singleShot(0, this, [this] {
+        if (isMinimized()) {
+            hide();
+            setWindowState(windowState() & ~Qt::WindowMinimized);
+        }
+    });
+}
+
+void DashboardWindow::unload()
+{
+    m_unloading = true;
+    SaveWindowPlacement(this, false);
+    WriteDetail(kSettings, QStringLiteral("Start-Webcam"),
+                ShellTools::isWebcamViewerOpen() ? QStringLiteral("True") : QStringLiteral("False"));
+    WidgetRegistry::instance().closeAll();
+    // Settings dialogs, the webcam viewer and any other window: each saves its placement as it
+    // closes.
+    for (QWidget *window : QApplication::topLevelWidgets()) {
+        if (window != this && window->isVisible() && !qobject_cast<QMenu *>(window))
+            window->close();
+    }
+    emit unloaded();
+}

@@ -1,0 +1,104 @@
+#include "shell/program_settings_model.h"
+
+#include "core/platform/autostart.h"
+#include "core/settings_store.h"
+
+#include <array>
+
+namespace {
+
+const QString kSettings = QStringLiteral("mdb_SET");
+const QString kWebcam = QStringLiteral("mdb_WCM");
+
+struct Interval
+{
+    const char *caption;
+    int seconds;
+};
+
+constexpr std::array<Interval, 5> kIntervals{{
+    {"1 Minute", 60},
+    {"2 Minutes", 120},
+    {"5 Minutes", 300},
+    {"10 Minutes", 600},
+    {"30 Minutes", 1800},
+}};
+
+int g_webcamIntervalSeconds = 60;
+
+bool readSwitch(const QString &window, const QString &name, bool defaultOn)
+{
+    return ReadIntDetail(window, name, defaultOn ? 1 : 0) == 1;
+}
+
+QString switchText(bool on)
+{
+    return on ? QStringLiteral("1") : QStringLiteral("0");
+}
+
+} // namespace
+
+QStringList ProgramSettingsModel::intervalCaptions()
+{
+    QStringList captions;
+    for (const Interval &i : kIntervals)
+        captions.append(QString::fromLatin1(i.caption));
+    return captions;
+}
+
+int ProgramSettingsModel::intervalSeconds(const QString &caption)
+{
+    for (const Interval &i : kIntervals) {
+        if (caption == QLatin1String(i.caption))
+            return i.seconds;
+    }
+    return kIntervals.front().seconds;
+}
+
+ProgramSettingsModel::Values ProgramSettingsModel::load()
+{
+    Values v;
+    v.launchWithSystem = readSwitch(kSettings, QStringLiteral("Program Launch"), true);
+    v.minimizeOnStart = readSwitch(kSettings, QStringLiteral("Program Minimize on Start"), false);
+    v.windowMinimize = readSwitch(kSettings, QStringLiteral("Window Minimize"), false);
+    v.minimizeOnClose = readSwitch(kSettings, QStringLiteral("Program Minimize on Close"), true);
+    v.onTop = readSwitch(kSettings, QStringLiteral("On-Top"), false);
+    const QString interval =
+        ReadDetail(kWebcam, QStringLiteral("Timer-Interval"), QStringLiteral("1 Minute"));
+    if (intervalCaptions().contains(interval))
+        v.timerInterval = interval;
+    v.playLast = readSwitch(kWebcam, QStringLiteral("Play-Last"), false);
+    return v;
+}
+
+ProgramSettingsModel::Values ProgramSettingsModel::withDefaultChecks(const Values &current)
+{
+    Values v;
+    v.timerInterval = current.timerInterval;
+    return v;
+}
+
+void ProgramSettingsModel::save(const Values &v, const Writer &writer)
+{
+    const Writer write = writer ? writer : Writer(&WriteDetail);
+    write(kSettings, QStringLiteral("Program Minimize on Close"), switchText(v.minimizeOnClose));
+    write(kSettings, QStringLiteral("Program Minimize on Start"), switchText(v.minimizeOnStart));
+    write(kSettings, QStringLiteral("Window Minimize"), switchText(v.windowMinimize));
+    write(kSettings, QStringLiteral("Program Launch"), switchText(v.launchWithSystem));
+    write(kSettings, QStringLiteral("On-Top"), switchText(v.onTop));
+    write(kWebcam, QStringLiteral("Timer-Interval"), v.timerInterval);
+    write(kWebcam, QStringLiteral("Play-Last"), switchText(v.playLast));
+    setWebcamIntervalSeconds(intervalSeconds(v.timerInterval));
+    // The entry follows the stored preference, as it does at every later OK.
+    Autostart::apply(ReadIntDetail(kSettings, QStringLiteral("Program Launch"), 1) == 1);
+}
+
+int ProgramSettingsModel::webcamIntervalSeconds()
+{
+    return g_webcamIntervalSeconds;
+}
+
+void ProgramSettingsModel::setWebcamIntervalSeconds(int seconds)
+{
+    g_webcamIntervalSeconds = seconds;
+}

@@ -1,0 +1,54 @@
+#pragma once
+
+#include "shell/widget_context_menu.h"
+
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QSystemTrayIcon>
+
+// The notification-area icon ("mdb_TRY"), the program's permanent handle while the dashboard
+// is hidden: a left double click brings the dashboard back, a right click opens the shared
+// context menu in its tray variant, a right double click opens the theme editor.
+class TrayIcon : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QString Tooltip READ Tooltip WRITE setTooltip)
+public:
+    explicit TrayIcon(QObject *parent = nullptr);
+    ~TrayIcon() override;
+
+    // Places the icon, showing `window`'s icon; `window` is the dashboard that a double click
+    // brings back. Where the desktop has no tray nothing appears and nothing fails.
+    void TraySetIcon(QWidget *window);
+    void setContextMenu(WidgetContextMenu *menu) { m_menu = menu; }
+
+    // The tip is kept to 63 characters, as the icon record has always held.
+    QString Tooltip() const { return m_tooltip; }
+    void setTooltip(const QString &text);
+
+    // Carries out the action of an event code (3, 5 and 6 act; the others do nothing).
+    void dispatch(int code);
+
+    // Whether the desktop shows tray icons. Tests may force the answer.
+    static bool isAvailable();
+    static void setAvailableForTesting(int available); // 1 yes, 0 no, -1 ask the desktop
+
+    QSystemTrayIcon *systemTrayIcon() const { return m_icon; }
+
+signals:
+    // Every decoded event, with its code (the label is TrayDispatch::eventName(code)).
+    void Click(int code);
+
+private:
+    void onActivated(QSystemTrayIcon::ActivationReason reason);
+    void showDashboard();
+    void popUpMenu();
+    void showThemeEditor();
+
+    QSystemTrayIcon *m_icon = nullptr;
+    QPointer<QWidget> m_dashboard;
+    QPointer<WidgetContextMenu> m_menu;
+    QString m_tooltip = QStringLiteral("Vantora");
+    QElapsedTimer m_sinceContext;
+};

@@ -1,0 +1,138 @@
+#include "shell/update_check.h"
+
+#include "core/app_paths.h"
+#include "themes/message_box.h"
+
+#include <QDesktopServices>
+#include <QLocale>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QSaveFile>
+
+namespace {
+
+constexpr qint64 kMaxVersionFileBytes = 64 * 1024;
+
+QString userAgent()
+{
+    return QStringLiteral("Vantora/%1.%2.%3")
+        .arg(VANTORA_VERSION_MAJOR)
+        .arg(VANTORA_VERSION_MINOR)
+        .arg(VANTORA_VERSION_PATCH);
+}
+
+} // namespace
+
+UpdateCheck::UpdateCheck(QObject *parent) : QObject(parent) {}
+
+bool UpdateCheck::isEnabled()
+{
+    return !websiteAddress().isEmpty();
+}
+
+QString UpdateCheck::websiteAddress()
+{
+    QString base = QStringLiteral(VANTORA_WEBSITE).trimmed();
+    if (!base.isEmpty() && !base.endsWith(QLatin1Char('/')))
+        base += QLatin1Char('/');
+    return base;
+}
+
+QUrl UpdateCheck::versionFileUrl()
+{
+    return isEnabled() ? QUrl(websiteAddress() + QStringLiteral("version/vantora.txt")) : QUrl();
+}
+
+QUrl UpdateCheck::updatePageUrl()
+{
+    return isEnabled() ? QUrl(websiteAddress() + QStringLiteral("update/1412-122.html")) : QUrl();
+}
+
+QUrl UpdateCheck::supportPageUrl()
+{
+    return isEnabled() ? QUrl(websiteAddress() + QStringLiteral("support/")) : QUrl();
+}
+
+QUrl UpdateCheck::thankYouPageUrl()
+{
+    return isEnabled() ? QUrl(websiteAddress() + QStringLiteral("thankyou")) : QUrl();
+}
+
+QString UpdateCheck::localVersionFile()
+{
+    return AppPaths::dataPath(QStringLiteral("version-vantora.txt"));
+}
+
+double UpdateCheck::programVersion()
+{
+    return QLocale::c().toDouble(
+        QStringLiteral("%1.%2").arg(VANTORA_VERSION_MAJOR).arg(VANTORA_VERSION_MINOR));
+}
+
+std::optional<double> UpdateCheck::parseVersion(const QByteArray &text)
+{
+    const qsizetype lineEnd = text.indexOf('\n');
+    const QByteArray firstLine = (lineEnd < 0 ? text : text.left(lineEnd)).trimmed();
+    bool ok = false;
+    const double v = QLocale::c().toDouble(QString::fromLatin1(firstLine), &ok);
+    if (!ok)
+        return std::nullopt;
+    return v;
+}
+
+bool UpdateCheck::isNewer(double remote, double current)
+{
+    return remote - current > 1e-9;
+}
+
+void UpdateCheck::start(bool manual)
+{
+    const QUrl url = m_testUrl.isValid() ? m_testUrl : versionFileUrl();
+    if (!url.isValid() || m_reply)
+        return;
+    if (!m_network)
+        m_network = new QNetworkAccessManager(this);
+    m_manual = manual;
+    QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::UserAgentHeader, userAgent());
+    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
+    m_reply = m_network->get(request);
+    // A version file is a few bytes; anything much larger is not one.
+    connect(m_reply, &QNetworkReply::downloadProgress, this, [this](qint64 received, qint64 total) {
+        if (m_reply && (received > kMaxVersionFileBytes || total > kMaxVersionFileBytes))
+            m_reply->abort();
+    });
+    connect(m_reply, &QNetworkReply::finished, this, &UpdateCheck::onFinished);
+}
+
+void UpdateCheck::onFinished()
+{
+    QNetworkReply *reply = m_reply;
+    m_reply = nullptr;
+    reply->deleteLater();
+    const QByteArray body = reply->error() == QNetworkReply::NoError ? reply->readAll() : QByteArray();
+    if (body.isEmpty() || body.size() > kMaxVersionFileBytes) {
+        emit finished(false);
+        return;
+    }
+    QSaveFile local(localVersionFile());
+    if (local.open(QIODevice::WriteOnly)) {
+        local.write(body);
+        local.commit();
+    }
+    report(body);
+}
+
+void UpdateCheck::report(const QByteArray &body)
+{
+    const std::optional<double> remote = parseVersion(body);
+    const bool newer = remote && isNewer(*remote, programVersion());
+    if (newer) {
+        if (AskQuestion(1) == AnswerYes)
+            QDesktopServices::openUrl(updatePageUrl());
+    } else if (m_manual) {
+        ShowInfoMessage(3);
+    }
+    emit finished(newer);
+}

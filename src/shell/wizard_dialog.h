@@ -1,0 +1,29 @@
+#pragma once
+
+#include "themes/themed_dialog.h"
+
+class QRadioButton;
+
+// The first-run wizard ("msg_WIZ"): the user chooses whether Vantora runs all widgets through
+// the dashboard or one widget on its own. Start stores the choice as "Program-Choice"; whoever
+// opened the wizard then hands over to the dashboard or the chosen widget.
+class WizardDialog : public ThemedDialog
+{
+    Q_OBJECT
+public:
+    explicit WizardDialog(QWidget *parent = nullptr);
+
+    // The chosen WidgetIndex (0..7 one widget, 8 all widgets).
+    int choice() const { return m_choice; }
+    void setChoice(int choice);
+
+signals:
+    // Start was pressed; the choice is stored and the wizard is closing.
+    void started(int choice);
+
+private:
+    QRadioButton *addOption(int index, const QString &caption);
+    void start();
+
+    int m_choice = 8;
+};

@@ -1,0 +1,93 @@
+#include "themes/themed_dialog.h"
+
+#include "core/widget_frame.h"
+#include "core/window_placement.h"
+#include "themes/painted_frame.h"
+#include "themes/theme_painter.h"
+#include "themes/themed_button.h"
+#include "themes/themed_chrome.h"
+
+#include <QLabel>
+#include <QLayout>
+
+ThemedDialog::ThemedDialog(const QString &windowName, const QString &title, QWidget *parent) : QDialog(parent)
+{
+    setObjectName(windowName);
+    setWindowTitle(title);
+    setWindowFlag(Qt::FramelessWindowHint, true);
+
+    ThemedChrome::Options options;
+    options.title = true;
+    options.layoutManaged = true;
+    options.barHeight = 28;
+    m_chrome = new ThemedChrome(this, options);
+    m_chrome->title()->setText(title);
+    connect(m_chrome, &ThemedChrome::closeRequested, this, &QDialog::reject);
+}
+
+ThemedDialog::~ThemedDialog() = default;
+
+PaintedFrame *ThemedDialog::bar() const
+{
+    return m_chrome->bar();
+}
+
+PaintedFrame *ThemedDialog::panel() const
+{
+    return m_chrome->panel();
+}
+
+QLabel *ThemedDialog::titleLabel() const
+{
+    return m_chrome->title();
+}
+
+void ThemedDialog::setPanelLayout(QLayout *layout)
+{
+    layout->setContentsMargins(14, 12, 14, 12);
+    panel()->setLayout(layout);
+}
+
+void ThemedDialog::ThemeElementsUpdate()
+{
+    m_chrome->applyThemeColours();
+    bar()->update();
+    panel()->update();
+}
+
+void ThemedDialog::showEvent(QShowEvent *event)
+{
+    // QDialog centres itself over its owner here; the stored position (if any) then wins.
+    QDialog::showEvent(event);
+    if (!m_placed) {
+        m_placed = true;
+        RestoreWindowPlacement(this, false);
+        KeepInsideScreen(this);
+        ApplyTheme(this);
+        focusFirstPanelControl();
+    }
+}
+
+void ThemedDialog::focusFirstPanelControl()
+{
+    // The bar's close button comes first in the focus chain, and Enter presses the focused
+    // button: the dialog would close instead of doing what its default button says. The
+    // first control of the panel takes the focus; Escape still closes.
+    QWidget *focused = focusWidget();
+    if (focused && focused != m_chrome->closeButton())
+        return;
+    for (QWidget *w = nextInFocusChain(); w && w != this; w = w->nextInFocusChain()) {
+        if (panel()->isAncestorOf(w) && (w->focusPolicy() & Qt::TabFocus) && w->isEnabled() &&
+            w->isVisibleTo(this)) {
+            w->setFocus(Qt::TabFocusReason);
+            return;
+        }
+    }
+}
+
+void ThemedDialog::done(int result)
+{
+    if (m_placed)
+        SaveWindowPlacement(this, false);
+    QDialog::done(result);
+}

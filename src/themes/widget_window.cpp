@@ -1,0 +1,159 @@
+#include "themes/widget_window.h"
+
+#include "core/widget_frame.h"
+#include "core/window_placement.h"
+#include "themes/painted_frame.h"
+#include "themes/theme_painter.h"
+#include "themes/themed_chrome.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QLabel>
+#include <QKeyEvent>
+#include <QScreen>
+
+#include <algorithm>
+
+namespace {
+
+// Where a widget opened for the first time goes: the first spot from the top-right corner of
+// the screen, going down and then leftwards, that covers none of the program's other windows.
+// Centred when the screen is full.
+QPoint freeSpotFor(const QWidget *window)
+{
+    const QScreen *screen = window->screen() ? window->screen() : QGuiApplication::primaryScreen();
+    const QRect area = screen->availableGeometry();
+    constexpr int margin = 16;
+    QList<QRect> taken;
+    for (const QWidget *other : QApplication::topLevelWidgets()) {
+        if (other != window && other->isVisible())
+            taken.append(other->frameGeometry().adjusted(-margin / 2, -margin / 2, margin / 2, margin / 2));
+    }
+    const QSize size = window->size();
+    for (int x = area.right() - margin - size.width(); x >= area.left(); x -= 24) {
+        for (int y = area.top() + margin; y + size.height() <= area.bottom(); y += 12) {
+            const QRect candidate(QPoint(x, y), size);
+            if (std::none_of(taken.cbegin(), taken.cend(), [&](const QRect &r) { return r.intersects(candidate); }))
+                return candidate.topLeft();
+        }
+    }
+    return area.center() - QPoint(size.width() / 2, size.height() / 2);
+}
+
+} // namespace
+
+WidgetWindow::WidgetWindow(const QString &windowName, int widgetIndex, const QString &title, QWidget *parent)
+    : QWidget(parent, Qt::Window)
+    , m_widgetIndex(widgetIndex)
+{
+    setObjectName(windowName);
+    setWindowTitle(title);
+    setAttribute(Qt::WA_DeleteOnClose);
+    MakeBorderless(this);
+
+    ThemedChrome::Options options;
+    options.resizeGrip = isResizable();
+    options.contextMenu = true;
+    m_chrome = new ThemedChrome(this, options);
+    connect(m_chrome, &ThemedChrome::closeRequested, this, &QWidget::close);
+}
+
+WidgetWindow::~WidgetWindow() = default;
+
+PaintedFrame *WidgetWindow::bar() const
+{
+    return m_chrome->bar();
+}
+
+PaintedFrame *WidgetWindow::panel() const
+{
+    return m_chrome->panel();
+}
+
+QLabel *WidgetWindow::stretchGrip() const
+{
+    return m_chrome->grip();
+}
+
+ThemedButton *WidgetWindow::closeButton() const
+{
+    return m_chrome->closeButton();
+}
+
+int WidgetWindow::barHeight() const
+{
+    return m_chrome->barHeight();
+}
+
+void WidgetWindow::setBarHeight(int pixels)
+{
+    m_chrome->setBarHeight(pixels);
+    relayout();
+}
+
+void WidgetWindow::loadWindow()
+{
+    if (m_loaded)
+        return;
+    m_loaded = true;
+    // The grip exists only for resizable widgets; isResizable() is virtual, so it is known
+    // only now, after the widget's own constructor has run.
+    if (!isResizable() && stretchGrip())
+        stretchGrip()->hide();
+    resize(defaultSize());
+    move(freeSpotFor(this)); // only a default: a stored position wins
+    RestoreWindowPlacement(this, isResizable());
+    ApplyTheme(this);
+}
+
+void WidgetWindow::resetSize()
+{
+    setWindowState(windowState() & ~(Qt::WindowMaximized | Qt::WindowMinimized));
+    resize(defaultSize());
+}
+
+void WidgetWindow::ThemeElementsUpdate()
+{
+    m_chrome->applyThemeColours();
+    const Theme &theme = CurrentTheme();
+    for (QWidget *child : bar()->findChildren<QWidget *>()) {
+        QFont f = child->font();
+        f.setFamily(theme.BarFont);
+        child->setFont(f);
+    }
+    for (QWidget *child : panel()->findChildren<QWidget *>()) {
+        QFont f = child->font();
+        f.setFamily(theme.PanelFont);
+        child->setFont(f);
+    }
+    bar()->update();
+    panel()->update();
+    relayout();
+}
+
+void WidgetWindow::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    m_chrome->layoutFrames();
+    relayout();
+}
+
+void WidgetWindow::closeEvent(QCloseEvent *event)
+{
+    if (m_loaded) {
+        SaveWindowPlacement(this, isResizable());
+        saveValues();
+    }
+    event->accept();
+    emit closed();
+}
+
+void WidgetWindow::keyPressEvent(QKeyEvent *event)
+{
+    // Shift+F10 and the menu key open the widget menu, as a right click does.
+    if (event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && event->modifiers() & Qt::ShiftModifier)) {
+        WidgetMouseDown(this, Qt::RightButton, mapToGlobal(QPoint(width() / 2, barHeight())));
+        return;
+    }
+    QWidget::keyPressEvent(event);
+}

@@ -1,0 +1,297 @@
+#include "core/settings_store.h"
+#include "core/widget_index.h"
+#include "shell/dashboard_tile.h"
+#include "shell/dashboard_window.h"
+#include "shell/tray_icon.h"
+#include "shell/update_check.h"
+#include "shell/widget_registry.h"
+#include "support/test_home.h"
+#include "themes/widget_window.h"
+
+#include <QSignalSpy>
+#include <QTest>
+#include <QWindow>
+#include <QtTest/qtestspontaneevent.h>
+
+namespace {
+
+class FakeWidget : public WidgetWindow
+{
+public:
+    explicit FakeWidget(int index)
+        : WidgetWindow(WidgetWindowName(index), index, QStringLiteral("Vantora Test"))
+    {
+    }
+};
+
+DashboardTile *tile(DashboardWindow &d, int index)
+{
+    return d.findChild<DashboardTile *>(QStringLiteral("btnWIDGET_%1").arg(index));
+}
+
+// Lets a test deliver the window system's close event.
+class ClosableDashboard : public DashboardWindow
+{
+public:
+    using DashboardWindow::closeEvent;
+};
+
+void setDetail(const char *name, const char *value)
+{
+    WriteDetail(QStringLiteral("mdb_SET"), QString::fromLatin1(name), QString::fromLatin1(value));
+}
+
+} // namespace
+
+class TestDashboard : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void init();
+    void cleanup();
+    void namesAndTiles();
+    void tileKeysAndMouse();
+    void arrowKeysMoveSelection_data();
+    void arrowKeysMoveSelection();
+    void widgetsMenuFollowsOpenState();
+    void unavailableWidgetIsDisabled();
+    void closeBox_data();
+    void closeBox();
+    void minimiseHidesToTray_data();
+    void minimiseHidesToTray();
+    void exitSavesAndClosesEverything();
+    void handOverOfMissingWidgetShowsDashboard();
+
+private:
+    std::unique_ptr<TestHome> m_home;
+};
+
+void TestDashboard::initTestCase()
+{
+    for (int i = 0; i < WidgetCount; ++i) {
+        if (i != WidgetWeather)
+            WidgetRegistry::instance().registerWidget(i, [i] { return new FakeWidget(i); });
+    }
+}
+
+void TestDashboard::init()
+{
+    m_home = std::make_unique<TestHome>();
+    TrayIcon::setAvailableForTesting(1);
+}
+
+void TestDashboard::cleanup()
+{
+    WidgetRegistry::instance().closeAll();
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    TrayIcon::setAvailableForTesting(-1);
+    m_home.reset();
+}
+
+void TestDashboard::namesAndTiles()
+{
+    DashboardWindow d;
+    QCOMPARE(d.objectName(), QStringLiteral("mdb_IDX"));
+    QCOMPARE(d.windowTitle(), QStringLiteral("Vantora Dashboard"));
+    QVERIFY(d.findChild<QWidget *>(QStringLiteral("pfrBAR")));
+    QVERIFY(d.findChild<QWidget *>(QStringLiteral("pfrPANEL")));
+    // The update check's item is there only when the build names a web site.
+    QCOMPARE(d.findChild<QAction *>(QStringLiteral("mnuUPDATE"))->isVisible(), UpdateCheck::isEnabled());
+    for (int i = 0; i < WidgetCount; ++i) {
+        QVERIFY(tile(d, i));
+        QCOMPARE(tile(d, i)->text(), WidgetDisplayName(i));
+        QVERIFY(!tile(d, i)->toolTip().isEmpty());
+    }
+    d.setIndxSel(WidgetStopwatch);
+    QCOMPARE(d.IndxSel(), int(WidgetStopwatch));
+    QVERIFY(tile(d, WidgetStopwatch)->isSelected());
+    QVERIFY(!tile(d, WidgetClock)->isSelected());
+    // The all-widgets choice selects no tile.
+    d.setIndxSel(WidgetAll);
+    for (int i = 0; i < WidgetCount; ++i)
+        QVERIFY(!tile(d, i)->isSelected());
+}
+
+void TestDashboard::tileKeysAndMouse()
+{
+    DashboardWindow d;
+    d.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&d));
+    WidgetRegistry &registry = WidgetRegistry::instance();
+
+    QTest::mouseClick(tile(d, WidgetTimer), Qt::LeftButton);
+    QCOMPARE(d.IndxSel(), int(WidgetTimer));
+    QVERIFY(!registry.isOpen(WidgetTimer));
+
+    QTest::keyClick(tile(d, WidgetTimer), Qt::Key_Return);
+    QVERIFY(registry.isOpen(WidgetTimer));
+    QVERIFY(tile(d, WidgetTimer)->isOpenState());
+    QTest::keyClick(tile(d, WidgetTimer), Qt::Key_Space);
+    QVERIFY(!registry.isOpen(WidgetTimer));
+    QVERIFY(!tile(d, WidgetTimer)->isOpenState());
+
+    QTest::mouseDClick(tile(d, WidgetCalendar), Qt::LeftButton);
+    QVERIFY(registry.isOpen(WidgetCalendar));
+    QCOMPARE(d.IndxSel(), int(WidgetCalendar));
+}
+
+void TestDashboard::arrowKeysMoveSelection_data()
+{
+    QTest::addColumn<int>("from");
+    QTest::addColumn<int>("key");
+    QTest::addColumn<int>("to");
+    QTest::newRow("right") << 0 << int(Qt::Key_Right) << 1;
+    QTest::newRow("down") << 1 << int(Qt::Key_Down) << 5;
+    QTest::newRow("up wraps") << 1 << int(Qt::Key_Up) << 5;
+    QTest::newRow("left wraps in the row") << 4 << int(Qt::Key_Left) << 7;
+    QTest::newRow("right wraps in the row") << 3 << int(Qt::Key_Right) << 0;
+}
+
+void TestDashboard::arrowKeysMoveSelection()
+{
+    QFETCH(int, from);
+    QFETCH(int, key);
+    QFETCH(int, to);
+    DashboardWindow d;
+    d.setIndxSel(from);
+    QTest::keyClick(tile(d, from), Qt::Key(key));
+    QCOMPARE(d.IndxSel(), to);
+}
+
+void TestDashboard::widgetsMenuFollowsOpenState()
+{
+    DashboardWindow d;
+    QAction *notes = d.findChild<QAction *>(QStringLiteral("mnuWIDGET_3"));
+    QVERIFY(notes);
+    QCOMPARE(notes->text(), QStringLiteral("&Notes"));
+    notes->trigger();
+    QVERIFY(WidgetRegistry::instance().isOpen(WidgetNotes));
+    QVERIFY(notes->isChecked());
+    QVERIFY(d.findChild<QAction *>(QStringLiteral("mnuHIDEALL"))->isEnabled());
+
+    d.ShowHideAll(1);
+    QVERIFY(!WidgetRegistry::instance().window(WidgetNotes)->isVisible());
+    QVERIFY(WidgetRegistry::instance().isOpen(WidgetNotes));
+    d.ShowHideAll(2);
+    QVERIFY(WidgetRegistry::instance().window(WidgetNotes)->isVisible());
+
+    WidgetRegistry::instance().close(WidgetNotes);
+    QVERIFY(!notes->isChecked());
+}
+
+void TestDashboard::unavailableWidgetIsDisabled()
+{
+    DashboardWindow d;
+    QVERIFY(!d.findChild<QAction *>(QStringLiteral("mnuWIDGET_7"))->isEnabled());
+    d.setIndxSel(WidgetWeather);
+    QVERIFY(!d.findChild<QWidget *>(QStringLiteral("btnOPEN"))->isEnabled());
+    QTest::keyClick(tile(d, WidgetWeather), Qt::Key_Return);
+    QVERIFY(!WidgetRegistry::instance().isOpen(WidgetWeather));
+}
+
+void TestDashboard::closeBox_data()
+{
+    QTest::addColumn<QString>("minimizeOnClose"); // null: default
+    QTest::addColumn<bool>("tray");
+    QTest::addColumn<bool>("hidden"); // else unloaded
+
+    QTest::newRow("default hides") << QString() << true << true;
+    QTest::newRow("0 ends the program") << "0" << true << false;
+    QTest::newRow("no tray ends the program") << QString() << false << false;
+}
+
+void TestDashboard::closeBox()
+{
+    QFETCH(QString, minimizeOnClose);
+    QFETCH(bool, tray);
+    QFETCH(bool, hidden);
+    TrayIcon::setAvailableForTesting(tray ? 1 : 0);
+    if (!minimizeOnClose.isNull())
+        setDetail("Program Minimize on Close", minimizeOnClose.toLatin1().constData());
+
+    ClosableDashboard d;
+    QSignalSpy unloaded(&d, &DashboardWindow::unloaded);
+    d.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&d));
+    // The close box's event comes from the window system: it is spontaneous.
+    QCloseEvent userClose;
+    QSpontaneKeyEvent::setSpontaneous(&userClose);
+    d.closeEvent(&userClose);
+
+    QCOMPARE(userClose.isAccepted(), !hidden);
+    if (hidden)
+        QVERIFY(!d.isVisible());
+    QCOMPARE(unloaded.count(), hidden ? 0 : 1);
+
+    // The program's own close is never cancelled.
+    d.show();
+    d.close();
+    QVERIFY(!d.isVisible());
+    QCOMPARE(unloaded.count(), hidden ? 1 : 2);
+}
+
+void TestDashboard::minimiseHidesToTray_data()
+{
+    QTest::addColumn<QString>("windowMinimize");
+    QTest::addColumn<bool>("tray");
+    QTest::addColumn<bool>("hidden");
+    QTest::newRow("default stays") << QString() << true << false;
+    QTest::newRow("1 hides") << "1" << true << true;
+    QTest::newRow("1 without tray stays") << "1" << false << false;
+}
+
+void TestDashboard::minimiseHidesToTray()
+{
+    QFETCH(QString, windowMinimize);
+    QFETCH(bool, tray);
+    QFETCH(bool, hidden);
+    TrayIcon::setAvailableForTesting(tray ? 1 : 0);
+    if (!windowMinimize.isNull())
+        setDetail("Window Minimize", windowMinimize.toLatin1().constData());
+
+    DashboardWindow d;
+    d.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&d));
+    d.showMinimized();
+    QTest::qWait(20);
+    QCOMPARE(!d.isVisible(), hidden);
+    if (hidden)
+        QVERIFY(!(d.windowState() & Qt::WindowMinimized));
+}
+
+void TestDashboard::exitSavesAndClosesEverything()
+{
+    setDetail("Start-Webcam", "True");
+    DashboardWindow d;
+    QSignalSpy unloaded(&d, &DashboardWindow::unloaded);
+    d.show();
+    d.move(40, 30);
+    WidgetRegistry::instance().open(WidgetClock);
+    WidgetRegistry::instance().open(WidgetNotes);
+    QWidget stray; // another window of the program, such as a settings dialog
+    stray.show();
+
+    d.exitProgram();
+
+    QCOMPARE(unloaded.count(), 1);
+    QVERIFY(WidgetRegistry::instance().openWidgets().isEmpty());
+    QVERIFY(!stray.isVisible());
+    QVERIFY(!d.isVisible());
+    QCOMPARE(ReadDetail(QStringLiteral("mdb_SET"), QStringLiteral("Start-Webcam"), QString()),
+             QStringLiteral("False"));
+    QVERIFY(!ReadSetting(Hive::CurrentUser, SettingsRoot() + QStringLiteral("mdb_IDX\\Window"),
+                         QStringLiteral("Left"), QString())
+                 .isEmpty());
+}
+
+void TestDashboard::handOverOfMissingWidgetShowsDashboard()
+{
+    DashboardWindow d;
+    d.handOver(WidgetWeather); // not registered in this test
+    QVERIFY(d.isVisible());
+    QCOMPARE(d.IndxSel(), int(WidgetWeather));
+}
+
+QTEST_MAIN(TestDashboard)
+#include "test_dashboard.moc"
