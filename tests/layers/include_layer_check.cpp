@@ -26,7 +26,8 @@ QString resolveInclude(const QDir &root, const QString &includingFile, const QSt
 QStringList sourceFilesBelow(const QDir &root)
 {
     QStringList files;
-    QDirIterator it(root.path(), {"*.h", "*.hpp", "*.cpp", "*.cc"}, QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator it(root.path(), {"*.h", "*.hpp", "*.cpp", "*.cc"}, QDir::Files,
+                    QDirIterator::Subdirectories);
     while (it.hasNext())
         files << root.relativeFilePath(it.next());
     files.sort();
@@ -42,6 +43,7 @@ QString topFolderOf(const QString &relativePath)
 
 const QList<QStringList> &IncludeLayerCheck::layers()
 {
+    // clang-format off
     static const QList<QStringList> table = {
         {"core"},
         {"themes"},
@@ -49,6 +51,7 @@ const QList<QStringList> &IncludeLayerCheck::layers()
         {"shell"},
         {"app"},
     };
+    // clang-format on
     return table;
 }
 

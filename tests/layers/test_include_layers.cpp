@@ -55,18 +55,22 @@ void TestIncludeLayers::everyIncludeIsJudged_data()
     QTest::addColumn<QByteArray>("content");
     QTest::addColumn<QString>("expected"); // the one reported line, or empty
 
-    QTest::newRow("themes on core") << "themes/painter.cpp" << QByteArray("#include \"core/settings_store.h\"\n")
-                                    << "";
+    QTest::newRow("themes on core") << "themes/painter.cpp"
+                                    << QByteArray("#include \"core/settings_store.h\"\n") << "";
     QTest::newRow("widget on core and themes")
-        << "time/clock.cpp" << QByteArray("#include \"core/settings_store.h\"\n#include \"themes/theme.h\"\n") << "";
+        << "time/clock.cpp" << QByteArray("#include \"core/settings_store.h\"\n#include \"themes/theme.h\"\n")
+        << "";
     QTest::newRow("shell on a widget") << "shell/list.cpp" << QByteArray("#include \"time/clock.h\"\n") << "";
     QTest::newRow("app on shell") << "app/main.cpp" << QByteArray("#include \"shell/registry.h\"\n") << "";
     QTest::newRow("platform on its own layer")
         << "core/platform/file.cpp" << QByteArray("#include \"core/settings_store.h\"\n") << "";
-    QTest::newRow("same folder, no path") << "core/paths.cpp" << QByteArray("#include \"settings_store.h\"\n") << "";
+    QTest::newRow("same folder, no path")
+        << "core/paths.cpp" << QByteArray("#include \"settings_store.h\"\n") << "";
     QTest::newRow("generated and system headers")
-        << "time/clock.cpp" << QByteArray("#include \"clock.moc\"\n#include <QString>\n#include <vector>\n") << "";
-    QTest::newRow("commented out") << "core/paths.cpp" << QByteArray("// #include \"shell/registry.h\"\n") << "";
+        << "time/clock.cpp" << QByteArray("#include \"clock.moc\"\n#include <QString>\n#include <vector>\n")
+        << "";
+    QTest::newRow("commented out") << "core/paths.cpp" << QByteArray("// #include \"shell/registry.h\"\n")
+                                   << "";
 
     QTest::newRow("core on themes") << "core/paths.cpp"
                                     << QByteArray("#pragma once\n\n#include \"themes/theme.h\"\n")
@@ -76,9 +80,10 @@ void TestIncludeLayers::everyIncludeIsJudged_data()
         << "time/clock.cpp" << QByteArray("#include \"calculator/calc.h\"\n")
         << "src/time/clock.cpp:1: time/ includes calculator/, a folder of its own layer "
            "(#include \"calculator/calc.h\")";
-    QTest::newRow("widget on shell") << "calculator/calc.cpp" << QByteArray("#include \"shell/registry.h\"\n")
-                                     << "src/calculator/calc.cpp:1: calculator/ includes the higher layer shell/ "
-                                        "(#include \"shell/registry.h\")";
+    QTest::newRow("widget on shell")
+        << "calculator/calc.cpp" << QByteArray("#include \"shell/registry.h\"\n")
+        << "src/calculator/calc.cpp:1: calculator/ includes the higher layer shell/ "
+           "(#include \"shell/registry.h\")";
     QTest::newRow("themes on a widget") << "themes/theme.cpp" << QByteArray("#include \"time/clock.h\"\n")
                                         << "src/themes/theme.cpp:1: themes/ includes the higher layer time/ "
                                            "(#include \"time/clock.h\")";
@@ -117,8 +122,9 @@ void TestIncludeLayers::reportsEveryBrokenLineInOrder()
     QVERIFY(root.isValid());
     QVERIFY(makeTree(root.path()));
     QVERIFY(writeFile(root.filePath("time/stopwatch.cpp"), "#include \"shell/registry.h\"\n"));
-    QVERIFY(writeFile(root.filePath("core/paths.cpp"),
-                      "#include \"core/settings_store.h\"\n#include \"time/clock.h\"\n#include \"themes/theme.h\"\n"));
+    QVERIFY(writeFile(
+        root.filePath("core/paths.cpp"),
+        "#include \"core/settings_store.h\"\n#include \"time/clock.h\"\n#include \"themes/theme.h\"\n"));
 
     const QStringList found = IncludeLayerCheck::violations(root.path());
     QCOMPARE(found.size(), 3);
