@@ -1,9 +1,15 @@
 #include "core/platform/reg_file_backend.h"
+#include "core/safe_file_write.h"
+#include "support/file_size_limit.h"
+#include "support/file_text.h"
 #include "support/test_home.h"
 
+#include <QDateTime>
 #include <QDir>
+#include <QElapsedTimer>
 #include <QFile>
 #include <QFileInfo>
+#include <QProcess>
 #include <QStringEncoder>
 #include <QStringList>
 #include <QTest>
@@ -23,6 +29,12 @@ QByteArray readBytes(const QString &path)
 {
     QFile file(path);
     return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+}
+
+QByteArray utf16le(const QString &text)
+{
+    QStringEncoder encoder(QStringConverter::Utf16LE);
+    return encoder.encode(text);
 }
 
 QString textOf(RegFileBackend &backend, const QString &name, Hive hive = Hive::CurrentUser)
@@ -49,6 +61,11 @@ private slots:
     void unreadableFileIsKeptAside_data();
     void unreadableFileIsKeptAside();
     void failedSaveIsReportedOnce();
+    void fullDiskKeepsTheOldFile();
+    void valuesAndKeysSurviveTheFile_data();
+    void valuesAndKeysSurviveTheFile();
+    void staleTemporaryFilesAreRemoved();
+    void twoRunningCopiesKeepEachOthersValues();
 };
 
 void TestRegFileBackend::writesRegeditLayout()
@@ -63,16 +80,17 @@ void TestRegFileBackend::writesRegeditLayout()
                           SettingsValue::fromText(QStringLiteral("x"))));
     QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("count"),
                           SettingsValue::fromNumber(0xabcdef01)));
-    QCOMPARE(QString::fromUtf8(readBytes(path)),
-             QStringLiteral("Windows Registry Editor Version 5.00\n"
-                            "\n"
-                            "[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\falc_SET\\Details]\n"
-                            "\"Quote \\\"q\\\"\"=\"C:\\\\a \\\"b\\\"\"\n"
-                            "\"Count\"=dword:abcdef01\n"
-                            "\n"
-                            "[HKEY_LOCAL_MACHINE\\Software\\Run]\n"
-                            "@=\"x\"\n"
-                            "\n"));
+    // As the registry editor writes its exports: UTF-16LE, byte-order mark, CR LF.
+    const QString expected = QStringLiteral("Windows Registry Editor Version 5.00\r\n"
+                                            "\r\n"
+                                            "[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\falc_SET\\Details]\r\n"
+                                            "\"Quote \\\"q\\\"\"=\"C:\\\\a \\\"b\\\"\"\r\n"
+                                            "\"Count\"=dword:abcdef01\r\n"
+                                            "\r\n"
+                                            "[HKEY_LOCAL_MACHINE\\Software\\Run]\r\n"
+                                            "@=\"x\"\r\n"
+                                            "\r\n");
+    QCOMPARE(readBytes(path), QByteArray("\xff\xfe") + utf16le(expected));
     QCOMPARE(backend.read(Hive::CurrentUser, kKey, QStringLiteral("COUNT")),
              SettingsValue::fromNumber(0xabcdef01));
 }
@@ -89,9 +107,9 @@ void TestRegFileBackend::lineBreaksStayOnOneLine()
         QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("After"),
                               SettingsValue::fromText(QStringLiteral("ok"))));
     }
-    const QByteArray bytes = readBytes(path);
-    QVERIFY2(bytes.contains("\"Message\"=hex(1):6c,00,69,00"), bytes.constData());
-    QCOMPARE(bytes.count('\n'), 6); // header, blank, section, two values, blank
+    const QString written = FileText(path);
+    QVERIFY2(written.contains(QStringLiteral("\"Message\"=hex(1):6c,00,69,00")), qPrintable(written));
+    QCOMPARE(written.count(QLatin1Char('\n')), 6); // header, blank, section, two values, blank
     RegFileBackend reloaded(path);
     QCOMPARE(textOf(reloaded, QStringLiteral("Message")), text);
     QCOMPARE(textOf(reloaded, QStringLiteral("After")), QStringLiteral("ok"));
@@ -144,7 +162,7 @@ void TestRegFileBackend::missingFileIsCreatedOnWrite()
     QVERIFY(!QFileInfo::exists(home.filePath(QStringLiteral("config"))));
     QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
                           SettingsValue::fromText(QStringLiteral("1"))));
-    QVERIFY(readBytes(path).contains("\"A\"=\"1\""));
+    QVERIFY(FileText(path).contains(QStringLiteral("\"A\"=\"1\"")));
 }
 
 void TestRegFileBackend::unusableFileKeepsValuesInMemory()
@@ -181,7 +199,8 @@ void TestRegFileBackend::vanishedFileKeepsValues()
     QCOMPARE(textOf(backend, QStringLiteral("A")), QStringLiteral("1"));
     QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("A"),
                           SettingsValue::fromText(QStringLiteral("1"))));
-    QVERIFY(readBytes(path).contains("\"A\"=\"1\"")); // written again although unchanged in memory
+    QVERIFY(
+        FileText(path).contains(QStringLiteral("\"A\"=\"1\""))); // written again although unchanged in memory
 }
 
 void TestRegFileBackend::readsDoNotLookAtTheFileEveryTime()
@@ -212,6 +231,11 @@ void TestRegFileBackend::unreadableFileIsKeptAside_data()
     QTest::newRow("hand edit without quotes") << head + "\"A\"=\"1\"\nB=2\n" << true << "1";
     QTest::newRow("value before any section") << QByteArray("\"A\"=\"1\"\n") << true << QString();
     QTest::newRow("latin-1 text") << head + "\"A\"=\"1\"\n\"C\"=\"Caf\xe9\"\n" << true << "1";
+    QTest::newRow("utf-8 cut off at the end") << head + "\"A\"=\"1\"\n\"C\"=\"Caf\xc3" << true << "1";
+    QTest::newRow("utf-16 cut off at the end")
+        << QByteArray("\xff\xfe") + utf16le(QString::fromLatin1(head) + QStringLiteral("\"A\"=\"1\"\r\n")) +
+               'x'
+        << true << "1";
     QTest::newRow("comments and blanks") << head + "; kept by hand\n\n\"A\"=\"1\"\n" << false << "1";
     QTest::newRow("deleted key") << head + "\"A\"=\"1\"\n[-HKEY_CURRENT_USER\\Old]\n\"X\"=\"y\"\n"
                                  << false << "1";
@@ -260,6 +284,144 @@ void TestRegFileBackend::failedSaveIsReportedOnce()
                                SettingsValue::fromText(QString::fromLatin1(value))));
     QCOMPARE(reports.size(), 1);
     QVERIFY(reports.first().contains(QDir::toNativeSeparators(path)));
+}
+
+void TestRegFileBackend::fullDiskKeepsTheOldFile()
+{
+#ifndef Q_OS_UNIX
+    QSKIP("the disk is filled with a file size limit, which only Unix systems have");
+#else
+    TestHome home;
+    const QString path = home.filePath(QStringLiteral("settings.reg"));
+    QStringList reports;
+    {
+        RegFileBackend backend(path, [&reports](const QString &message) { reports << message; });
+        QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("Old"),
+                              SettingsValue::fromText(QString(2000, QLatin1Char('o')))));
+        const QByteArray before = readBytes(path);
+        {
+            FileSizeLimit full(before.size() / 2);
+            QVERIFY(full.isActive());
+            QVERIFY(!backend.write(Hive::CurrentUser, kKey, QStringLiteral("New"),
+                                   SettingsValue::fromText(QStringLiteral("n"))));
+        }
+        QCOMPARE(readBytes(path), before);
+        QCOMPARE(reports.size(), 1);
+        QVERIFY2(!backend.lastError().isEmpty(), "the reason is kept for the user");
+        QCOMPARE(textOf(backend, QStringLiteral("New")), QStringLiteral("n")); // kept in memory
+        QCOMPARE(QDir(home.path()).entryList({TemporaryFilePattern(path)}, QDir::Files), QStringList());
+
+        QVERIFY(backend.write(Hive::CurrentUser, kKey, QStringLiteral("Later"),
+                              SettingsValue::fromText(QStringLiteral("l"))));
+    }
+    RegFileBackend reloaded(path);
+    QCOMPARE(textOf(reloaded, QStringLiteral("New")), QStringLiteral("n"));
+    QCOMPARE(textOf(reloaded, QStringLiteral("Later")), QStringLiteral("l"));
+    QCOMPARE(textOf(reloaded, QStringLiteral("Old")), QString(2000, QLatin1Char('o')));
+#endif
+}
+
+void TestRegFileBackend::valuesAndKeysSurviveTheFile_data()
+{
+    QTest::addColumn<QString>("key");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("value");
+
+    const QString nul(QChar(0));
+    QTest::newRow("NUL inside") << kKey << "Note" << QStringLiteral("before") + nul + QStringLiteral("after");
+    QTest::newRow("NUL at the end") << kKey << "Note" << QStringLiteral("text") + nul;
+    QTest::newRow("lone high surrogate") << kKey << "Note" << QString(QChar(0xd83d)) + QStringLiteral("x");
+    QTest::newRow("lone low surrogate") << kKey << "Note" << QStringLiteral("x") + QChar(0xde00);
+    QTest::newRow("non-ASCII text") << kKey << "Café" << QString::fromUtf8("Café ☕ 😀 Zürich");
+    QTest::newRow("control characters") << kKey << "Note" << QStringLiteral("a\x01b\x1f\x7f");
+    QTest::newRow("tab, quotes, backslashes") << kKey << "Path" << QStringLiteral("C:\\x \"y\"\t\\\\");
+    QTest::newRow("empty text") << kKey << "Empty" << QString();
+    QTest::newRow("blanks around a backslash")
+        << QStringLiteral("SOFTWARE\\Vantora\\Notes \\ Draft\\Details") << "Note"
+        << "x";
+    QTest::newRow("blanks ending key names") << QStringLiteral("SOFTWARE\\Vantora \\ Notes ") << "Note"
+                                             << "x";
+    QTest::newRow("blanks around a value name") << kKey << "  spaced name "
+                                                << "x";
+}
+
+// What one copy of the program writes, another reads back the same, and so does the writer
+// after it has read the file again.
+void TestRegFileBackend::valuesAndKeysSurviveTheFile()
+{
+    QFETCH(QString, key);
+    QFETCH(QString, name);
+    QFETCH(QString, value);
+    TestHome home;
+    const QString path = home.filePath(QStringLiteral("settings.reg"));
+    QStringList reports;
+    RegFileBackend writer(path, [&reports](const QString &message) { reports << message; });
+    QVERIFY(writer.write(Hive::CurrentUser, key, name, SettingsValue::fromText(value)));
+
+    RegFileBackend reader(path, [&reports](const QString &message) { reports << message; });
+    QCOMPARE(reader.read(Hive::CurrentUser, key, name), SettingsValue::fromText(value));
+    QVERIFY(reader.write(Hive::CurrentUser, kKey, QStringLiteral("Other"),
+                         SettingsValue::fromText(QStringLiteral("o"))));
+    writer.setRecheckInterval(0);
+    QCOMPARE(writer.read(Hive::CurrentUser, kKey, QStringLiteral("Other")).text, QStringLiteral("o"));
+    QCOMPARE(writer.read(Hive::CurrentUser, key, name), SettingsValue::fromText(value));
+    QCOMPARE(reports, QStringList()); // nothing in the file was unreadable
+}
+
+void TestRegFileBackend::staleTemporaryFilesAreRemoved()
+{
+    TestHome home;
+    const QString path = home.filePath(QStringLiteral("settings.reg"));
+    const QDateTime twoHoursAgo = QDateTime::currentDateTime().addSecs(-7200);
+    const auto makeFile = [&home](const QString &name, const QDateTime &modified) {
+        QFile file(home.filePath(name));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        file.write("partial");
+        file.flush(); // before the time is set, which closing would otherwise undo
+        if (modified.isValid())
+            QVERIFY(file.setFileTime(modified, QFileDevice::FileModificationTime));
+    };
+    makeFile(QStringLiteral("settings.reg"), {});
+    makeFile(QStringLiteral("settings.reg.Ab12Cd.tmp"), twoHoursAgo); // a killed save
+    makeFile(QStringLiteral("settings.reg.Xy34Zw.tmp"), {});          // a save running now
+    makeFile(QStringLiteral("settings.reg.damaged"), twoHoursAgo);
+    makeFile(QStringLiteral("notes.rtf.Ab12Cd.tmp"), twoHoursAgo); // another file's
+    RegFileBackend backend(path);
+    QStringList left = QDir(home.path()).entryList(QDir::Files);
+    left.sort();
+    QCOMPARE(left, QStringList({"notes.rtf.Ab12Cd.tmp", "settings.reg", "settings.reg.Xy34Zw.tmp",
+                                "settings.reg.damaged"}));
+}
+
+void TestRegFileBackend::twoRunningCopiesKeepEachOthersValues()
+{
+    TestHome home;
+    const QString path = home.filePath(QStringLiteral("settings.reg"));
+    constexpr int kEach = 300;
+    QProcess first, second;
+    QElapsedTimer took;
+    took.start();
+    first.start(QStringLiteral(SETTINGS_WRITER), {path, QStringLiteral("first"), QString::number(kEach)});
+    second.start(QStringLiteral(SETTINGS_WRITER), {path, QStringLiteral("second"), QString::number(kEach)});
+    for (QProcess *p : {&first, &second}) {
+        QVERIFY(p->waitForFinished(90000));
+        QCOMPARE(p->exitStatus(), QProcess::NormalExit);
+        QCOMPARE(p->exitCode(), 0);
+    }
+    qInfo("two writers, %d saves each: %lld ms", kEach, took.elapsed());
+    RegFileBackend result(path);
+    QStringList missing;
+    for (const char *prefix : {"first", "second"}) {
+        for (int n = 0; n < kEach; ++n) {
+            const QString name = QStringLiteral("%1 %2").arg(QLatin1String(prefix)).arg(n);
+            if (result.read(Hive::CurrentUser, kKey, name) != SettingsValue::fromText(name))
+                missing << name;
+        }
+    }
+    QVERIFY2(missing.isEmpty(), qPrintable(QStringLiteral("%1 lost: %2")
+                                               .arg(missing.size())
+                                               .arg(missing.mid(0, 10).join(QStringLiteral(", ")))));
+    QVERIFY(!QFileInfo::exists(path + QStringLiteral(".lock")));
 }
 
 QTEST_GUILESS_MAIN(TestRegFileBackend)

@@ -1,6 +1,7 @@
 #include "core/app_paths.h"
 #include "core/platform/settings_backend.h"
 #include "core/settings_store.h"
+#include "support/file_text.h"
 #include "support/test_home.h"
 
 #include <QDir>
@@ -23,8 +24,7 @@ void writeSettingsFile(const QString &text)
 
 QString settingsFileText()
 {
-    QFile file(AppPaths::settingsFile());
-    return file.open(QIODevice::ReadOnly) ? QString::fromUtf8(file.readAll()) : QString();
+    return FileText(AppPaths::settingsFile());
 }
 
 QString fileWith(const QString &lines)
@@ -191,7 +191,7 @@ void TestSettingsStore::goodValuesSurviveGarbage()
     const QString text = settingsFileText();
     QVERIFY2(text.contains(QStringLiteral("\"Count\"=dword:00000010")), qPrintable(text));
     QVERIFY2(text.contains(QStringLiteral("\"Blob\"=hex:00,01,02,03")), qPrintable(text));
-    QVERIFY(text.startsWith(QStringLiteral("Windows Registry Editor Version 5.00\n")));
+    QVERIFY(text.startsWith(QStringLiteral("Windows Registry Editor Version 5.00\r\n")));
 }
 
 void TestSettingsStore::changeByAnotherProcessIsSeen()
@@ -249,11 +249,11 @@ void TestSettingsStore::fileIsReplacedNotRewritten()
                     QString(200, QLatin1Char('z')));
     QFile reader(AppPaths::settingsFile());
     QVERIFY(reader.open(QIODevice::ReadOnly));
-    const QString before = settingsFileText();
+    const QByteArray before = reader.peek(reader.size());
 
     WriteDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Item 0"), QStringLiteral("short"));
     // a reader that opened the file before the save still sees the whole old file
-    QCOMPARE(QString::fromUtf8(reader.readAll()), before);
+    QCOMPARE(reader.readAll(), before);
     QCOMPARE(QDir(home.path()).entryList(QDir::Files | QDir::Hidden),
              QStringList{QStringLiteral("settings.reg")});
 }

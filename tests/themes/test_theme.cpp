@@ -1,5 +1,6 @@
 #include "core/app_paths.h"
 #include "core/settings_store.h"
+#include "support/file_text.h"
 #include "support/test_home.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
@@ -90,10 +91,9 @@ private slots:
     void saveWritesInItsOrder()
     {
         SaveThemeToRegistry();
-        QFile file(AppPaths::settingsFile());
-        if (!file.open(QIODevice::ReadOnly))
+        if (!QFile::exists(AppPaths::settingsFile()))
             QSKIP("the settings are not kept in a file on this system");
-        const QString text = QString::fromUtf8(file.readAll());
+        const QString text = FileText(AppPaths::settingsFile());
         const QStringList order{"Main-Opacity", "Main-Contrast", "Main-Color",  "Bar-Font",   "Bar-Angle",
                                 "Bar-Color",    "Panel-Font",    "Panel-Angle", "Panel-Color"};
         int last = -1;

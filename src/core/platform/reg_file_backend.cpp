@@ -1,18 +1,31 @@
 #include "core/platform/reg_file_backend.h"
 
+#include "core/safe_file_write.h"
+
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
+#include <QLockFile>
 #include <QLoggingCategory>
-#include <QSaveFile>
 #include <QStringConverter>
 #include <QStringDecoder>
+#include <QStringEncoder>
 
 Q_LOGGING_CATEGORY(lcSettingsFile, "vantora.settings")
 
 namespace {
 
 const QLatin1String kHeader("Windows Registry Editor Version 5.00");
+
+// A temporary file this old beside the settings is left over from a save that was killed:
+// saves take milliseconds, and another copy of the program may be in the middle of one.
+constexpr int kStaleTemporaryFileSeconds = 60;
+
+// Saves hold the lock beside the file for milliseconds. One older than this belongs to a
+// copy of the program that hangs (one whose process has gone is taken over at once).
+constexpr int kStaleLockMs = 10000;
+// How long a save waits for another copy's save before it goes ahead without the lock.
+constexpr int kLockWaitMs = 5000;
 
 // Registry paths tolerate doubled and trailing separators; the file holds them tidy.
 QString tidyKeyPath(const QString &path)
@@ -69,10 +82,19 @@ QString quoted(const QString &text)
     return QLatin1Char('"') + out + QLatin1Char('"');
 }
 
+// Text that cannot stand between quotes on one line of the file: line breaks and other
+// control characters, and lone surrogates, which no text encoding can carry.
 bool needsHexForm(const QString &text)
 {
-    for (const QChar c : text) {
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
         if (c.unicode() < 0x20 && c != QLatin1Char('\t'))
+            return true;
+        if (c.isHighSurrogate() && i + 1 < text.size() && text.at(i + 1).isLowSurrogate()) {
+            ++i;
+            continue;
+        }
+        if (c.isSurrogate())
             return true;
     }
     return false;
@@ -102,9 +124,9 @@ bool parseHexString(const QString &list, QString &out)
     if (bytes.size() % 2)
         bytes.chop(1);
     out = QString(reinterpret_cast<const QChar *>(bytes.constData()), bytes.size() / 2);
-    const qsizetype end = out.indexOf(QChar(0)); // a string ends at its first terminator
-    if (end >= 0)
-        out.truncate(end);
+    // The terminator that ends the data is not part of the text; a NUL before it is.
+    if (out.endsWith(QChar(0)))
+        out.chop(1);
     return true;
 }
 
@@ -140,10 +162,12 @@ bool isContinuation(const QString &line)
            !t.startsWith(QLatin1Char('@'));
 }
 
+// UTF-16 (with its byte-order mark, as the registry editor writes) or UTF-8. Stateless, so
+// that a sequence cut off at the end of the file counts as an error instead of vanishing.
 QString decodeFile(const QByteArray &bytes, bool *lossless)
 {
     const auto encoding = QStringConverter::encodingForData(bytes);
-    QStringDecoder decoder(encoding.value_or(QStringConverter::Utf8));
+    QStringDecoder decoder(encoding.value_or(QStringConverter::Utf8), QStringConverter::Flag::Stateless);
     const QString text = decoder.decode(bytes);
     *lossless = !decoder.hasError();
     return text;
@@ -179,6 +203,7 @@ QString damagedCopyPath(const QString &filePath, const QByteArray &bytes, bool *
 RegFileBackend::RegFileBackend(const QString &filePath, ProblemReporter reporter)
     : m_filePath(filePath), m_reporter(std::move(reporter))
 {
+    RemoveStaleTemporaryFiles(m_filePath, kStaleTemporaryFileSeconds);
     syncFromDisk();
 }
 
@@ -205,6 +230,14 @@ bool RegFileBackend::write(Hive hive, const QString &key, const QString &name, c
 {
     if (value.type != SettingsValueType::Text && value.type != SettingsValueType::Number)
         return false;
+    // From the read to the rename no other copy of the program may save, or the one that
+    // renames last would drop the other's values.
+    QDir().mkpath(QFileInfo(m_filePath).absolutePath());
+    QLockFile lock(m_filePath + QStringLiteral(".lock"));
+    lock.setStaleLockTime(kStaleLockMs);
+    if (!lock.tryLock(kLockWaitMs))
+        qCWarning(lcSettingsFile, "Saving settings without the lock on %s (error %d)",
+                  qUtf8Printable(lock.fileName()), int(lock.error()));
     syncFromDisk(); // another copy of the program may have saved since: merge onto its file
 
     const QString section = sectionName(hive, key);
@@ -269,18 +302,12 @@ bool RegFileBackend::save()
     const QByteArray bytes = serialise(m_doc);
     const QFileInfo info(m_filePath);
     QString error;
-    QSaveFile file(m_filePath);
     if (!QDir().mkpath(info.absolutePath()))
         error = QStringLiteral("cannot create the folder %1").arg(info.absolutePath());
-    else if (!file.open(QIODevice::WriteOnly))
-        error = file.errorString();
-    else if (file.write(bytes) != bytes.size())
-        error = file.errorString();
-    else if (!file.commit())
-        error = file.errorString();
+    else
+        WriteFileSafely(m_filePath, bytes, &error);
 
     if (!error.isEmpty()) {
-        file.cancelWriting();
         if (error != m_lastError) { // once per new problem, not once per write
             qCWarning(lcSettingsFile, "Settings not saved to %s: %s", qUtf8Printable(m_filePath),
                       qUtf8Printable(error));
@@ -306,14 +333,14 @@ void RegFileBackend::keepDamagedCopy(const QByteArray &bytes, int unreadable)
     const QString copyPath = damagedCopyPath(m_filePath, bytes, &alreadyKept);
     const QString file = QDir::toNativeSeparators(m_filePath);
     if (!alreadyKept) {
-        QSaveFile copy(copyPath);
-        if (!copy.open(QIODevice::WriteOnly) || copy.write(bytes) != bytes.size() || !copy.commit()) {
+        QString error;
+        if (!WriteFileSafely(copyPath, bytes, &error)) {
             report(QStringLiteral("Part of the settings file %1 could not be read (%2 unreadable "
                                   "lines), and no copy of it could be kept (%3). Settings that "
                                   "could not be read are back at their defaults.")
                        .arg(file)
                        .arg(unreadable)
-                       .arg(copy.errorString()));
+                       .arg(error));
             return;
         }
     }
@@ -342,7 +369,8 @@ RegFileBackend::Document RegFileBackend::parse(const QByteArray &bytes, int *unr
     for (qsizetype i = 0; i < lines.size(); ++i) {
         QString line = lines.at(i).trimmed();
         if (line.startsWith(QLatin1Char('[')) && line.endsWith(QLatin1Char(']'))) {
-            const QString name = tidyKeyPath(line.mid(1, line.size() - 2).trimmed());
+            // Blanks inside the brackets belong to the key's name ("Notes \ Draft ").
+            const QString name = tidyKeyPath(line.mid(1, line.size() - 2));
             deleted = name.startsWith(QLatin1Char('-'));
             section = deleted ? QString() : name;
             if (!section.isEmpty())
@@ -390,11 +418,14 @@ bool RegFileBackend::parseValueLine(const QString &line, Document &doc, const QS
     return true;
 }
 
+// As the registry editor writes its exports, so that one imports this file unchanged: UTF-16LE
+// with a byte-order mark and CR LF line ends (an 8-bit file would be read in the ANSI code page).
 QByteArray RegFileBackend::serialise(const Document &doc)
 {
-    QString out = kHeader + QLatin1String("\n\n");
+    const QLatin1String newline("\r\n");
+    QString out = kHeader + newline + newline;
     for (const Section &section : doc.sections) {
-        out += QLatin1Char('[') + section.name + QLatin1String("]\n");
+        out += QLatin1Char('[') + section.name + QLatin1Char(']') + newline;
         for (const Entry &e : section.entries) {
             out += e.name.isEmpty() ? QStringLiteral("@") : quoted(e.name);
             out += QLatin1Char('=');
@@ -409,11 +440,12 @@ QByteArray RegFileBackend::serialise(const Document &doc)
                 out += e.raw;
                 break;
             }
-            out += QLatin1Char('\n');
+            out += newline;
         }
-        out += QLatin1Char('\n');
+        out += newline;
     }
-    return out.toUtf8();
+    QStringEncoder encoder(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+    return encoder.encode(out);
 }
 
 RegFileBackend::Section &RegFileBackend::Document::section(const QString &name)

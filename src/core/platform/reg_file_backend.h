@@ -18,23 +18,28 @@
 //     "Alarm Sound"="BELL"
 //     "Count"=dword:0000000a
 //
-// Strings escape '\' and '"' with a backslash; a string holding a line break is written as
-// hex(1): (UTF-16LE bytes) so that every value stays on its line. Key paths and value names
-// are matched without regard to case and written back as first written. Values of other
+// The file is written as the registry editor writes its exports (UTF-16LE with a byte-order
+// mark, CR LF line ends), so it can be imported on Windows unchanged; it is read as UTF-16 or
+// UTF-8, with either line end. Strings escape '\' and '"' with a backslash; a string holding a
+// line break, another control character or a lone surrogate is written as hex(1): (UTF-16LE
+// bytes and a terminator) so that every value stays on its line exactly. Key paths and value
+// names are matched without regard to case and written back as first written. Values of other
 // types (dword, hex, lines that make no sense) are kept and written back as they were, so a
 // hand edit never loses anything; text that is neither a section nor a value is dropped.
 //
-// The whole file is held in memory. Every write saves the whole file through a temporary
-// file and a rename, after re-reading it when another process changed it, so two copies of
-// the program merge: the last write of each value wins. Reads look at the file's time stamp
-// at most once a second and re-read the file when it changed. A value whose save failed
-// stays in memory and is written again with the next successful save; a file that vanished
-// or cannot be read leaves the values in memory as they were.
+// The whole file is held in memory. Every write re-reads the file, merges its own value in and
+// saves the whole file through a temporary file and a rename, holding a lock file beside it
+// ("settings.reg.lock") from the read to the rename, so two copies of the program merge: the
+// last write of each value wins. Reads look at the file's time stamp at most once a second and
+// re-read the file when it changed. A value whose save failed (a full disk, a read-only
+// folder) stays in memory and is written again with the next successful save, and the file on
+// disk stays as it was; a file that vanished or cannot be read leaves the values in memory.
+// Temporary files left by a save that was killed are removed when the store opens.
 //
-// A file with lines that make no sense, or bytes that are not UTF-8 text, would lose them at
-// the next save: before that can happen a copy of it is kept beside it ("settings.reg.damaged",
-// numbered when that name is taken). That, and a save that fails, is reported once through the
-// problem reporter in a sentence for the user.
+// A file with lines that make no sense, or bytes that are not UTF-8 or UTF-16 text, would lose
+// them at the next save: before that can happen a copy of it is kept beside it
+// ("settings.reg.damaged", numbered when that name is taken). That, and a save that fails, is
+// reported once through the problem reporter in a sentence for the user.
 class RegFileBackend : public SettingsBackend
 {
 public:
