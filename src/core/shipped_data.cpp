@@ -1,12 +1,12 @@
 #include "core/shipped_data.h"
 
 #include "core/app_paths.h"
+#include "core/safe_file_write.h"
 
 #include <QDir>
 #include <QFile>
 #include <QFileInfo>
 #include <QFontDatabase>
-#include <QSaveFile>
 
 QStringList ShippedData::dictionaryNames()
 {
@@ -77,10 +77,10 @@ bool installDictionary(const QString &name, const QString &target, QString *erro
             QStringLiteral("The built-in dictionary %1 is missing from this copy of the program.").arg(name);
         return false;
     }
-    QSaveFile out(target);
-    if (!out.open(QIODevice::WriteOnly) || out.write(shipped.readAll()) != shipped.size() || !out.commit()) {
+    QString error;
+    if (!WriteFileSafely(target, shipped.readAll(), &error)) {
         *errorMessage = QStringLiteral("Could not write the dictionary %1: %2")
-                            .arg(QDir::toNativeSeparators(target), out.errorString());
+                            .arg(QDir::toNativeSeparators(target), error);
         return false;
     }
     return true;

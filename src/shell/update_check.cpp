@@ -1,6 +1,7 @@
 #include "shell/update_check.h"
 
 #include "core/app_paths.h"
+#include "core/safe_file_write.h"
 #include "themes/message_box.h"
 
 #include <QDesktopServices>
@@ -8,7 +9,6 @@
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
-#include <QSaveFile>
 
 namespace {
 
@@ -116,11 +116,7 @@ void UpdateCheck::onFinished()
         emit finished(false);
         return;
     }
-    QSaveFile local(localVersionFile());
-    if (local.open(QIODevice::WriteOnly)) {
-        local.write(body);
-        local.commit();
-    }
+    WriteFileSafely(localVersionFile(), body); // a copy for the next start; failing is harmless
     report(body);
 }
 

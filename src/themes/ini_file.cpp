@@ -1,8 +1,11 @@
 #include "themes/ini_file.h"
 
+#include "core/safe_file_write.h"
+
 #include <QFile>
-#include <QSaveFile>
+#include <QHash>
 #include <QStringDecoder>
+#include <QStringEncoder>
 
 namespace {
 
@@ -32,6 +35,48 @@ QString unquote(const QString &value)
     return value;
 }
 
+struct Decoded
+{
+    QString text;
+    IniFile::Encoding encoding;
+};
+
+// Decodes strictly (a sequence cut off at the end is an error too) and accepts the result only
+// when encoding it again gives the same bytes, so that a save can give the file back as it was.
+bool decodeExactly(const QByteArray &bytes, QStringConverter::Encoding encoding, QString *text)
+{
+    QStringDecoder decoder(encoding, QStringConverter::Flag::Stateless);
+    *text = decoder.decode(bytes);
+    if (decoder.hasError())
+        return false;
+    QStringEncoder encoder(encoding);
+    return QByteArray(encoder.encode(*text)) == bytes;
+}
+
+Decoded decodeFile(const QByteArray &bytes)
+{
+    QString text;
+    if (bytes.startsWith("\xef\xbb\xbf") && decodeExactly(bytes.mid(3), QStringConverter::Utf8, &text))
+        return {text, IniFile::Encoding::Utf8WithBom};
+    if (bytes.startsWith("\xff\xfe") && decodeExactly(bytes.mid(2), QStringConverter::Utf16LE, &text))
+        return {text, IniFile::Encoding::Utf16LE};
+    if (bytes.startsWith("\xfe\xff") && decodeExactly(bytes.mid(2), QStringConverter::Utf16BE, &text))
+        return {text, IniFile::Encoding::Utf16BE};
+    if (decodeExactly(bytes, QStringConverter::Utf8, &text))
+        return {text, IniFile::Encoding::Utf8};
+    // Files written by older 8-bit tools: every byte is a Latin-1 character, so nothing is lost.
+    return {QString::fromLatin1(bytes), IniFile::Encoding::Latin1};
+}
+
+bool fitsLatin1(const QString &text)
+{
+    for (const QChar c : text) {
+        if (c.unicode() > 0xFF)
+            return false;
+    }
+    return true;
+}
+
 } // namespace
 
 IniFile::IniFile(const QString &path) : m_path(path) {}
@@ -39,28 +84,58 @@ IniFile::IniFile(const QString &path) : m_path(path) {}
 bool IniFile::load()
 {
     m_lines.clear();
+    m_endings.clear();
     QFile file(m_path);
     m_exists = file.exists();
     if (!m_exists)
         return true;
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    const QByteArray bytes = file.readAll();
-    QStringDecoder utf8(QStringDecoder::Utf8);
-    QString text = utf8(bytes);
-    // Files written by older 8-bit tools are not UTF-8; read them as Latin-1 and write them
-    // back the same way.
-    m_latin1 = utf8.hasError();
-    if (m_latin1)
-        text = QString::fromLatin1(bytes);
-    m_newline = text.contains(QLatin1String("\r\n")) || !text.contains(QLatin1Char('\n'))
-                    ? QStringLiteral("\r\n")
-                    : QStringLiteral("\n");
-    text.replace(QLatin1String("\r\n"), QLatin1String("\n"));
-    m_lines = text.split(QLatin1Char('\n'));
-    if (!m_lines.isEmpty() && m_lines.back().isEmpty())
-        m_lines.removeLast(); // the final line break
+    const Decoded decoded = decodeFile(file.readAll());
+    m_encoding = decoded.encoding;
+    splitLines(decoded.text);
     return true;
+}
+
+void IniFile::splitLines(const QString &text)
+{
+    QHash<QString, int> counts;
+    qsizetype start = 0;
+    for (qsizetype i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (c != QLatin1Char('\n') && c != QLatin1Char('\r'))
+            continue;
+        const bool crLf =
+            c == QLatin1Char('\r') && i + 1 < text.size() && text.at(i + 1) == QLatin1Char('\n');
+        const QString ending = crLf ? QStringLiteral("\r\n") : QString(c);
+        m_lines.append(text.mid(start, i - start));
+        m_endings.append(ending);
+        ++counts[ending];
+        if (crLf)
+            ++i;
+        start = i + 1;
+    }
+    if (start < text.size()) {
+        m_lines.append(text.mid(start));
+        m_endings.append(QString());
+    }
+    // New lines follow the file's custom; CR LF for a file without any line break yet.
+    m_newline = QStringLiteral("\r\n");
+    int best = 0;
+    for (const QString &ending : {QStringLiteral("\r\n"), QStringLiteral("\n"), QStringLiteral("\r")}) {
+        if (counts.value(ending) > best) {
+            best = counts.value(ending);
+            m_newline = ending;
+        }
+    }
+}
+
+void IniFile::insertLine(int index, const QString &line)
+{
+    if (index == m_lines.size() && !m_endings.isEmpty() && m_endings.back().isEmpty())
+        m_endings.back() = m_newline; // the last line gets its break before one follows it
+    m_lines.insert(index, line);
+    m_endings.insert(index, m_newline);
 }
 
 int IniFile::findSection(const QString &section) const
@@ -113,9 +188,9 @@ void IniFile::setValue(const QString &section, const QString &key, const QString
     int header = findSection(section);
     if (header < 0) {
         if (!m_lines.isEmpty() && !m_lines.back().trimmed().isEmpty())
-            m_lines.append(QString());
-        m_lines.append(QLatin1Char('[') + section.trimmed() + QLatin1Char(']'));
-        m_lines.append(line);
+            insertLine(int(m_lines.size()), QString());
+        insertLine(int(m_lines.size()), QLatin1Char('[') + section.trimmed() + QLatin1Char(']'));
+        insertLine(int(m_lines.size()), line);
         return;
     }
     const int existing = findKey(header, key);
@@ -127,26 +202,36 @@ void IniFile::setValue(const QString &section, const QString &key, const QString
     int insertAt = sectionEnd(header);
     while (insertAt - 1 > header && m_lines[insertAt - 1].trimmed().isEmpty())
         --insertAt;
-    m_lines.insert(insertAt, line);
+    insertLine(insertAt, line);
 }
 
-bool IniFile::save() const
+QByteArray IniFile::encoded(const QString &text) const
+{
+    switch (m_encoding) {
+    case Encoding::Utf8WithBom:
+        return QByteArray("\xef\xbb\xbf") + text.toUtf8();
+    case Encoding::Utf16LE:
+    case Encoding::Utf16BE: {
+        QStringEncoder encoder(m_encoding == Encoding::Utf16LE ? QStringConverter::Utf16LE
+                                                               : QStringConverter::Utf16BE,
+                               QStringConverter::Flag::WriteBom);
+        return encoder.encode(text);
+    }
+    case Encoding::Latin1:
+        // A value that Latin-1 cannot hold turns the file into UTF-8: every character stays.
+        if (fitsLatin1(text))
+            return text.toLatin1();
+        break;
+    case Encoding::Utf8:
+        break;
+    }
+    return text.toUtf8();
+}
+
+bool IniFile::save(QString *error) const
 {
     QString text;
-    for (const QString &line : m_lines)
-        text += line + m_newline;
-    bool fitsLatin1 = m_latin1;
-    if (fitsLatin1) {
-        for (const QChar c : text) {
-            if (c.unicode() > 0xFF) {
-                fitsLatin1 = false;
-                break;
-            }
-        }
-    }
-    QSaveFile file(m_path);
-    if (!file.open(QIODevice::WriteOnly))
-        return false;
-    file.write(fitsLatin1 ? text.toLatin1() : text.toUtf8());
-    return file.commit();
+    for (int i = 0; i < m_lines.size(); ++i)
+        text += m_lines.at(i) + m_endings.at(i);
+    return WriteFileSafely(m_path, encoded(text), error);
 }

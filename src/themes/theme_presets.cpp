@@ -1,6 +1,7 @@
 #include "themes/theme_presets.h"
 
 #include "core/app_paths.h"
+#include "core/safe_file_write.h"
 #include "themes/ini_file.h"
 #include "themes/message_box.h"
 #include "themes/preset_file.h"
@@ -10,7 +11,6 @@
 #include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QSet>
 
 namespace {
@@ -59,11 +59,7 @@ bool writeInstalledList(const QString &path, const QSet<QString> &names)
 {
     QStringList sorted(names.begin(), names.end());
     sorted.sort();
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        return false;
-    file.write(sorted.join(QLatin1Char('\n')).toUtf8() + '\n');
-    return file.commit();
+    return WriteFileSafely(path, sorted.join(QLatin1Char('\n')).toUtf8() + '\n');
 }
 
 } // namespace
@@ -116,28 +112,25 @@ Theme ReadPreset(const QString &path, const Theme &current)
 
 bool WritePreset(const QString &path, const Theme &t, const QString &caption)
 {
-    if (QFileInfo::exists(path) && !QFile::remove(path))
-        return false;
     SetPresetFile(path);
-    bool ok = true;
-    auto write = [&ok](const QString &section, const char *key, const QString &value) {
-        PresetWrite(section, QString::fromLatin1(key), value);
-        ok = ok && LastPresetWriteSucceeded();
+    RemoveStaleTemporaryFiles(path, 60); // left by a save that was killed
+    // Built whole in memory and saved once, through a temporary file: a crash or a full disk
+    // in the middle leaves the old preset, never a part of the new one.
+    IniFile file(PresetFile().trimmed());
+    const auto set = [&file](const QString &section, const char *key, const QString &value) {
+        file.setValue(section, QLatin1String(kPresetKeyPrefix) + QLatin1String(key), value);
     };
-    write(kMain, "Main-Color", ColorToText(t.MainColor));
-    write(kMain, "Main-Opacity", QString::number(t.MainOpacity));
-    write(kMain, "Main-Contrast", QString::number(t.MainContrast));
-    write(kText, "Bar-Font", t.BarFont);
-    write(kText, "Bar-Color", ColorToText(t.BarColor));
-    write(kText, "Bar-Angle", QString::number(t.BarAngle));
-    write(kText, "Panel-Angle", QString::number(t.PanelAngle));
-    write(kText, "Panel-Font", t.PanelFont);
-    write(kText, "Panel-Color", ColorToText(t.PanelColor));
-    if (!ok)
-        return false;
-    // The file being new, this writes the caption.
-    PresetRead(kPreset, QStringLiteral("caption"), caption);
-    return LastPresetWriteSucceeded();
+    set(kMain, "Main-Color", ColorToText(t.MainColor));
+    set(kMain, "Main-Opacity", QString::number(t.MainOpacity));
+    set(kMain, "Main-Contrast", QString::number(t.MainContrast));
+    set(kText, "Bar-Font", t.BarFont);
+    set(kText, "Bar-Color", ColorToText(t.BarColor));
+    set(kText, "Bar-Angle", QString::number(t.BarAngle));
+    set(kText, "Panel-Angle", QString::number(t.PanelAngle));
+    set(kText, "Panel-Font", t.PanelFont);
+    set(kText, "Panel-Color", ColorToText(t.PanelColor));
+    set(kPreset, "caption", caption.trimmed());
+    return file.save();
 }
 
 SavePresetResult SavePreset(const QString &group, const QString &name, const Theme &theme, QString *savedPath)

@@ -31,7 +31,8 @@ Theme ReadPreset(const QString &path, const Theme &current);
 
 // Writes a theme into a fresh preset file: "main" Main-Color, Main-Opacity, Main-Contrast;
 // "text" Bar-Font, Bar-Color, Bar-Angle, Panel-Angle, Panel-Font, Panel-Color; then the
-// caption in "preset". An existing file is removed first. False when it could not be written.
+// caption in "preset". An existing file is replaced whole, in one step, so that it is either the
+// old preset or the new one. False when it could not be written (the old file then stays).
 bool WritePreset(const QString &path, const Theme &theme, const QString &caption);
 
 enum class SavePresetResult

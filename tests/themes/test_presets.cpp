@@ -1,4 +1,6 @@
 #include "core/app_paths.h"
+#include "preset_saver_themes.h"
+#include "support/file_size_limit.h"
 #include "support/test_home.h"
 #include "themes/ini_file.h"
 #include "themes/message_box.h"
@@ -9,8 +11,17 @@
 #include <QDir>
 #include <QDirIterator>
 #include <QFile>
+#include <QProcess>
+#include <QRandomGenerator>
+#include <QSet>
+#include <QStringEncoder>
 #include <QTest>
+#include <QThread>
 #include <cmath>
+
+#ifdef Q_OS_UNIX
+#include <csignal>
+#endif
 
 namespace {
 
@@ -369,6 +380,122 @@ private slots:
             const double ratio = contrastRatio(main, text);
             QVERIFY2(ratio >= 4.5, qPrintable(QStringLiteral("%1 %2:1").arg(key).arg(ratio, 0, 'f', 2)));
         }
+    }
+
+private slots:
+    // A file goes through load and save unchanged, byte for byte, and keeps its encoding and
+    // line ends when a value is added.
+    void filesKeepTheirBytes_data()
+    {
+        QTest::addColumn<QByteArray>("content");
+        QTest::addColumn<QString>("expected"); // "> Panel-Font" of [text]
+        QTest::addColumn<int>("encoding");
+
+        const auto latin1 = int(IniFile::Encoding::Latin1);
+        const auto utf8 = int(IniFile::Encoding::Utf8);
+        QStringEncoder utf16(QStringConverter::Utf16LE, QStringConverter::Flag::WriteBom);
+        QTest::newRow("latin-1, no final line break")
+            << QByteArray("[text]\r\n> Panel-Font=Caf\xe9") << "Café" << latin1;
+        QTest::newRow("latin-1, CR LF")
+            << QByteArray("[text]\r\n> Panel-Font=Gar\xe7on\r\n") << "Garçon" << latin1;
+        QTest::newRow("utf-8 cut off at the end")
+            << QByteArray("[text]\n> Panel-Font=Caf\xc3") << QStringLiteral("Caf\u00c3") << latin1;
+        QTest::newRow("utf-8 with a byte-order mark")
+            << QByteArray("\xef\xbb\xbf[text]\n> Panel-Font=Z\xc3\xbcrich\n") << "Zürich"
+            << int(IniFile::Encoding::Utf8WithBom);
+        QTest::newRow("utf-16 with a byte-order mark")
+            << QByteArray(utf16.encode(QStringLiteral("[text]\r\n> Panel-Font=Ελληνικά\r\n"))) << "Ελληνικά"
+            << int(IniFile::Encoding::Utf16LE);
+        QTest::newRow("CR ending the last line")
+            << QByteArray("[text]\n> Panel-Font=Mono\r") << "Mono" << utf8;
+        QTest::newRow("CR line ends") << QByteArray("[text]\r> Panel-Font=Mono\r[main]\r") << "Mono" << utf8;
+        QTest::newRow("mixed line ends")
+            << QByteArray("[main]\r\n> Main-Color=1\n[text]\r> Panel-Font=Mono\r\n\n") << "Mono" << utf8;
+        QTest::newRow("NUL in a line")
+            << QByteArray("[text]\n> Panel-Font=a\0b\n", 25) << QStringLiteral("a") + QChar(0) + "b" << utf8;
+        QTest::newRow("empty file") << QByteArray() << QString() << utf8;
+    }
+
+    void filesKeepTheirBytes()
+    {
+        QFETCH(QByteArray, content);
+        QFETCH(QString, expected);
+        QFETCH(int, encoding);
+        const QString path = m_home->filePath(QStringLiteral("p.dcp"));
+        writeFile(path, content);
+        IniFile file(path);
+        QVERIFY(file.load());
+        QCOMPARE(file.value(QStringLiteral("text"), QStringLiteral("> Panel-Font")), expected);
+        QCOMPARE(int(file.encoding()), encoding);
+        QVERIFY(file.save());
+        QCOMPARE(readFile(path), content);
+
+        file.setValue(QStringLiteral("main"), QStringLiteral("> Main-Opacity"), QStringLiteral("9"));
+        QVERIFY(file.save());
+        IniFile reread(path);
+        QVERIFY(reread.load());
+        QCOMPARE(reread.value(QStringLiteral("text"), QStringLiteral("> Panel-Font")), expected);
+        QCOMPARE(reread.value(QStringLiteral("main"), QStringLiteral("> Main-Opacity")), QStringLiteral("9"));
+        QCOMPARE(int(reread.encoding()), encoding);
+    }
+
+    // Neither applying a preset that lacks values (which completes it) nor saving over one may
+    // empty it when the disk is full.
+    void fullDiskKeepsThePreset()
+    {
+#ifndef Q_OS_UNIX
+        QSKIP("the disk is filled with a file size limit, which only Unix systems have");
+#else
+        const QString path = PresetFilePath(QStringLiteral("custom"), QStringLiteral("Only.dcp"));
+        writeFile(path, "[preset]\r\n> caption=Only a name\r\n");
+        const QByteArray before = readFile(path);
+        const Theme current = sampleTheme();
+        {
+            FileSizeLimit full(before.size());
+            QVERIFY(full.isActive());
+            QCOMPARE(ReadPreset(path, current), current); // applied all the same
+            QVERIFY(!WritePreset(path, Theme(), QStringLiteral("Other")));
+            QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Only"), Theme()),
+                     SavePresetResult::WriteFailed);
+        }
+        QCOMPARE(readFile(path), before);
+        QCOMPARE(QDir(QFileInfo(path).absolutePath()).entryList(QDir::Files), QStringList{"Only.dcp"});
+#endif
+    }
+
+    // Killed at any moment of a save over an existing preset, the file is one of the two
+    // presets, whole.
+    void killedSaveLeavesAWholePreset()
+    {
+#ifndef Q_OS_UNIX
+        QSKIP("needs a way to kill a process outright");
+#else
+        const QString first = m_home->filePath(QStringLiteral("first.dcp"));
+        const QString second = m_home->filePath(QStringLiteral("second.dcp"));
+        QVERIFY(WritePreset(first, FirstSavedTheme(), QStringLiteral("First")));
+        QVERIFY(WritePreset(second, SecondSavedTheme(), QStringLiteral("Second")));
+        const QSet<QByteArray> whole{readFile(first), readFile(second)};
+        const QString path = m_home->filePath(QStringLiteral("saved.dcp"));
+        QVERIFY(QFile::copy(first, path));
+
+        QRandomGenerator random(20261124);
+        constexpr int kKills = 100;
+        int broken = 0;
+        for (int kill = 0; kill < kKills; ++kill) {
+            QProcess saver;
+            saver.start(QStringLiteral(PRESET_SAVER), {path});
+            QVERIFY(saver.waitForReadyRead(10000)); // its first save is done: now mid-loop
+            QThread::usleep(random.bounded(3000));
+            ::kill(pid_t(saver.processId()), SIGKILL);
+            QVERIFY(saver.waitForFinished(10000));
+            if (!whole.contains(readFile(path)))
+                ++broken;
+        }
+        QCOMPARE(broken, 0);
+        QCOMPARE(ReadPreset(path, Theme()) == FirstSavedTheme() ||
+                     ReadPreset(path, Theme()) == SecondSavedTheme(),
+                 true);
+#endif
     }
 
 private:

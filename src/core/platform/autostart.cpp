@@ -1,9 +1,10 @@
 #include "core/platform/autostart.h"
 
+#include "core/safe_file_write.h"
+
 #include <QCoreApplication>
 #include <QDir>
 #include <QFileInfo>
-#include <QSaveFile>
 #include <QStandardPaths>
 
 #ifdef Q_OS_WIN
@@ -19,11 +20,7 @@ void Autostart::apply(bool on)
 #else
     const QString path = desktopEntryPath();
     QDir().mkpath(QFileInfo(path).absolutePath());
-    QSaveFile file(path);
-    if (!file.open(QIODevice::WriteOnly | QIODevice::Text))
-        return;
-    file.write(desktopEntryText(executable, on).toUtf8());
-    file.commit();
+    WriteFileSafely(path, desktopEntryText(executable, on).toUtf8());
 #endif
 }
 
