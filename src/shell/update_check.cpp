@@ -10,6 +10,8 @@
 #include <QNetworkReply>
 #include <QNetworkRequest>
 
+#include <cmath>
+
 namespace {
 
 constexpr qint64 kMaxVersionFileBytes = 64 * 1024;
@@ -76,7 +78,7 @@ std::optional<double> UpdateCheck::parseVersion(const QByteArray &text)
     const QByteArray firstLine = (lineEnd < 0 ? text : text.left(lineEnd)).trimmed();
     bool ok = false;
     const double v = QLocale::c().toDouble(QString::fromLatin1(firstLine), &ok);
-    if (!ok)
+    if (!ok || !std::isfinite(v)) // "inf" would always be newer
         return std::nullopt;
     return v;
 }

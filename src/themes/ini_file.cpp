@@ -68,15 +68,6 @@ Decoded decodeFile(const QByteArray &bytes)
     return {QString::fromLatin1(bytes), IniFile::Encoding::Latin1};
 }
 
-bool fitsLatin1(const QString &text)
-{
-    for (const QChar c : text) {
-        if (c.unicode() > 0xFF)
-            return false;
-    }
-    return true;
-}
-
 } // namespace
 
 IniFile::IniFile(const QString &path) : m_path(path) {}
@@ -91,10 +82,17 @@ bool IniFile::load()
         return true;
     if (!file.open(QIODevice::ReadOnly))
         return false;
-    const Decoded decoded = decodeFile(file.readAll());
+    setBytes(file.readAll());
+    return true;
+}
+
+void IniFile::setBytes(const QByteArray &bytes)
+{
+    m_lines.clear();
+    m_endings.clear();
+    const Decoded decoded = decodeFile(bytes);
     m_encoding = decoded.encoding;
     splitLines(decoded.text);
-    return true;
 }
 
 void IniFile::splitLines(const QString &text)
@@ -205,33 +203,44 @@ void IniFile::setValue(const QString &section, const QString &key, const QString
     insertLine(insertAt, line);
 }
 
-QByteArray IniFile::encoded(const QString &text) const
+QByteArray IniFile::encoded(const QString &text, Encoding encoding)
 {
-    switch (m_encoding) {
+    switch (encoding) {
     case Encoding::Utf8WithBom:
         return QByteArray("\xef\xbb\xbf") + text.toUtf8();
     case Encoding::Utf16LE:
     case Encoding::Utf16BE: {
-        QStringEncoder encoder(m_encoding == Encoding::Utf16LE ? QStringConverter::Utf16LE
-                                                               : QStringConverter::Utf16BE,
+        QStringEncoder encoder(encoding == Encoding::Utf16LE ? QStringConverter::Utf16LE
+                                                             : QStringConverter::Utf16BE,
                                QStringConverter::Flag::WriteBom);
         return encoder.encode(text);
     }
     case Encoding::Latin1:
-        // A value that Latin-1 cannot hold turns the file into UTF-8: every character stays.
-        if (fitsLatin1(text))
-            return text.toLatin1();
-        break;
+        return text.toLatin1();
     case Encoding::Utf8:
         break;
     }
     return text.toUtf8();
 }
 
-bool IniFile::save(QString *error) const
+QByteArray IniFile::bytes() const
 {
     QString text;
     for (int i = 0; i < m_lines.size(); ++i)
         text += m_lines.at(i) + m_endings.at(i);
-    return WriteFileSafely(m_path, encoded(text), error);
+    // The file's own encoding, unless the next load would read the bytes as other text: a
+    // value Latin-1 cannot hold, or an edit that makes a Latin-1 file look like UTF-8 or
+    // UTF-16. UTF-8 with a byte-order mark always reads back as written.
+    QByteArray bytes;
+    for (const Encoding encoding : {m_encoding, Encoding::Utf8, Encoding::Utf8WithBom}) {
+        bytes = encoded(text, encoding);
+        if (decodeFile(bytes).text == text)
+            break;
+    }
+    return bytes;
+}
+
+bool IniFile::save(QString *error) const
+{
+    return WriteFileSafely(m_path, bytes(), error);
 }

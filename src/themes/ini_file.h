@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -28,6 +29,10 @@ public:
     QString value(const QString &section, const QString &key, bool *found = nullptr) const;
     // Sets key in section (in memory; call save()).
     void setValue(const QString &section, const QString &key, const QString &value);
+    // The content as the file would hold it, and content taken as if loaded from a file.
+    QByteArray bytes() const;
+    void setBytes(const QByteArray &bytes);
+
     // Writes the file (created when missing; its folder must exist). *error says why it failed.
     bool save(QString *error = nullptr) const;
 
@@ -50,7 +55,7 @@ private:
     void splitLines(const QString &text);
     // Inserts a line before `index`, ending in the file's usual line break.
     void insertLine(int index, const QString &line);
-    QByteArray encoded(const QString &text) const;
+    static QByteArray encoded(const QString &text, Encoding encoding);
 
     // Index of the section's header line, or -1.
     int findSection(const QString &section) const;

@@ -87,6 +87,9 @@ void TestUpdateCheck::parsesVersionFile_data()
     QTest::newRow("first line only") << QByteArray("1.12\nrelease notes") << 1.12;
     QTest::newRow("words") << QByteArray("<html>") << -1.0;
     QTest::newRow("empty") << QByteArray() << -1.0;
+    QTest::newRow("infinity") << QByteArray("inf") << -1.0;
+    QTest::newRow("not a number") << QByteArray("nan") << -1.0;
+    QTest::newRow("beyond the largest number") << QByteArray("1e999") << -1.0;
 }
 
 void TestUpdateCheck::parsesVersionFile()

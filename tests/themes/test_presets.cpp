@@ -439,6 +439,31 @@ private slots:
         QCOMPARE(int(reread.encoding()), encoding);
     }
 
+    // A Latin-1 file whose first bytes look like a UTF-16 byte-order mark: an edit that makes
+    // the rest read as UTF-16 must not change what the file says (once found by fuzzing).
+    void latin1ThatLooksLikeUtf16_data()
+    {
+        // After the mark, an odd number of bytes: not UTF-16, so Latin-1. Setting a value of
+        // odd length makes the count even, and the whole file would then read as UTF-16.
+        QTest::addColumn<QString>("value");
+        QTest::newRow("edit leaves an odd count") << QStringLiteral("12");
+        QTest::newRow("edit makes the count even") << QStringLiteral("1");
+    }
+
+    void latin1ThatLooksLikeUtf16()
+    {
+        QFETCH(QString, value);
+        IniFile file(QString{});
+        file.setBytes(QByteArray("\xff\xfe\n[text]\n> Panel-Font=Caf\xe9 \n"));
+        QCOMPARE(file.encoding(), IniFile::Encoding::Latin1);
+        file.setValue(QStringLiteral("main"), QStringLiteral("> Main-Color"), value);
+        IniFile reread(QString{});
+        reread.setBytes(file.bytes());
+        QCOMPARE(reread.value(QStringLiteral("text"), QStringLiteral("> Panel-Font")),
+                 QStringLiteral("Café"));
+        QCOMPARE(reread.value(QStringLiteral("main"), QStringLiteral("> Main-Color")), value);
+    }
+
     // Neither applying a preset that lacks values (which completes it) nor saving over one may
     // empty it when the disk is full.
     void fullDiskKeepsThePreset()
