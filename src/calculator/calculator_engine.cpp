@@ -1,5 +1,6 @@
 #include "calculator/calculator_engine.h"
 
+#include <QLocale>
 #include <QStringView>
 
 #include <algorithm>
@@ -309,6 +310,16 @@ void CalculatorEngine::enterText(const QString &text)
 {
     if (setDisplayNumber(leadingNumber(text)) && m_pendingOperator != Operator::None)
         m_secondOperandTyped = true;
+}
+
+QString CalculatorEngine::memoryForSaving() const
+{
+    // Fifteen digits read back as the same number nearly always; near the largest number
+    // they round up past it and would read back as infinity, losing the memory.
+    const QString text = numberText(m_memory);
+    if (leadingNumber(text) == m_memory)
+        return text;
+    return QString::number(m_memory, 'g', QLocale::FloatingPointShortest);
 }
 
 void CalculatorEngine::restoreMemory(const QString &text)

@@ -71,9 +71,10 @@ public:
     void enterText(const QString &text);
 
     // Memory as the settings keep it: restore on load (text without a number counts as 0),
-    // save on close.
+    // save on close. The saved text is the memory's usual text, or, where that would read
+    // back as another number, the shortest text that reads back exactly.
     void restoreMemory(const QString &text);
-    QString memoryForSaving() const { return numberText(m_memory); }
+    QString memoryForSaving() const;
 
     // State.
     const QString &display() const { return m_display; }

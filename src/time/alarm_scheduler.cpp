@@ -3,6 +3,7 @@
 #include "core/clock_source.h"
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
+#include "time/clock_change.h"
 #include "time/date_time_formatter.h"
 
 #include <QTime>
@@ -70,10 +71,18 @@ AlarmPreset AlarmScheduler::preset(int index) const
     return m_presets[index];
 }
 
-bool AlarmScheduler::fires(const AlarmPreset &preset, const QString &now) const
+bool AlarmScheduler::fires(const AlarmPreset &preset, const QString &now, const ClockChange &change) const
 {
     const QString time = normalizedTime(preset.time);
-    return !time.isEmpty() && time.contains(now, Qt::CaseInsensitive);
+    if (time.isEmpty())
+        return false;
+    // Once a day: not again while the clock goes through an hour for the second time, and
+    // at the first second after a jump forward for a time that was skipped.
+    if (change.inRepeatedTime())
+        return false;
+    if (change.wasSkipped(QTime::fromString(time, QStringLiteral("HH:mm:ss"))))
+        return true;
+    return time.contains(now, Qt::CaseInsensitive);
 }
 
 void AlarmScheduler::ring()
@@ -89,10 +98,12 @@ void AlarmScheduler::ring()
 
 void AlarmScheduler::AlarmRefresh()
 {
-    const QString now = DateTimeFormatter::format(ClockSource::now(), QStringLiteral("hh:nn:ss"));
+    const QDateTime current = ClockSource::now();
+    const QString now = DateTimeFormatter::format(current, QStringLiteral("hh:nn:ss"));
+    const ClockChange change = ClockChange::at(current);
     for (int n = 0; n <= kLastCheckedIndex; ++n) {
         const AlarmPreset p = preset(n);
-        if (!p.armed || !fires(p, now))
+        if (!p.armed || !fires(p, now, change))
             continue;
         ring();
         emit alarmFired(n, p.message);

@@ -3,12 +3,16 @@
 #include "time/alarm_preset.h"
 
 #include <QObject>
+
+class ClockChange;
 #include <QStringList>
 #include <array>
 
 // Watches the five alarm presets. The hidden scheduler window calls AlarmRefresh() every
 // 100 ms for the whole run; a preset fires on every check that falls within its second (about
-// ten checks), each time playing its sound and signalling its message. Presets are read from
+// ten checks), each time playing its sound and signalling its message. Across daylight-saving
+// changes an alarm still rings on one pass only: a time the clock skips rings in the first
+// second after the jump, and a time it shows twice rings the first time only. Presets are read from
 // the settings only by loadPresets(), so an edit counts once the alarm dialog saves.
 class AlarmScheduler : public QObject
 {
@@ -43,7 +47,7 @@ signals:
     void presetsLoaded();
 
 private:
-    bool fires(const AlarmPreset &preset, const QString &now) const;
+    bool fires(const AlarmPreset &preset, const QString &now, const ClockChange &change) const;
     void ring();
 
     std::array<AlarmPreset, PresetCount> m_presets;

@@ -1,5 +1,6 @@
 #include "calculator/calculator_engine.h"
 
+#include <QLocale>
 #include <QStringList>
 #include <QTest>
 
@@ -76,6 +77,8 @@ private slots:
     void memoryKeys();
     void restoreMemory_data();
     void restoreMemory();
+    void savedMemoryReadsBackExactly_data();
+    void savedMemoryReadsBackExactly();
     void memorySurvivesSaving();
 };
 
@@ -383,6 +386,39 @@ void TestCalculatorEngine::memorySurvivesSaving()
     second.restoreMemory(first.memoryForSaving());
     QCOMPARE(second.memoryDisplay(), first.memoryDisplay());
     QCOMPARE(second.memory(), 0.3333);
+}
+
+void TestCalculatorEngine::savedMemoryReadsBackExactly_data()
+{
+    QTest::addColumn<double>("memory");
+    QTest::addColumn<QString>("saved"); // empty: any text that reads back exactly
+
+    const double largest = std::numeric_limits<double>::max();
+    QTest::newRow("largest number") << largest << "";
+    QTest::newRow("largest negative number") << -largest << "";
+    QTest::newRow("just below the largest") << std::nextafter(largest, 0.0) << "";
+    QTest::newRow("binary noise") << 0.1 + 0.2 << "";
+    QTest::newRow("smallest subnormal") << std::numeric_limits<double>::denorm_min() << "";
+    QTest::newRow("tiny") << 1e-300 << "1E-300";
+    QTest::newRow("ordinary text stays") << 123.456 << "123.456";
+    QTest::newRow("fifteen digits") << 1e15 << "1E+15";
+    QTest::newRow("zero") << 0.0 << "0";
+}
+
+// What the calculator saves on close gives back the very same memory at the next start.
+void TestCalculatorEngine::savedMemoryReadsBackExactly()
+{
+    QFETCH(double, memory);
+    QFETCH(QString, saved);
+    CalculatorEngine first;
+    first.restoreMemory(QString::number(memory, 'g', QLocale::FloatingPointShortest));
+    QCOMPARE(first.memory(), memory);
+    const QString text = first.memoryForSaving();
+    if (!saved.isEmpty())
+        QCOMPARE(text, saved);
+    CalculatorEngine second;
+    second.restoreMemory(text);
+    QVERIFY2(second.memory() == memory, qPrintable(text));
 }
 
 QTEST_GUILESS_MAIN(TestCalculatorEngine)

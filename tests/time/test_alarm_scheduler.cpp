@@ -5,6 +5,7 @@
 
 #include <QSignalSpy>
 #include <QTest>
+#include <QTimeZone>
 
 namespace {
 const QDate kDay(2026, 3, 10);
@@ -35,6 +36,8 @@ private slots:
     void otherSoundFile();
     void changeCountsOnlyAfterReload();
     void indexFiveIsNeverArmed();
+    void daylightSavingChanges_data();
+    void daylightSavingChanges();
 
 private:
     TestHome *m_home = nullptr;
@@ -195,6 +198,68 @@ void TestAlarmScheduler::indexFiveIsNeverArmed()
     ClockSource::setNowForTesting(QDateTime(kDay, QTime(10, 0, 0)));
     scheduler.AlarmRefresh();
     QCOMPARE(spy.count(), 0);
+}
+
+void TestAlarmScheduler::daylightSavingChanges_data()
+{
+    QTest::addColumn<QByteArray>("zone");
+    QTest::addColumn<QDateTime>("utc"); // the moment of the check
+    QTest::addColumn<QString>("time");  // the preset's time of day
+    QTest::addColumn<bool>("fires");
+
+    const auto at = [](int y, int mo, int d, int h, int mi, int s, int ms = 300) {
+        return QDateTime(QDate(y, mo, d), QTime(h, mi, s, ms), Qt::UTC);
+    };
+    // New York jumps from 02:00 to 03:00 at 07:00 UTC on 8 March 2026 ...
+    const QByteArray ny = "America/New_York";
+    QTest::newRow("ordinary day") << ny << at(2026, 3, 7, 12, 30, 0) << "07:30:00" << true;
+    QTest::newRow("skipped time rings at 03:00:00") << ny << at(2026, 3, 8, 7, 0, 0) << "02:30:00" << true;
+    QTest::newRow("first skipped second too") << ny << at(2026, 3, 8, 7, 0, 0, 900) << "02:00:00" << true;
+    QTest::newRow("skipped time, one second later") << ny << at(2026, 3, 8, 7, 0, 1) << "02:30:00" << false;
+    QTest::newRow("skipped time, before the jump") << ny << at(2026, 3, 8, 6, 59, 59) << "02:30:00" << false;
+    QTest::newRow("time before the gap is not skipped")
+        << ny << at(2026, 3, 8, 7, 0, 0) << "01:59:59" << false;
+    QTest::newRow("03:00:00 itself") << ny << at(2026, 3, 8, 7, 0, 0) << "03:00:00" << true;
+    // ... and turns back from 02:00 to 01:00 at 06:00 UTC on 1 November 2026.
+    QTest::newRow("repeated hour, first pass") << ny << at(2026, 11, 1, 5, 30, 0) << "01:30:00" << true;
+    QTest::newRow("repeated hour, second pass") << ny << at(2026, 11, 1, 6, 30, 0) << "01:30:00" << false;
+    QTest::newRow("start of the second pass") << ny << at(2026, 11, 1, 6, 0, 0) << "01:00:00" << false;
+    QTest::newRow("after the repeated hour") << ny << at(2026, 11, 1, 7, 0, 0) << "02:00:00" << true;
+    // Half-hour changes: 02:00 back to 01:30, and 02:00 on to 02:30.
+    const QByteArray lordHowe = "Australia/Lord_Howe";
+    QTest::newRow("half hour repeated, first pass")
+        << lordHowe << at(2026, 4, 4, 14, 45, 0) << "01:45:00" << true;
+    QTest::newRow("half hour repeated, second pass")
+        << lordHowe << at(2026, 4, 4, 15, 15, 0) << "01:45:00" << false;
+    QTest::newRow("half hour skipped") << lordHowe << at(2026, 10, 3, 15, 30, 0) << "02:15:00" << true;
+    QTest::newRow("after a half hour skip") << lordHowe << at(2026, 10, 3, 15, 30, 0) << "02:30:00" << true;
+    // Santiago jumps from midnight to 01:00, and turns back from midnight to 23:00.
+    const QByteArray santiago = "America/Santiago";
+    QTest::newRow("skipped midnight") << santiago << at(2026, 9, 6, 4, 0, 0) << "00:00:00" << true;
+    QTest::newRow("skipped after midnight") << santiago << at(2026, 9, 6, 4, 0, 0) << "00:45:00" << true;
+    QTest::newRow("evening before the gap") << santiago << at(2026, 9, 6, 4, 0, 0) << "23:45:00" << false;
+    QTest::newRow("late hour, first pass") << santiago << at(2026, 4, 5, 2, 30, 0) << "23:30:00" << true;
+    QTest::newRow("late hour, second pass") << santiago << at(2026, 4, 5, 3, 30, 0) << "23:30:00" << false;
+}
+
+// Daily alarms across daylight-saving changes: each rings on one pass only, even when the
+// clock never shows its time that day.
+void TestAlarmScheduler::daylightSavingChanges()
+{
+    QFETCH(QByteArray, zone);
+    QFETCH(QDateTime, utc);
+    QFETCH(QString, time);
+    QFETCH(bool, fires);
+    const QTimeZone tz(zone);
+    if (!tz.isValid())
+        QSKIP("this system has no data for the time zone");
+    armPreset(0, time, QStringLiteral("Alarm"));
+    AlarmScheduler scheduler;
+    scheduler.loadPresets();
+    QSignalSpy spy(&scheduler, &AlarmScheduler::alarmFired);
+    ClockSource::setNowForTesting(utc.toTimeZone(tz));
+    scheduler.AlarmRefresh();
+    QCOMPARE(spy.count(), fires ? 1 : 0);
 }
 
 QTEST_GUILESS_MAIN(TestAlarmScheduler)
