@@ -5,18 +5,21 @@
 #include "themes/ini_file.h"
 #include "themes/theme.h"
 
-#include <QHash>
+#include <QList>
 
 #include <cstddef>
 #include <cstdint>
+#include <utility>
 
 namespace {
 
+using SectionAndKey = std::pair<QString, QString>;
+
 // Reads every key line the way applying a preset would, numbers and colours included, and
-// returns the values by "section|key".
-QHash<QString, QString> readEveryValue(const IniFile &file)
+// returns the values by section and key.
+QList<std::pair<SectionAndKey, QString>> readEveryValue(const IniFile &file)
 {
-    QHash<QString, QString> values;
+    QList<std::pair<SectionAndKey, QString>> values;
     QString section;
     for (const QString &line : file.lines()) {
         const QString trimmed = line.trimmed();
@@ -31,7 +34,7 @@ QHash<QString, QString> readEveryValue(const IniFile &file)
         FUZZ_CHECK(value.size() <= IniFile::kMaxValueLength);
         ParseThemeNumber(value, 0);
         TextToColor(value, 0);
-        values.insert(section + QLatin1Char('|') + line.left(eq), value);
+        values.append({{section, line.left(eq)}, value});
     }
     return values;
 }
@@ -44,7 +47,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     IniFile file(QString{});
     file.setBytes(input);
     FUZZ_CHECK(file.bytes() == input);
-    const QHash<QString, QString> before = readEveryValue(file);
+    const auto before = readEveryValue(file);
 
     // Setting one value changes that value only, in the file as the next load reads it.
     const QString section = QStringLiteral("main");
@@ -53,10 +56,9 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t *data, size_t size)
     IniFile saved(QString{});
     saved.setBytes(file.bytes());
     FUZZ_CHECK(saved.value(section, key) == QStringLiteral("13855252"));
-    for (auto it = before.begin(); it != before.end(); ++it) {
-        const QString name = it.key().section(QLatin1Char('|'), 1);
-        if (name.trimmed().compare(key, Qt::CaseInsensitive) != 0)
-            FUZZ_CHECK(saved.value(it.key().section(QLatin1Char('|'), 0, 0), name) == it.value());
+    for (const auto &[where, value] : before) {
+        if (where.second.trimmed().compare(key, Qt::CaseInsensitive) != 0)
+            FUZZ_CHECK(saved.value(where.first, where.second) == value);
     }
     return 0;
 }

@@ -100,11 +100,12 @@ void ShareThemeDialog::exportTheme()
     if (path.isEmpty())
         return;
     QString written;
-    if (ExportTheme(path, CurrentTheme(), &written))
+    QString error;
+    if (ExportTheme(path, CurrentTheme(), &written, &error))
         setStatus(tr("The theme was saved to %1.").arg(QDir::toNativeSeparators(written)));
     else
-        setStatus(tr("The theme could not be saved to %1. Choose a folder you can write to.")
-                      .arg(QDir::toNativeSeparators(written)));
+        setStatus(tr("The theme could not be saved to %1 (%2). Choose a folder you can write to.")
+                      .arg(QDir::toNativeSeparators(written), error));
 }
 
 void ShareThemeDialog::importTheme()

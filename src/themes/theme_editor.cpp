@@ -5,6 +5,7 @@
 #include "themes/theme_presets.h"
 
 #include <QColorDialog>
+#include <QDir>
 #include <QFileInfo>
 #include <QFontComboBox>
 #include <QGridLayout>
@@ -460,13 +461,15 @@ void ThemeEditor::applyPreset(const QString &fileName)
 void ThemeEditor::savePreset()
 {
     QString path;
-    switch (SavePreset(selectedGroup(), m_name->text(), m_theme, &path)) {
+    QString error;
+    switch (SavePreset(selectedGroup(), m_name->text(), m_theme, &path, &error)) {
     case SavePresetResult::NoName:
         m_name->setFocus();
         return;
     case SavePresetResult::WriteFailed:
-        setStatus(tr("The preset could not be saved to %1. Check that the folder can be written to.")
-                      .arg(QFileInfo(path).absolutePath()));
+        setStatus(tr("The preset could not be saved to %1 (%2). Any preset of that name is kept as it "
+                     "was.")
+                      .arg(QDir::toNativeSeparators(QFileInfo(path).absolutePath()), error));
         return;
     case SavePresetResult::Saved:
         break;

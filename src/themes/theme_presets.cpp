@@ -110,7 +110,7 @@ Theme ReadPreset(const QString &path, const Theme &current)
     return t;
 }
 
-bool WritePreset(const QString &path, const Theme &t, const QString &caption)
+bool WritePreset(const QString &path, const Theme &t, const QString &caption, QString *error)
 {
     SetPresetFile(path);
     RemoveStaleTemporaryFiles(path, 60); // left by a save that was killed
@@ -130,10 +130,11 @@ bool WritePreset(const QString &path, const Theme &t, const QString &caption)
     set(kText, "Panel-Font", t.PanelFont);
     set(kText, "Panel-Color", ColorToText(t.PanelColor));
     set(kPreset, "caption", caption.trimmed());
-    return file.save();
+    return file.save(error);
 }
 
-SavePresetResult SavePreset(const QString &group, const QString &name, const Theme &theme, QString *savedPath)
+SavePresetResult SavePreset(const QString &group, const QString &name, const Theme &theme, QString *savedPath,
+                            QString *error)
 {
     if (name.trimmed().isEmpty()) {
         ShowInfoMessage(kNoNameMessage);
@@ -144,7 +145,8 @@ SavePresetResult SavePreset(const QString &group, const QString &name, const The
     const QString path = folder + QLatin1Char('/') + PresetFileNameFor(name);
     if (savedPath)
         *savedPath = path;
-    return WritePreset(path, theme, name.trimmed()) ? SavePresetResult::Saved : SavePresetResult::WriteFailed;
+    return WritePreset(path, theme, name.trimmed(), error) ? SavePresetResult::Saved
+                                                        : SavePresetResult::WriteFailed;
 }
 
 QString PresetSizeText(qint64 bytes)
@@ -192,14 +194,14 @@ int DeleteAllPresets(const QString &group)
     return removed;
 }
 
-bool ExportTheme(const QString &path, const Theme &theme, QString *writtenPath)
+bool ExportTheme(const QString &path, const Theme &theme, QString *writtenPath, QString *error)
 {
     QString target = path;
     if (QFileInfo(target).suffix().isEmpty())
         target += QStringLiteral(".dcp");
     if (writtenPath)
         *writtenPath = target;
-    return WritePreset(target, theme, QFileInfo(target).completeBaseName());
+    return WritePreset(target, theme, QFileInfo(target).completeBaseName(), error);
 }
 
 namespace {

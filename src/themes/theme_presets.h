@@ -33,7 +33,7 @@ Theme ReadPreset(const QString &path, const Theme &current);
 // "text" Bar-Font, Bar-Color, Bar-Angle, Panel-Angle, Panel-Font, Panel-Color; then the
 // caption in "preset". An existing file is replaced whole, in one step, so that it is either the
 // old preset or the new one. False when it could not be written (the old file then stays).
-bool WritePreset(const QString &path, const Theme &theme, const QString &caption);
+bool WritePreset(const QString &path, const Theme &theme, const QString &caption, QString *error = nullptr);
 
 enum class SavePresetResult
 {
@@ -42,9 +42,9 @@ enum class SavePresetResult
     WriteFailed // the folder or disk refused the file
 };
 // Saves the theme as group/name.dcp (the editor's save button). An empty name shows
-// "You need to set a name before saving." and writes nothing.
+// "You need to set a name before saving." and writes nothing. *error says why a write failed.
 SavePresetResult SavePreset(const QString &group, const QString &name, const Theme &theme,
-                            QString *savedPath = nullptr);
+                            QString *savedPath = nullptr, QString *error = nullptr);
 
 // One line of the editor's preset list.
 struct PresetListEntry
@@ -70,7 +70,8 @@ int DeleteAllPresets(const QString &group);
 
 // Sharing: writes the theme to a preset file of the user's choosing (".dcp" added when the
 // name has no extension), with the file's base name as caption.
-bool ExportTheme(const QString &path, const Theme &theme, QString *writtenPath = nullptr);
+bool ExportTheme(const QString &path, const Theme &theme, QString *writtenPath = nullptr,
+                 QString *error = nullptr);
 
 enum class ImportResult
 {

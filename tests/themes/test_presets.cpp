@@ -480,8 +480,10 @@ private slots:
             QVERIFY(full.isActive());
             QCOMPARE(ReadPreset(path, current), current); // applied all the same
             QVERIFY(!WritePreset(path, Theme(), QStringLiteral("Other")));
-            QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Only"), Theme()),
+            QString why;
+            QCOMPARE(SavePreset(QStringLiteral("custom"), QStringLiteral("Only"), Theme(), nullptr, &why),
                      SavePresetResult::WriteFailed);
+            QVERIFY2(!why.isEmpty(), "the reason is given for the user");
         }
         QCOMPARE(readFile(path), before);
         QCOMPARE(QDir(QFileInfo(path).absolutePath()).entryList(QDir::Files), QStringList{"Only.dcp"});
