@@ -9,7 +9,7 @@ fi
 
 packages=(
   cmake ninja-build g++ ccache pkg-config
-  qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev libqt6svg6-dev
+  qt6-base-dev qt6-base-dev-tools qt6-multimedia-dev qt6-svg-dev
   libgl1-mesa-dev libxkbcommon-dev
   qt6-qpa-plugins qt6-image-formats-plugins
   fonts-dejavu-core
