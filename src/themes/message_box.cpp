@@ -58,3 +58,22 @@ int AskQuestion(int number, const QString &extraText, QWidget *owner)
     withWindow([&](MessageWindow *w) { g_lastAnswer = w->askQuestion(number, extraText, owner); });
     return g_lastAnswer;
 }
+
+bool ConfirmDestructiveAction(const QString &title, const QString &text, const QString &actionCaption, QWidget *owner)
+{
+    if (g_responder)
+        return g_responder(true, 0, text) == AnswerYes;
+    if (!canShowWindows())
+        return false;
+    MessageContent content;
+    content.title = title;
+    content.text = text;
+    content.bar = MessageBar::YesNo;
+    content.yesCaption = actionCaption;
+    content.noCaption = QObject::tr("Cancel");
+    content.warning = true;
+    content.noIsDefault = true;
+    int answer = AnswerNo;
+    withWindow([&](MessageWindow *w) { answer = w->askContent(content, owner); });
+    return answer == AnswerYes;
+}

@@ -21,7 +21,14 @@ void ShowInfoMessage(int number, const QString &extraText = QString(), QWidget *
 // Asks question `number` (1-based) modally and returns AnswerYes, AnswerNo or AnswerCancel.
 int AskQuestion(int number, const QString &extraText = QString(), QWidget *owner = nullptr);
 
+// Asks before something that cannot be undone (delete, delete all, reset): `text` says what
+// goes, `actionCaption` names the button that does it ("Delete"); "Cancel" is the default
+// and the answer when the window is closed. True when the user chose the action.
+bool ConfirmDestructiveAction(const QString &title, const QString &text, const QString &actionCaption,
+                              QWidget *owner = nullptr);
+
 // Tests only: while set, no window is shown; the responder gets each message (question false)
 // or question (question true) with its number and extra text, and its result is the answer.
+// ConfirmDestructiveAction reaches it as question 0 with its text.
 using MessageResponder = std::function<int(bool question, int number, const QString &extraText)>;
 void SetMessageResponderForTesting(MessageResponder responder);

@@ -168,6 +168,14 @@ int MessageWindow::askQuestion(int number, const QString &extraText, QWidget *ow
     return m_answer;
 }
 
+int MessageWindow::askContent(const MessageContent &content, QWidget *owner)
+{
+    fill(content);
+    m_answer = m_bar == MessageBar::YesNoCancel ? 2 : 7;
+    run(owner);
+    return m_answer;
+}
+
 void MessageWindow::fill(const MessageContent &content)
 {
     m_title->setText(content.title);

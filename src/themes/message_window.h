@@ -25,6 +25,8 @@ public:
     // 2 cancel. Closing it without a button gives the safe answer: cancel where the question
     // offers it, otherwise no.
     int askQuestion(int number, const QString &extraText, QWidget *owner);
+    // Asks a question of the program's own wording (not a numbered one); same answers.
+    int askContent(const MessageContent &content, QWidget *owner);
 
     int answer() const { return m_answer; }
     bool isRunning() const { return m_running; }

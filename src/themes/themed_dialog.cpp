@@ -7,8 +7,10 @@
 #include "themes/themed_button.h"
 #include "themes/themed_chrome.h"
 
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
+#include <QPushButton>
 
 ThemedDialog::ThemedDialog(const QString &windowName, const QString &title, QWidget *parent) : QDialog(parent)
 {
@@ -48,6 +50,36 @@ void ThemedDialog::setPanelLayout(QLayout *layout)
     panel()->setLayout(layout);
 }
 
+void ThemedDialog::setDefaultButton(QPushButton *button)
+{
+    m_defaultButton = button;
+    if (isVisible())
+        settleDefaultButton();
+}
+
+void ThemedDialog::setVisible(bool visible)
+{
+    // Before QDialog::setVisible, which picks a default of its own when none is set.
+    if (visible)
+        settleDefaultButton();
+    QDialog::setVisible(visible);
+}
+
+void ThemedDialog::settleDefaultButton()
+{
+    // Buttons other than the chosen one press on Enter only while they have the focus; with no
+    // chosen button none is auto-default, so QDialog has nothing to promote.
+    for (QPushButton *button : findChildren<QPushButton *>()) {
+        if (button == m_defaultButton)
+            continue;
+        button->setDefault(false);
+        if (!m_defaultButton)
+            button->setAutoDefault(false);
+    }
+    if (m_defaultButton)
+        m_defaultButton->setDefault(true);
+}
+
 void ThemedDialog::ThemeElementsUpdate()
 {
     m_chrome->applyThemeColours();
@@ -66,6 +98,19 @@ void ThemedDialog::showEvent(QShowEvent *event)
         ApplyTheme(this);
         focusFirstPanelControl();
     }
+}
+
+void ThemedDialog::keyPressEvent(QKeyEvent *event)
+{
+    // With no default button the push buttons are not auto-default, so Enter on a focused
+    // button would do nothing: press it, as Space does.
+    const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
+    auto *focused = qobject_cast<QPushButton *>(focusWidget());
+    if (enter && !m_defaultButton && focused && focused->isEnabled() && event->modifiers() == Qt::NoModifier) {
+        focused->click();
+        return;
+    }
+    QDialog::keyPressEvent(event);
 }
 
 void ThemedDialog::focusFirstPanelControl()

@@ -4,6 +4,7 @@
 
 class QLabel;
 class QLayout;
+class QPushButton;
 class PaintedFrame;
 class ThemedChrome;
 
@@ -27,17 +28,28 @@ public:
     // Puts the dialog's controls on the panel, with comfortable margins.
     void setPanelLayout(QLayout *layout);
 
+    // The button Enter presses from any field of the dialog; nullptr (the default) means Enter
+    // presses nothing unless a button has the focus. Without this, QDialog would make the
+    // first push button in the focus chain the default, whatever it does (even "Delete").
+    void setDefaultButton(QPushButton *button);
+    QPushButton *defaultButton() const { return m_defaultButton; }
+
+    void setVisible(bool visible) override;
+
 public slots:
     // Called by ApplyTheme (by name): opacity, background, and BarColor/PanelColor text.
     virtual void ThemeElementsUpdate();
 
 protected:
     void showEvent(QShowEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
     void done(int result) override;
 
 private:
     void focusFirstPanelControl();
+    void settleDefaultButton();
 
     ThemedChrome *m_chrome;
+    QPushButton *m_defaultButton = nullptr;
     bool m_placed = false;
 };
