@@ -80,7 +80,8 @@ bool AlarmScheduler::fires(const AlarmPreset &preset, const QString &now, const 
     // at the first second after a jump forward for a time that was skipped.
     if (change.inRepeatedTime())
         return false;
-    if (change.wasSkipped(QTime::fromString(time, QStringLiteral("HH:mm:ss"))))
+    // Parsed only in the one second after a jump forward, not on every check.
+    if (change.justSkipped() && change.wasSkipped(QTime::fromString(time, QStringLiteral("HH:mm:ss"))))
         return true;
     return time.contains(now, Qt::CaseInsensitive);
 }

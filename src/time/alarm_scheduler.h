@@ -3,10 +3,10 @@
 #include "time/alarm_preset.h"
 
 #include <QObject>
-
-class ClockChange;
 #include <QStringList>
 #include <array>
+
+class ClockChange;
 
 // Watches the five alarm presets. The hidden scheduler window calls AlarmRefresh() every
 // 100 ms for the whole run; a preset fires on every check that falls within its second (about
