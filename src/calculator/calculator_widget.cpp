@@ -42,8 +42,6 @@ CalculatorWidget::CalculatorWidget(QWidget *parent)
     : WidgetWindow(WidgetWindowName(WidgetCalculator), WidgetCalculator, QStringLiteral("Vantora Calculator"),
                    parent)
 {
-    setFocusPolicy(Qt::StrongFocus);
-    setMinimumSize(180, 240);
     m_engine.restoreMemory(ReadDetail(objectName(), kMemoryValue, QStringLiteral("0")));
     m_display = new CalculatorDisplay(panel());
     buildKeys();

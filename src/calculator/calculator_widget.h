@@ -24,6 +24,8 @@ public:
     explicit CalculatorWidget(QWidget *parent = nullptr);
 
     QSize defaultSize() const override { return QSize(240, 330); }
+    // Five rows of keys whose captions still fit, under a display of one readable line.
+    QSize minimumUsableSize() const override { return QSize(180, 240); }
     const CalculatorEngine &engine() const { return m_engine; }
 
     // Runs the action of the key with that objectName ("lblNUMBER_7", "lblADD"), as a click on

@@ -88,10 +88,10 @@ void DragWindow(QWidget *window)
         handle->startSystemMove();
 }
 
-void ResizeFromCorner(QWidget *window)
+bool ResizeFromCorner(QWidget *window)
 {
-    if (QWindow *handle = window->windowHandle())
-        handle->startSystemResize(Qt::BottomEdge | Qt::RightEdge);
+    QWindow *handle = window->windowHandle();
+    return handle && handle->startSystemResize(Qt::BottomEdge | Qt::RightEdge);
 }
 
 bool IsCursorOverWindow(const QWidget *window)

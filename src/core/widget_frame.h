@@ -20,7 +20,8 @@ void SetKeepOnTop(QWidget *window, bool on);
 // widget context menu for this window, at globalPos.
 void WidgetMouseDown(QWidget *window, Qt::MouseButton button, const QPoint &globalPos);
 void DragWindow(QWidget *window);
-void ResizeFromCorner(QWidget *window);
+// False when the window system refused (no window manager): the caller then resizes by hand.
+bool ResizeFromCorner(QWidget *window);
 bool IsCursorOverWindow(const QWidget *window);
 void SetHandCursor(QWidget *widget);
 

@@ -131,15 +131,15 @@ void SaveWindowPlacement(QWidget *window, bool withSize)
     }
 }
 
-void RestoreWindowPlacement(QWidget *window, bool withSize)
+bool RestoreWindowPlacement(QWidget *window, bool withSize)
 {
     if (!window)
-        return;
+        return true;
     const QString key = placementKey(window);
     const double dpi = dotsPerInch(window);
     if (withSize) {
         if (!restoreState(window, key))
-            return;
+            return true;
         // A size of no pixels would leave a window nobody can see or reach: such a value is
         // refused like any other unusable one, and that side keeps its present length.
         const auto readLength = [&](const QString &name, int currentPixels) {
@@ -159,7 +159,10 @@ void RestoreWindowPlacement(QWidget *window, bool withSize)
     const double heightTw = PixelsToTwips(window->height(), dpi);
     const double left = readNumber(key, kLeft, PixelsToTwips(window->x(), dpi));
     const double top = readNumber(key, kTop, PixelsToTwips(window->y(), dpi));
-    const double x = originX + PlacementAxis(left - originX, widthTw, PixelsToTwips(area.width(), dpi));
-    const double y = originY + PlacementAxis(top - originY, heightTw, PixelsToTwips(area.height(), dpi));
-    window->move(TwipsToPixels(x, dpi), TwipsToPixels(y, dpi));
+    const double storedX = left - originX;
+    const double storedY = top - originY;
+    const double placedX = PlacementAxis(storedX, widthTw, PixelsToTwips(area.width(), dpi));
+    const double placedY = PlacementAxis(storedY, heightTw, PixelsToTwips(area.height(), dpi));
+    window->move(TwipsToPixels(originX + placedX, dpi), TwipsToPixels(originY + placedY, dpi));
+    return placedX == storedX && placedY == storedY;
 }

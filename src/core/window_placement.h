@@ -17,7 +17,9 @@ void SaveWindowPlacement(QWidget *window, bool withSize);
 // maximised (never minimised) and nothing else is read; otherwise the stored size is applied.
 // Then each axis takes its stored position, or is centred on the screen when the stored
 // position starts left of (above) the screen or ends past its right (bottom) edge.
-void RestoreWindowPlacement(QWidget *window, bool withSize);
+// Returns false when an axis was centred that way (the stored place did not fit the screen),
+// so that a caller with a better idea of where the window belongs can move it.
+bool RestoreWindowPlacement(QWidget *window, bool withSize);
 
 // The restore arithmetic for one axis, in twips measured from the screen's left (top) edge:
 // the stored position when it lies on the screen, else the centred one.

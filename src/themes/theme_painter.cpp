@@ -90,7 +90,9 @@ QString PushButtonStyleSheet(const Theme &t)
                           " padding: 5px 14px; font-family: \"%4\"; }"
                           "QPushButton:hover { background: %5; }"
                           "QPushButton:pressed { background: %6; }"
-                          "QPushButton:focus { border: 2px solid %1; }"
+                          // Enter's button stands out; the keyboard focus is dotted.
+                          "QPushButton:default { border: 2px solid %1; }"
+                          "QPushButton:focus { border: 2px dotted %1; }"
                           "QPushButton:disabled { color: %3; }")
         .arg(css(t.PanelColor), css(BlendColor(t.PanelColor, t.MainColor, 40)),
              css(BlendColor(t.PanelColor, t.MainColor, 110)), t.PanelFont,

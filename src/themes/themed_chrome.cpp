@@ -52,6 +52,9 @@ ThemedChrome::ThemedChrome(QWidget *host, const Options &options)
         m_close->setObjectName(QStringLiteral("CloseRefresh"));
         m_close->setToolTip(tr("Close"));
         m_close->setAccessibleName(tr("Close"));
+        // A click on a widget would otherwise leave the focus, unseen, on this button, and
+        // the next Space or Enter would close the widget. Escape and the menu still close it.
+        m_close->setFocusPolicy(Qt::NoFocus);
         connect(m_close, &ThemedButton::clicked, this, [this] {
             m_close->CloseRefresh();
             emit closeRequested();
@@ -144,14 +147,8 @@ void ThemedChrome::layoutFrames()
 
 bool ThemedChrome::eventFilter(QObject *watched, QEvent *event)
 {
-    if (watched == m_grip) {
-        if (event->type() == QEvent::MouseButtonPress &&
-            static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
-            ResizeFromCorner(m_host);
-            return true;
-        }
-        return false;
-    }
+    if (watched == m_grip)
+        return handleGripEvent(event);
     switch (event->type()) {
     case QEvent::Resize:
     case QEvent::Show:
@@ -163,6 +160,33 @@ bool ThemedChrome::eventFilter(QObject *watched, QEvent *event)
         break;
     }
     return false;
+}
+
+bool ThemedChrome::handleGripEvent(QEvent *event)
+{
+    // The window system resizes where it can; without a window manager it refuses, and the
+    // window follows the mouse instead (its minimum size still holds).
+    auto *mouse = static_cast<QMouseEvent *>(event);
+    switch (event->type()) {
+    case QEvent::MouseButtonPress:
+        if (mouse->button() != Qt::LeftButton)
+            return false;
+        m_manualResize = !ResizeFromCorner(m_host);
+        m_resizeOrigin = mouse->globalPosition().toPoint();
+        m_resizeStart = m_host->size();
+        return true;
+    case QEvent::MouseMove:
+        if (!m_manualResize || !(mouse->buttons() & Qt::LeftButton))
+            return false;
+        m_host->resize(m_resizeStart + QSize(mouse->globalPosition().toPoint().x() - m_resizeOrigin.x(),
+                                             mouse->globalPosition().toPoint().y() - m_resizeOrigin.y()));
+        return true;
+    case QEvent::MouseButtonRelease:
+        m_manualResize = false;
+        return false;
+    default:
+        return false;
+    }
 }
 
 bool ThemedChrome::handleRightPress(QEvent *event)

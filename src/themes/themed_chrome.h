@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPoint>
+#include <QSize>
 
 class QLabel;
 class QWidget;
@@ -56,6 +58,7 @@ protected:
 
 private:
     bool handleRightPress(QEvent *event);
+    bool handleGripEvent(QEvent *event);
 
     QWidget *m_host;
     Options m_options;
@@ -67,4 +70,7 @@ private:
     QWidget *m_shadowLine = nullptr; // lneSHAD, the bar's lower edge
     QWidget *m_lightLine = nullptr;  // lneLIGHT, the panel's upper edge
     int m_barHeight = 24;
+    bool m_manualResize = false; // the grip is being dragged without the window system
+    QPoint m_resizeOrigin;
+    QSize m_resizeStart;
 };

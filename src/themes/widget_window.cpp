@@ -56,6 +56,10 @@ WidgetWindow::WidgetWindow(const QString &windowName, int widgetIndex, const QSt
     options.contextMenu = true;
     m_chrome = new ThemedChrome(this, options);
     connect(m_chrome, &ThemedChrome::closeRequested, this, &QWidget::close);
+    // A click on the widget gives the window itself the keyboard, not the first bar button
+    // (where Space would press whatever that button does); Tab still reaches the buttons.
+    setFocusPolicy(Qt::StrongFocus);
+    setFocus(Qt::OtherFocusReason);
 }
 
 WidgetWindow::~WidgetWindow() = default;
@@ -100,10 +104,20 @@ void WidgetWindow::loadWindow()
     // only now, after the widget's own constructor has run.
     if (!isResizable() && stretchGrip())
         stretchGrip()->hide();
+    setMinimumSize(minimumUsableSize());
     resize(defaultSize());
     move(freeSpotFor(this)); // only a default: a stored position wins
-    RestoreWindowPlacement(this, isResizable());
+    // A stored place off this screen (another monitor, a larger scale factor since) would pile
+    // every such widget in the centre: each takes the next free spot instead.
+    if (!RestoreWindowPlacement(this, isResizable()))
+        move(freeSpotFor(this));
     ApplyTheme(this);
+}
+
+QSize WidgetWindow::minimumUsableSize() const
+{
+    // Room for the close button and a little of the bar, and a panel that shows something.
+    return QSize(120, barHeight() + 48);
 }
 
 void WidgetWindow::resetSize()

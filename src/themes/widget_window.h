@@ -42,6 +42,9 @@ public:
     void setBarHeight(int pixels);
 
     virtual QSize defaultSize() const { return QSize(260, 160); }
+    // The smallest size at which the widget's texts and buttons are still readable; the user
+    // cannot resize below it and a smaller stored size is raised to it on load.
+    virtual QSize minimumUsableSize() const;
     virtual bool isResizable() const { return true; }
     // Which variant of the shared right-click menu this widget gets: "common", or "clock",
     // "notes", "whiteboard", "weather" for the widgets with their own items.

@@ -109,7 +109,7 @@ AlarmDialog::AlarmDialog(QWidget *parent)
     auto *testButton = button(QStringLiteral("btnTEST"), tr("&Test"));
     testButton->setToolTip(tr("Play the bell"));
     auto *saveButton = button(QStringLiteral("btnSAVE"), tr("&Save"));
-    saveButton->setDefault(true);
+    setDefaultButton(saveButton);
     auto *cancelButton = button(QStringLiteral("btnCANCEL"), tr("Cancel"));
     auto *buttons = new QHBoxLayout(m_buttons);
     buttons->setContentsMargins(0, 0, 0, 0);

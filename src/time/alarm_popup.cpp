@@ -56,7 +56,7 @@ AlarmPopup::AlarmPopup(QWidget *parent)
     auto *editButton = button(QStringLiteral("btnEDIT"), tr("&Edit Alarms"), m_buttons);
     editButton->setToolTip(tr("Change the alarms"));
     auto *dismissButton = button(QStringLiteral("btnDISMISS"), tr("&Dismiss"), m_buttons);
-    dismissButton->setDefault(true);
+    setDefaultButton(dismissButton);
     auto *buttons = new QHBoxLayout(m_buttons);
     buttons->setContentsMargins(0, 0, 0, 0);
     buttons->setSpacing(8);

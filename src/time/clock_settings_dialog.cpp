@@ -55,7 +55,7 @@ ClockSettingsDialog::ClockSettingsDialog(QWidget *parent)
     m_buttons->setObjectName(QStringLiteral("pfrBUTTONS"));
     auto *saveButton = new QPushButton(tr("&Save"));
     saveButton->setObjectName(QStringLiteral("btnSAVE"));
-    saveButton->setDefault(true);
+    setDefaultButton(saveButton);
     auto *cancelButton = new QPushButton(tr("Cancel"));
     cancelButton->setObjectName(QStringLiteral("btnCANCEL"));
 

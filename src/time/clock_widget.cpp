@@ -130,6 +130,18 @@ void ClockWidget::relayout()
     m_laidOutFor = layoutKey();
 }
 
+QSize ClockWidget::minimumUsableSize() const
+{
+    // Alarm and Settings beside the close button with a few characters of the date before
+    // them (the rest is elided), and a time about 24 px high.
+    QFont barFont = m_date->font();
+    barFont.setPixelSize(qMax(9, barHeight() / 2));
+    const QFontMetrics fm(barFont);
+    const int buttons = fm.horizontalAdvance(m_alarm->text()) + fm.horizontalAdvance(m_settings->text()) + 8;
+    const int someDate = fm.horizontalAdvance(QStringLiteral("Wednesday,"));
+    return QSize(qMax(200, 8 + someDate + 4 + buttons + 34), barHeight() + 44);
+}
+
 void ClockWidget::layoutBar()
 {
     const int h = barHeight();

@@ -21,6 +21,7 @@ public:
     ClockModel *model() const { return m_model; }
 
     QSize defaultSize() const override { return QSize(370, 150); }
+    QSize minimumUsableSize() const override;
     QString contextMenuVariant() const override { return QStringLiteral("clock"); }
     bool hasSettingsDialog() const override { return true; }
     void openSettingsDialog() override;

@@ -8,6 +8,7 @@
 #include "time/hover_check.h"
 
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QLineEdit>
 #include <QRegularExpressionValidator>
@@ -62,6 +63,7 @@ CountdownWidget::CountdownWidget(QWidget *parent)
         const auto which = CountdownModel::Field(f);
         connect(m_set[f], &QLineEdit::textEdited, this, [this, which] { setFieldEdited(which); });
         connect(m_set[f], &QLineEdit::editingFinished, this, [this, which] { setFieldFinished(which); });
+        m_set[f]->installEventFilter(this); // Space starts and pauses from the fields too
     }
     for (int i = 0; i < 4; ++i)
         m_separators[i] = colon(i, panel());
@@ -232,6 +234,40 @@ void CountdownWidget::relayout()
               runHeight);
     const QFont setFont = fitRow(setRow, m_set[0]->font(), area, setHeight, setHeight * 11 / 20);
     layoutRow(setRow, setFont, area, area.bottom() - setHeight + 1, setHeight);
+}
+
+QSize CountdownWidget::minimumUsableSize() const
+{
+    // The longest pair of bar captions beside the close button; a running time about 24 px
+    // high above a set row whose two-digit fields still take a caret.
+    QFont barFont = m_start->font();
+    barFont.setPixelSize(qMax(9, barHeight() / 2));
+    const QFontMetrics fm(barFont);
+    const int captions = fm.horizontalAdvance(QStringLiteral(" Resume ")) + fm.horizontalAdvance(QStringLiteral(" Reset "));
+    return QSize(qMax(170, 6 + captions + 12 + 34), barHeight() + 76);
+}
+
+void CountdownWidget::keyPressEvent(QKeyEvent *event)
+{
+    // Space starts, pauses and resumes, as the bar's first button does.
+    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier) {
+        m_model->clickStart();
+        return;
+    }
+    WidgetWindow::keyPressEvent(event);
+}
+
+bool CountdownWidget::eventFilter(QObject *watched, QEvent *event)
+{
+    // The set fields take digits only, so a Space typed there means the same as on the window.
+    if (event->type() == QEvent::KeyPress) {
+        auto *key = static_cast<QKeyEvent *>(event);
+        if (key->key() == Qt::Key_Space && key->modifiers() == Qt::NoModifier) {
+            m_model->clickStart();
+            return true;
+        }
+    }
+    return WidgetWindow::eventFilter(watched, event);
 }
 
 void CountdownWidget::hideEvent(QHideEvent *event)

@@ -23,6 +23,7 @@ public:
     CountdownModel *model() const { return m_model; }
 
     QSize defaultSize() const override { return QSize(240, 150); }
+    QSize minimumUsableSize() const override;
 
 public slots:
     void ThemeElementsUpdate() override;
@@ -31,6 +32,8 @@ protected:
     void relayout() override;
     void hideEvent(QHideEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void showFields();

@@ -8,6 +8,7 @@
 #include "time/stopwatch_model.h"
 
 #include <QFontMetrics>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QTimer>
 
@@ -90,6 +91,26 @@ void StopwatchWidget::relayout()
         FontFit::fitting(base, FontFit::widestDigits(base, m_display->text()), area.width(), area.height()));
     m_display->setGeometry(area);
     m_laidOutLength = m_display->text().size();
+}
+
+QSize StopwatchWidget::minimumUsableSize() const
+{
+    // The longest pair of bar captions beside the close button, and digits about 20 px high.
+    QFont barFont = m_start->font();
+    barFont.setPixelSize(qMax(9, barHeight() / 2));
+    const QFontMetrics fm(barFont);
+    const int captions = fm.horizontalAdvance(QStringLiteral(" Resume ")) + fm.horizontalAdvance(QStringLiteral(" Reset "));
+    return QSize(qMax(150, 6 + captions + 12 + 34), barHeight() + 44);
+}
+
+void StopwatchWidget::keyPressEvent(QKeyEvent *event)
+{
+    // Space starts, pauses and resumes, as the bar's first button does.
+    if (event->key() == Qt::Key_Space && event->modifiers() == Qt::NoModifier) {
+        m_model->clickStart();
+        return;
+    }
+    WidgetWindow::keyPressEvent(event);
 }
 
 void StopwatchWidget::hideEvent(QHideEvent *event)

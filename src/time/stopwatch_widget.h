@@ -20,11 +20,13 @@ public:
     StopwatchModel *model() const { return m_model; }
 
     QSize defaultSize() const override { return QSize(220, 110); }
+    QSize minimumUsableSize() const override;
 
 protected:
     void relayout() override;
     void hideEvent(QHideEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
+    void keyPressEvent(QKeyEvent *event) override;
 
 private:
     void showText(const QString &text);

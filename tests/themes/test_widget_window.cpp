@@ -1,13 +1,16 @@
 #include "support/test_home.h"
 
+#include "core/settings_store.h"
 #include "core/widget_frame.h"
 #include "shell/widget_registry.h"
 #include "themes/painted_frame.h"
 #include "themes/themed_button.h"
 #include "themes/widget_window.h"
 
+#include <QApplication>
 #include <QGuiApplication>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QScreen>
 #include <QSignalSpy>
 #include <QTest>
@@ -17,8 +20,8 @@ namespace {
 class SampleWidget : public WidgetWindow
 {
 public:
-    explicit SampleWidget(bool resizable = true)
-        : WidgetWindow(QStringLiteral("ftst_IDX"), 90, QStringLiteral("Vantora Sample"))
+    explicit SampleWidget(bool resizable = true, const QString &name = QStringLiteral("ftst_IDX"))
+        : WidgetWindow(name, 90, QStringLiteral("Vantora Sample"))
         , m_resizable(resizable)
     {
         m_label = new QLabel(QStringLiteral("12:00"), panel());
@@ -50,6 +53,7 @@ private slots:
         m_home = std::make_unique<TestHome>();
         WidgetRegistry::instance().registerWidget(90, [] { return new SampleWidget(); });
         WidgetRegistry::instance().registerWidget(91, [] { return new SampleWidget(false); });
+        WidgetRegistry::instance().registerWidget(92, [] { return new SampleWidget(true, QStringLiteral("ftst2_IDX")); });
     }
     void cleanup()
     {
@@ -156,6 +160,86 @@ private slots:
         const int x = expected.x() < 0 ? area.right() + 1 - 200 : area.left() + expected.x();
         const int y = expected.y() < 0 ? area.bottom() + 1 - 100 : area.top() + expected.y();
         QCOMPARE(window.pos(), QPoint(x, y));
+    }
+
+    // Keys typed after a click on a widget must not reach its close button.
+    void keysDoNotCloseTheWidget_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::newRow("space") << int(Qt::Key_Space);
+        QTest::newRow("return") << int(Qt::Key_Return);
+        QTest::newRow("enter") << int(Qt::Key_Enter);
+    }
+
+    void keysDoNotCloseTheWidget()
+    {
+        QFETCH(int, key);
+        auto &registry = WidgetRegistry::instance();
+        WidgetWindow *w = registry.open(90);
+        w->activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(w));
+        QTest::mouseClick(w->panel(), Qt::LeftButton, {}, QPoint(20, 20));
+        QVERIFY(QApplication::focusWidget() != w->closeButton());
+        QWidget *target = QApplication::focusWidget() ? QApplication::focusWidget() : w;
+        QTest::keyClick(target, Qt::Key(key));
+        QVERIFY(registry.isOpen(90));
+    }
+
+    // A size stored below the usable minimum (dragged there by a window manager) comes back
+    // at the minimum; so does a resize below it.
+    void sizeNeverFallsBelowTheMinimum()
+    {
+        auto &registry = WidgetRegistry::instance();
+        WidgetWindow *w = registry.open(90);
+        const QSize minimum = w->minimumUsableSize();
+        registry.close(90);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        const QString key = SettingsRoot() + QStringLiteral("ftst_IDX\\Window");
+        WriteSetting(Hive::CurrentUser, key, QStringLiteral("Width"), QStringLiteral("105"));
+        WriteSetting(Hive::CurrentUser, key, QStringLiteral("Height"), QStringLiteral("90"));
+
+        w = registry.open(90);
+        QCOMPARE(w->size(), minimum);
+        w->resize(10, 10);
+        QCOMPARE(w->size(), minimum);
+    }
+
+    // Without a window manager the system resize is refused; the grip then follows the mouse.
+    void gripResizesWithoutAWindowManager()
+    {
+        WidgetWindow *w = WidgetRegistry::instance().open(90);
+        QLabel *grip = w->stretchGrip();
+        const QSize before = w->size();
+        const QPoint start = grip->mapToGlobal(grip->rect().center());
+        const auto send = [&](QEvent::Type type, const QPoint &global, Qt::MouseButtons buttons) {
+            QMouseEvent event(type, grip->mapFromGlobal(global), global,
+                              type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, {});
+            QApplication::sendEvent(grip, &event);
+        };
+        send(QEvent::MouseButtonPress, start, Qt::LeftButton);
+        send(QEvent::MouseMove, start + QPoint(60, 40), Qt::LeftButton);
+        QCOMPARE(w->size(), before + QSize(60, 40));
+        send(QEvent::MouseMove, start - QPoint(500, 500), Qt::LeftButton);
+        QCOMPARE(w->size(), w->minimumUsableSize());
+        send(QEvent::MouseButtonRelease, start - QPoint(500, 500), Qt::NoButton);
+    }
+
+    // Stored places off the screen (saved at a smaller scale factor) are not piled up in the
+    // centre: each widget takes a free spot of its own.
+    void offScreenPlacesTakeFreeSpots()
+    {
+        auto &registry = WidgetRegistry::instance();
+        for (const char *name : {"ftst_IDX", "ftst2_IDX"}) {
+            const QString key = SettingsRoot() + QLatin1String(name) + QStringLiteral("\\Window");
+            WriteSetting(Hive::CurrentUser, key, QStringLiteral("Left"), QStringLiteral("900000"));
+            WriteSetting(Hive::CurrentUser, key, QStringLiteral("Top"), QStringLiteral("600000"));
+        }
+        const QRect area = QGuiApplication::primaryScreen()->availableGeometry();
+        WidgetWindow *first = registry.open(90);
+        WidgetWindow *second = registry.open(92);
+        QVERIFY(area.contains(first->frameGeometry()));
+        QVERIFY(area.contains(second->frameGeometry()));
+        QVERIFY(!first->frameGeometry().intersects(second->frameGeometry()));
     }
 
 private:

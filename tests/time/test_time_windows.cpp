@@ -4,11 +4,13 @@
 #include "core/widget_frame.h"
 #include "support/test_home.h"
 #include "themes/message_box.h"
+#include "themes/painted_frame.h"
 #include "themes/theme.h"
 #include "time/alarm_dialog.h"
 #include "time/alarm_popup.h"
 #include "time/alarm_scheduler.h"
 #include "time/clock_model.h"
+#include "time/clock_settings_dialog.h"
 #include "time/clock_widget.h"
 #include "time/countdown_widget.h"
 #include "time/scheduler_window.h"
@@ -18,6 +20,8 @@
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QFileDialog>
+#include <QPointer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -67,6 +71,10 @@ private slots:
     void classicTimeIsCentred_data();
     void classicTimeIsCentred();
     void stopwatchButtons();
+    void spaceStartsAndPauses_data();
+    void spaceStartsAndPauses();
+    void enterPressesOnlyTheDefault_data();
+    void enterPressesOnlyTheDefault();
     void countdownSetTimeAndRun();
     void countdownDigitsStayInside_data();
     void countdownDigitsStayInside();
@@ -232,6 +240,95 @@ void TestTimeWindows::stopwatchButtons()
     stop->click();
     QCOMPARE(labelText(&watch, "lblTIME"), QStringLiteral("00:00.00"));
     QCOMPARE(stop->text(), QStringLiteral(" Stop "));
+}
+
+void TestTimeWindows::spaceStartsAndPauses_data()
+{
+    QTest::addColumn<QString>("widget");
+    QTest::addColumn<QString>("timerName");
+    QTest::newRow("stopwatch") << "fstw_IDX" << "tmrSTOPWATCH";
+    QTest::newRow("timer") << "ftim_IDX" << "tmrSTARTPLAY";
+}
+
+// Space after a click on the widget, wherever the focus landed, starts and then pauses.
+void TestTimeWindows::spaceStartsAndPauses()
+{
+    QFETCH(QString, widget);
+    QFETCH(QString, timerName);
+    WriteDetail(QStringLiteral("ftim_IDX"), QStringLiteral("Timer-Interval-mins"), QStringLiteral("01"));
+    std::unique_ptr<WidgetWindow> w;
+    if (widget == QLatin1String("fstw_IDX"))
+        w.reset(new StopwatchWidget);
+    else
+        w.reset(new CountdownWidget);
+    w->setAttribute(Qt::WA_DeleteOnClose, false);
+    w->loadWindow();
+    w->show();
+    w->activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(w.get()));
+    QTest::mouseClick(w->panel(), Qt::LeftButton, {}, QPoint(10, 10));
+    auto *timer = w->findChild<QTimer *>(timerName);
+    for (bool running : {true, false}) {
+        QWidget *focused = QApplication::focusWidget() ? QApplication::focusWidget() : w.get();
+        QTest::keyClick(focused, Qt::Key_Space);
+        QCOMPARE(timer->isActive(), running);
+        QVERIFY(w->isVisible());
+    }
+}
+
+void TestTimeWindows::enterPressesOnlyTheDefault_data()
+{
+    QTest::addColumn<QString>("dialog");
+    QTest::newRow("alarms") << "falc_ALM";
+    QTest::newRow("clock settings") << "falc_SET";
+}
+
+// Enter in any field of a dialog presses its default button (Save) or nothing: never Browse,
+// Test or Cancel, whichever comes first in the focus chain.
+void TestTimeWindows::enterPressesOnlyTheDefault()
+{
+    QFETCH(QString, dialog);
+    const auto open = [&]() -> QPointer<ThemedDialog> {
+        if (dialog == QLatin1String("falc_ALM"))
+            return AlarmDialog::showSingle();
+        return ClockSettingsDialog::showSingle();
+    };
+    // A file chooser opened by mistake would wait for a user: note it and close it.
+    QStringList choosers;
+    QTimer watchdog;
+    watchdog.setInterval(50);
+    connect(&watchdog, &QTimer::timeout, this, [&] {
+        if (auto *chooser = qobject_cast<QFileDialog *>(QApplication::activeModalWidget())) {
+            choosers << chooser->windowTitle();
+            chooser->reject();
+        }
+    });
+    watchdog.start();
+
+    QStringList fields;
+    QPointer<ThemedDialog> d = open();
+    for (QWidget *w : d->panel()->findChildren<QWidget *>()) {
+        if ((w->focusPolicy() & Qt::TabFocus) && !qobject_cast<QPushButton *>(w) && w->isVisibleTo(d) &&
+            !w->objectName().isEmpty())
+            fields << w->objectName();
+    }
+    QVERIFY(fields.size() >= 4);
+    for (const QString &name : std::as_const(fields)) {
+        if (!d)
+            d = open();
+        QStringList pressed;
+        for (QPushButton *b : d->findChildren<QPushButton *>())
+            connect(b, &QPushButton::clicked, this, [&pressed, b] { pressed << b->objectName(); });
+        QWidget *field = d->findChild<QWidget *>(name);
+        field->setFocus();
+        QTest::keyClick(field, Qt::Key_Return);
+        QVERIFY2(pressed.isEmpty() || pressed == QStringList{QStringLiteral("btnSAVE")},
+                 qPrintable(name + QStringLiteral(": ") + pressed.join(QLatin1Char(','))));
+        if (d)
+            d->close();
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    }
+    QCOMPARE(choosers, QStringList());
 }
 
 void TestTimeWindows::countdownSetTimeAndRun()
