@@ -71,7 +71,7 @@ AboutDialog::AboutDialog(QWidget *parent)
 
     auto *close = new QPushButton(QStringLiteral("&Close"));
     close->setObjectName(QStringLiteral("btnCLOSE"));
-    close->setDefault(true);
+    setDefaultButton(close);
     connect(close, &QPushButton::clicked, this, &QDialog::accept);
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();

@@ -27,6 +27,7 @@
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
+#include <cmath>
 
 namespace {
 
@@ -49,6 +50,46 @@ void setTextColor(QWidget *w, const QColor &color)
     QPalette pal = w->palette();
     pal.setColor(QPalette::WindowText, color);
     w->setPalette(pal);
+}
+
+// The relative luminance and contrast ratio of the web accessibility guidelines, whose 4.5 to 1
+// is the least that text of a menu's size reads at.
+constexpr double kReadableContrast = 4.5;
+
+double luminance(const QColor &c)
+{
+    auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+    return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
+}
+
+double contrast(const QColor &a, const QColor &b)
+{
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
+}
+
+QColor readableOn(const QColor &background, const QColor &wanted)
+{
+    if (contrast(wanted, background) >= kReadableContrast)
+        return wanted;
+    const QColor black(Qt::black);
+    const QColor white(Qt::white);
+    return contrast(black, background) >= contrast(white, background) ? black : white;
+}
+
+// Weight 255 gives a, 0 gives b.
+QColor mix(const QColor &a, const QColor &b, int weight)
+{
+    return ResolveColor(BlendColor(ToOleColor(a), ToOleColor(b), weight));
+}
+
+// The background of a chosen item: darker under light text, lighter under dark text, so the
+// text reads at least as well as on `background`.
+QColor chosenBackground(const QColor &background, const QColor &text)
+{
+    const QColor away = luminance(text) > luminance(background) ? QColor(Qt::black) : QColor(Qt::white);
+    return mix(away, background, 56);
 }
 
 } // namespace
@@ -462,8 +503,48 @@ void DashboardWindow::exitProgram()
     close();
 }
 
+DashboardWindow::MenuColours DashboardWindow::menuColoursFor(const Theme &theme)
+{
+    const ThemeGradients g = GradientsFor(theme);
+    MenuColours c;
+    c.bar = ResolveColor(g.barStart);
+    c.barText = readableOn(c.bar, ResolveColor(theme.BarColor));
+    c.barSelected = chosenBackground(c.bar, c.barText);
+    c.barSelectedText = readableOn(c.barSelected, c.barText);
+    c.menu = ResolveColor(g.panelStart);
+    c.menuText = readableOn(c.menu, ResolveColor(theme.PanelColor));
+    c.menuSelected = chosenBackground(c.menu, c.menuText);
+    c.menuSelectedText = readableOn(c.menuSelected, c.menuText);
+    c.menuDisabledText = mix(c.menuText, c.menu, 120);
+    c.menuLine = mix(c.menuText, c.menu, 90);
+    return c;
+}
+
+void DashboardWindow::themeMenus()
+{
+    // The menus are the menu bar's children, so its style sheet reaches them too.
+    const Theme &theme = CurrentTheme();
+    const MenuColours c = menuColoursFor(theme);
+    menuBar()->setStyleSheet(
+        QStringLiteral("QMenuBar { background: %1; color: %2; font-family: \"%11\"; }"
+                       "QMenuBar::item { background: transparent; padding: 3px 8px; }"
+                       "QMenuBar::item:selected, QMenuBar::item:pressed { background: %3; color: %4; }"
+                       "QMenu { background: %5; color: %6; border: 1px solid %8; padding: 3px 0px; "
+                       "font-family: \"%12\"; }"
+                       "QMenu::item { background: transparent; padding: 4px 24px 4px 26px; }"
+                       "QMenu::item:selected { background: %9; color: %10; }"
+                       "QMenu::item:disabled { color: %7; }"
+                       "QMenu::indicator { width: 13px; height: 13px; left: 7px; }"
+                       "QMenu::separator { height: 1px; background: %8; margin: 3px 8px; }")
+            .arg(c.bar.name(), c.barText.name(), c.barSelected.name(), c.barSelectedText.name(),
+                 c.menu.name(), c.menuText.name(), c.menuDisabledText.name(), c.menuLine.name(),
+                 c.menuSelected.name(), c.menuSelectedText.name(), theme.BarFont)
+            .arg(theme.PanelFont));
+}
+
 void DashboardWindow::ThemeElementsUpdate()
 {
+    themeMenus();
     const Theme &theme = CurrentTheme();
     const QColor barText = ResolveColor(theme.BarColor);
     const QColor panelText = ResolveColor(theme.PanelColor);

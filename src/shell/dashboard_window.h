@@ -10,6 +10,7 @@ class QPushButton;
 class PaintedFrame;
 class UpdateCheck;
 class WidgetContextMenu;
+struct Theme;
 
 // The dashboard ("mdb_IDX"): the eight widgets as tiles that open and close them, and the
 // program's menus. Closing it with its close box normally only hides it (the tray icon brings
@@ -39,6 +40,16 @@ public:
 
     UpdateCheck *updateCheck() const { return m_updateCheck; }
     bool isUnloading() const { return m_unloading; }
+
+    // The colours of the menu bar and its menus for a theme: the bar's colour and text above
+    // the bar, the panel's in the menus. A text colour that would not read on its background
+    // gives way to black or white.
+    struct MenuColours
+    {
+        QColor bar, barText, barSelected, barSelectedText;
+        QColor menu, menuText, menuSelected, menuSelectedText, menuDisabledText, menuLine;
+    };
+    static MenuColours menuColoursFor(const Theme &theme);
 
 public slots:
     // The weather widget's summary in the dashboard's bar; empty texts hide it. A slot, so the
@@ -75,6 +86,7 @@ protected:
 
 private:
     void buildMenus();
+    void themeMenus();
     void buildBody();
     void refreshState();
     void moveSelection(int from, int dx, int dy);

@@ -1,5 +1,6 @@
 #include "shell/program_settings_dialog.h"
 
+#include "core/platform/autostart.h"
 #include "core/widget_frame.h"
 #include "shell/tray_icon.h"
 #include "shell/widget_registry.h"
@@ -82,7 +83,9 @@ ProgramSettingsDialog::ProgramSettingsDialog(QWidget *parent)
 
     auto *ok = new QPushButton(QStringLiteral("OK"));
     ok->setObjectName(QStringLiteral("btnOK"));
-    ok->setDefault(true);
+    // Enter from any box stores what the dialog shows, as OK does; Cancel takes Enter only
+    // while it has the focus.
+    setDefaultButton(ok);
     auto *cancel = new QPushButton(QStringLiteral("Cancel"));
     cancel->setObjectName(QStringLiteral("btnCANCEL"));
     connect(ok, &QPushButton::clicked, this, &ProgramSettingsDialog::save);
@@ -95,6 +98,9 @@ ProgramSettingsDialog::ProgramSettingsDialog(QWidget *parent)
     setPanelLayout(layout);
 
     setValues(ProgramSettingsModel::load());
+    // The box shows whether the entry is really there (someone may have removed it, or it
+    // was never written), so that OK writes what the user sees.
+    m_launch->setChecked(Autostart::isOn());
 }
 
 QCheckBox *ProgramSettingsDialog::addCheck(const char *name, const QString &caption, const QString &tip)

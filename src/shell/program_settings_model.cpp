@@ -93,6 +93,12 @@ void ProgramSettingsModel::save(const Values &v, const Writer &writer)
     Autostart::apply(ReadIntDetail(kSettings, QStringLiteral("Program Launch"), 1) == 1);
 }
 
+void ProgramSettingsModel::setLaunchWithSystem(bool on)
+{
+    WriteDetail(kSettings, QStringLiteral("Program Launch"), switchText(on));
+    Autostart::apply(on);
+}
+
 int ProgramSettingsModel::webcamIntervalSeconds()
 {
     return g_webcamIntervalSeconds;

@@ -38,6 +38,8 @@ public:
     // Writes the values in the order the program has always used, sets the program-wide
     // webcam interval and applies the start-with-the-system entry.
     static void save(const Values &values, const Writer &writer = {});
+    // Stores "Program Launch" alone and makes the autostart entry match it (the wizard's box).
+    static void setLaunchWithSystem(bool on);
 
     // The webcam viewer's refresh interval in seconds, kept for the whole run.
     static int webcamIntervalSeconds();

@@ -2,9 +2,12 @@
 
 #include "core/settings_store.h"
 #include "core/widget_index.h"
+#include "shell/program_settings_model.h"
 #include "shell/startup_decisions.h"
+#include "shell/widget_registry.h"
 
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QLabel>
@@ -20,10 +23,11 @@ struct Option
     const char *caption;
 };
 
-// Two columns of single widgets, in widget order.
+// The caption of each single widget (its access key is unique in the wizard). Which of them
+// are offered is the widget registry's to say.
 constexpr Option kSingleOptions[] = {
     {0, "A&larm Clock"}, {1, "&Calculator"}, {2, "Calen&dar"},   {3, "No&tes"},
-    {4, "&Stopwatch"},   {5, "Ti&mer"},      {6, "&Whiteboard"}, {7, "Weat&her"},
+    {4, "St&opwatch"},   {5, "Ti&mer"},      {6, "&Whiteboard"}, {7, "Weat&her"},
 };
 
 } // namespace
@@ -51,19 +55,36 @@ WizardDialog::WizardDialog(QWidget *parent)
     allLayout->addWidget(useAll);
     layout->addWidget(all);
 
+    // Only widgets this build can open are offered, in two columns in widget order: choosing
+    // one that is missing would silently end on the dashboard.
+    QList<const Option *> offered;
+    for (const Option &o : kSingleOptions) {
+        if (WidgetRegistry::instance().isAvailable(o.index))
+            offered.append(&o);
+    }
     auto *single = new QGroupBox(QStringLiteral("Individual Widgets: - Use just one widget"));
     single->setObjectName(QStringLiteral("fraSINGLE"));
     auto *grid = new QGridLayout(single);
-    for (const Option &o : kSingleOptions) {
-        QRadioButton *option = addOption(o.index, QString::fromLatin1(o.caption));
-        group->addButton(option, o.index);
-        grid->addWidget(option, o.index % 4, o.index / 4);
+    const int rows = (int(offered.size()) + 1) / 2;
+    for (int n = 0; n < offered.size(); ++n) {
+        QRadioButton *option = addOption(offered[n]->index, QString::fromLatin1(offered[n]->caption));
+        group->addButton(option, offered[n]->index);
+        grid->addWidget(option, n % rows, n / rows);
     }
     layout->addWidget(single);
+    if (offered.isEmpty())
+        single->hide();
+
+    m_launch = new QCheckBox(QStringLiteral("Start Vantora when I log &in"));
+    m_launch->setObjectName(QStringLiteral("chkLAUNCH"));
+    m_launch->setToolTip(QStringLiteral("Vantora starts by itself with your desktop session; you can "
+                                        "change this later in the program settings"));
+    m_launch->setChecked(ProgramSettingsModel::load().launchWithSystem);
+    layout->addWidget(m_launch);
 
     auto *start = new QPushButton(QStringLiteral("&Start"));
     start->setObjectName(QStringLiteral("btnStart"));
-    start->setDefault(true);
+    setDefaultButton(start);
     start->setToolTip(QStringLiteral("Keep this choice and start Vantora with it"));
     connect(start, &QPushButton::clicked, this, &WizardDialog::start);
     auto *buttons = new QHBoxLayout;
@@ -104,6 +125,7 @@ void WizardDialog::setChoice(int choice)
 void WizardDialog::start()
 {
     StartupDecisions::writeProgramChoice(m_choice);
+    ProgramSettingsModel::setLaunchWithSystem(m_launch->isChecked());
     accept();
     emit started(m_choice);
 }

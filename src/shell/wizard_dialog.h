@@ -2,11 +2,14 @@
 
 #include "themes/themed_dialog.h"
 
+class QCheckBox;
 class QRadioButton;
 
 // The first-run wizard ("msg_WIZ"): the user chooses whether Vantora runs all widgets through
-// the dashboard or one widget on its own. Start stores the choice as "Program-Choice"; whoever
-// opened the wizard then hands over to the dashboard or the chosen widget.
+// the dashboard or one widget on its own, and whether it starts with the desktop session. Only
+// the widgets this build can open are offered. Start stores the choice as "Program-Choice" and
+// sets the autostart entry to match the box; whoever opened the wizard then hands over to the
+// dashboard or the chosen widget.
 class WizardDialog : public ThemedDialog
 {
     Q_OBJECT
@@ -25,5 +28,6 @@ private:
     QRadioButton *addOption(int index, const QString &caption);
     void start();
 
+    QCheckBox *m_launch = nullptr;
     int m_choice = 8;
 };

@@ -29,6 +29,7 @@ void TestAutostart::entryStaysInsideTestHome()
 {
     TestHome home;
     QCOMPARE(Autostart::desktopEntryPath(), home.filePath(QStringLiteral("autostart/vantora.desktop")));
+    QVERIFY(!Autostart::isOn()); // nothing written yet
 }
 
 void TestAutostart::switchingOnAndOff_data()
@@ -55,6 +56,7 @@ void TestAutostart::switchingOnAndOff()
     const QString path = Autostart::desktopEntryPath();
     QVERIFY(QFile::exists(path));
     QCOMPARE(readEntry(path, QStringLiteral("Hidden")), hidden);
+    QCOMPARE(Autostart::isOn(), hidden == QLatin1String("false"));
     QCOMPARE(readEntry(path, QStringLiteral("Type")), QStringLiteral("Application"));
     QCOMPARE(readEntry(path, QStringLiteral("Exec")),
              Autostart::execLine(QCoreApplication::applicationFilePath()));

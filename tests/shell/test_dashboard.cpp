@@ -6,12 +6,15 @@
 #include "shell/update_check.h"
 #include "shell/widget_registry.h"
 #include "support/test_home.h"
+#include "themes/theme.h"
 #include "themes/widget_window.h"
 
+#include <QMenuBar>
 #include <QSignalSpy>
 #include <QTest>
 #include <QWindow>
 #include <QtTest/qtestspontaneevent.h>
+#include <cmath>
 
 namespace {
 
@@ -41,6 +44,18 @@ void setDetail(const char *name, const char *value)
     WriteDetail(QStringLiteral("mdb_SET"), QString::fromLatin1(name), QString::fromLatin1(value));
 }
 
+// The contrast ratio of the web accessibility guidelines (1 to 21).
+double contrast(const QColor &a, const QColor &b)
+{
+    auto luminance = [](const QColor &c) {
+        auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+        return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
+    };
+    const double la = luminance(a);
+    const double lb = luminance(b);
+    return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
+}
+
 } // namespace
 
 class TestDashboard : public QObject
@@ -62,6 +77,8 @@ private slots:
     void minimiseHidesToTray();
     void exitSavesAndClosesEverything();
     void handOverOfMissingWidgetShowsDashboard();
+    void menusFollowTheThemeAndRead_data();
+    void menusFollowTheThemeAndRead();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -291,6 +308,46 @@ void TestDashboard::handOverOfMissingWidgetShowsDashboard()
     d.handOver(WidgetWeather); // not registered in this test
     QVERIFY(d.isVisible());
     QCOMPARE(d.IndxSel(), int(WidgetWeather));
+}
+
+void TestDashboard::menusFollowTheThemeAndRead_data()
+{
+    QTest::addColumn<quint32>("main"); // colours as themes store them, 0x00BBGGRR
+    QTest::addColumn<quint32>("barText");
+    QTest::addColumn<quint32>("panelText");
+
+    const Theme standard;
+    QTest::newRow("standard") << standard.MainColor << standard.BarColor << standard.PanelColor;
+    QTest::newRow("white text on white") << 0x00FFFFFFu << 0x00FFFFFFu << 0x00FFFFFFu;
+    QTest::newRow("black text on black") << 0x00000000u << 0x00000000u << 0x00000000u;
+    QTest::newRow("white text on yellow") << 0x0000FFFFu << 0x00FFFFFFu << 0x00FFFFFFu;
+    QTest::newRow("grey text on grey") << 0x00808080u << 0x00707070u << 0x00909090u;
+}
+
+void TestDashboard::menusFollowTheThemeAndRead()
+{
+    QFETCH(quint32, main);
+    QFETCH(quint32, barText);
+    QFETCH(quint32, panelText);
+    Theme theme;
+    theme.MainColor = main;
+    theme.BarColor = barText;
+    theme.PanelColor = panelText;
+    const DashboardWindow::MenuColours c = DashboardWindow::menuColoursFor(theme);
+    QVERIFY2(contrast(c.bar, c.barText) >= 4.5, "menu bar");
+    QVERIFY2(contrast(c.barSelected, c.barSelectedText) >= 4.5, "chosen menu title");
+    QVERIFY2(contrast(c.menu, c.menuText) >= 4.5, "menu");
+    QVERIFY2(contrast(c.menuSelected, c.menuSelectedText) >= 4.5, "chosen menu item");
+
+    const Theme before = CurrentTheme();
+    DashboardWindow d;
+    d.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&d));
+    SetCurrentTheme(theme);
+    const QImage bar = d.menuBar()->grab().toImage();
+    SetCurrentTheme(before);
+    // The free end of the bar, right of the menu titles.
+    QCOMPARE(QColor(bar.pixel(bar.width() - 3, bar.height() / 2)).name(), c.bar.name());
 }
 
 QTEST_MAIN(TestDashboard)

@@ -34,6 +34,8 @@ private slots:
     void defaultSettingsTabResetsBoxesWithoutStoring();
     void keepOnTopReachesOpenWidgets_data();
     void keepOnTopReachesOpenWidgets();
+    void enterInEachField_data();
+    void enterInEachField();
 
 private:
     static QByteArray storedSettings();
@@ -287,6 +289,41 @@ void TestProgramSettings::keepOnTopReachesOpenWidgets()
     QCOMPARE(bool(widget->windowFlags() & Qt::WindowStaysOnTopHint), after);
     QVERIFY(widget->isVisible());
     registry.closeAll();
+}
+
+void TestProgramSettings::enterInEachField_data()
+{
+    QTest::addColumn<QString>("field");
+    QTest::addColumn<bool>("stores"); // else the dialog is cancelled
+
+    // Enter from a box stores what the dialog shows, as OK does, without flipping the box or
+    // choosing the "Default Settings" tab; a focused Cancel cancels.
+    for (const char *field : {"chkLAUNCH", "chkMINSTART", "chkMINCLOSE", "chkWINMIN", "chkONTOP",
+                              "cboINTERVAL", "chkPLAYLAST", "pagSETTINGS", "btnOK"})
+        QTest::newRow(field) << QString::fromLatin1(field) << true;
+    QTest::newRow("btnCANCEL") << "btnCANCEL" << false;
+}
+
+void TestProgramSettings::enterInEachField()
+{
+    QFETCH(QString, field);
+    QFETCH(bool, stores);
+    ProgramSettingsDialog dialog;
+    control<QCheckBox>(dialog, "chkLAUNCH")->setChecked(false);
+    control<QCheckBox>(dialog, "chkONTOP")->setChecked(true);
+    control<QComboBox>(dialog, "cboINTERVAL")->setCurrentText(QStringLiteral("5 Minutes"));
+    const Values shown = dialog.values();
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QWidget *widget = control<QWidget>(dialog, field.toLatin1().constData());
+    widget->setFocus();
+
+    QTest::keyClick(widget, Qt::Key_Return);
+
+    QVERIFY(!dialog.isVisible());
+    QCOMPARE(dialog.result(), stores ? int(QDialog::Accepted) : int(QDialog::Rejected));
+    QCOMPARE(dialog.values(), shown);
+    QCOMPARE(ProgramSettingsModel::load(), stores ? shown : Values());
 }
 
 QTEST_MAIN(TestProgramSettings)

@@ -5,6 +5,7 @@
 #include "support/test_home.h"
 
 #include <QSignalSpy>
+#include <QStyleHints>
 #include <QTest>
 #include <QWidget>
 
@@ -22,6 +23,10 @@ private slots:
     void rightClickOpensTrayVariantOfMenu();
     void rightDoubleClickOpensThemeEditor();
     void tooltipIsKeptShort();
+    void followsTheTray_data();
+    void followsTheTray();
+    void singleClickTogglesDashboard_data();
+    void singleClickTogglesDashboard();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -145,6 +150,84 @@ void TestTrayDispatch::tooltipIsKeptShort()
     tray.setProperty("Tooltip", QString(100, QLatin1Char('x')));
     QCOMPARE(tray.Tooltip().size(), 63);
     QCOMPARE(tray.systemTrayIcon()->toolTip(), tray.Tooltip());
+}
+
+void TestTrayDispatch::followsTheTray_data()
+{
+    QTest::addColumn<bool>("trayBefore");
+    QTest::addColumn<bool>("dashboardShown"); // while the tray comes or goes
+    QTest::addColumn<bool>("trayAfter");
+    QTest::addColumn<bool>("dashboardShownAfter");
+
+    QTest::newRow("tray starts after the program") << false << true << true << true;
+    QTest::newRow("tray starts while only widgets show") << false << false << true << false;
+    QTest::newRow("tray goes while the dashboard is hidden") << true << false << false << true;
+}
+
+void TestTrayDispatch::followsTheTray()
+{
+    QFETCH(bool, trayBefore);
+    QFETCH(bool, dashboardShown);
+    QFETCH(bool, trayAfter);
+    QFETCH(bool, dashboardShownAfter);
+    TrayIcon::setAvailableForTesting(trayBefore ? 1 : 0);
+    QWidget dashboard;
+    dashboard.show();
+    TrayIcon tray;
+    tray.setRecheckInterval(10);
+    tray.TraySetIcon(&dashboard);
+    QCOMPARE(tray.systemTrayIcon()->isVisible(), trayBefore);
+    dashboard.setVisible(dashboardShown);
+
+    TrayIcon::setAvailableForTesting(trayAfter ? 1 : 0);
+
+    QTRY_COMPARE(tray.systemTrayIcon()->isVisible(), trayAfter);
+    QCOMPARE(dashboard.isVisible(), dashboardShownAfter);
+    TrayIcon::setAvailableForTesting(-1);
+}
+
+void TestTrayDispatch::singleClickTogglesDashboard_data()
+{
+    QTest::addColumn<QList<int>>("activations");
+    QTest::addColumn<bool>("shownBefore");
+    QTest::addColumn<bool>("shownAfter");
+
+    const int click = QSystemTrayIcon::Trigger;
+    const int doubleClick = QSystemTrayIcon::DoubleClick;
+    QTest::newRow("click shows") << QList<int>{click} << false << true;
+    QTest::newRow("click hides") << QList<int>{click} << true << false;
+    // X11 reports both presses of a double click as clicks first; Windows reports only one.
+    QTest::newRow("double click shows") << QList<int>{click, click, doubleClick} << false << true;
+    QTest::newRow("double click keeps shown") << QList<int>{click, click, doubleClick} << true << true;
+    QTest::newRow("double click, one click first") << QList<int>{click, doubleClick} << true << true;
+}
+
+void TestTrayDispatch::singleClickTogglesDashboard()
+{
+    QFETCH(QList<int>, activations);
+    QFETCH(bool, shownBefore);
+    QFETCH(bool, shownAfter);
+    QStyleHints *hints = QGuiApplication::styleHints();
+    const int interval = hints->mouseDoubleClickInterval();
+    hints->setMouseDoubleClickInterval(50);
+    QWidget dashboard;
+    dashboard.setVisible(shownBefore);
+    TrayIcon tray;
+    tray.TraySetIcon(&dashboard);
+    QSignalSpy clicks(&tray, &TrayIcon::Click);
+
+    for (int reason : activations) {
+        // A click may be the first of a double click: it cannot act yet.
+        const bool shown = dashboard.isVisible();
+        emit tray.systemTrayIcon()->activated(QSystemTrayIcon::ActivationReason(reason));
+        if (reason == QSystemTrayIcon::Trigger)
+            QCOMPARE(dashboard.isVisible(), shown);
+    }
+    QTest::qWait(150);
+
+    QCOMPARE(dashboard.isVisible(), shownAfter);
+    QCOMPARE(clicks.count(), activations.size());
+    hints->setMouseDoubleClickInterval(interval);
 }
 
 QTEST_MAIN(TestTrayDispatch)

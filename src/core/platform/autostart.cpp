@@ -4,6 +4,7 @@
 
 #include <QCoreApplication>
 #include <QDir>
+#include <QFile>
 #include <QFileInfo>
 #include <QStandardPaths>
 
@@ -21,6 +22,21 @@ void Autostart::apply(bool on)
     const QString path = desktopEntryPath();
     QDir().mkpath(QFileInfo(path).absolutePath());
     WriteFileSafely(path, desktopEntryText(executable, on).toUtf8());
+#endif
+}
+
+bool Autostart::isOn()
+{
+#ifdef Q_OS_WIN
+    return !ReadSetting(Hive::LocalMachine, QStringLiteral("Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
+                        QStringLiteral("Vantora"), QString())
+                .isEmpty();
+#else
+    QFile file(desktopEntryPath());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return false;
+    const QList<QByteArray> lines = file.readAll().split('\n');
+    return !lines.contains(QByteArrayLiteral("Hidden=true"));
 #endif
 }
 

@@ -11,6 +11,9 @@ public:
     // Writes the entry for the running executable. Failures are silent, like any setting write.
     static void apply(bool on);
 
+    // Whether an entry that starts the program is in place (present and not switched off).
+    static bool isOn();
+
     // The freedesktop autostart file: VANTORA_HOME/autostart/vantora.desktop when VANTORA_HOME is
     // set (tests, benchmarks), else $XDG_CONFIG_HOME/autostart/vantora.desktop.
     static QString desktopEntryPath();
