@@ -571,6 +571,7 @@ void DashboardWindow::ThemeElementsUpdate()
         label->setFont(panelFont);
         setTextColor(label, panelText);
     }
+    m_open->setStyleSheet(PushButtonStyleSheet(theme));
     for (DashboardTile *tile : m_tiles) {
         tile->setFont(panelFont);
         tile->setColors(panelText, accent);
