@@ -50,6 +50,20 @@ void ThemedDialog::setPanelLayout(QLayout *layout)
     panel()->setLayout(layout);
 }
 
+void ThemedDialog::themeControls()
+{
+    const Theme &t = CurrentTheme();
+    QPalette pal = panel()->palette();
+    // Half-way between the text and the background reads as "off" on light and dark themes.
+    pal.setColor(QPalette::Disabled, QPalette::WindowText, ResolveColor(BlendColor(t.PanelColor, t.MainColor, 110)));
+    panel()->setPalette(pal);
+    const QString css = PushButtonStyleSheet(t);
+    for (QPushButton *button : panel()->findChildren<QPushButton *>()) {
+        if (button->styleSheet() != css)
+            button->setStyleSheet(css);
+    }
+}
+
 void ThemedDialog::setDefaultButton(QPushButton *button)
 {
     m_defaultButton = button;
@@ -83,6 +97,7 @@ void ThemedDialog::settleDefaultButton()
 void ThemedDialog::ThemeElementsUpdate()
 {
     m_chrome->applyThemeColours();
+    themeControls();
     bar()->update();
     panel()->update();
 }

@@ -48,6 +48,8 @@ protected:
 private:
     void focusFirstPanelControl();
     void settleDefaultButton();
+    // The panel's push buttons in the theme's button style, and its disabled text readable.
+    void themeControls();
 
     ThemedChrome *m_chrome;
     QPushButton *m_defaultButton = nullptr;

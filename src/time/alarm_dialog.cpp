@@ -3,7 +3,6 @@
 #include "core/widget_frame.h"
 #include "themes/painted_frame.h"
 #include "time/alarm_scheduler.h"
-#include "time/dialog_theming.h"
 #include "time/scheduler_window.h"
 
 #include <QCheckBox>
@@ -93,7 +92,6 @@ AlarmDialog::AlarmDialog(QWidget *parent)
     m_buttons = new QWidget;
     m_buttons->setObjectName(QStringLiteral("pfrBUTTONS"));
     QPushButton *browseButton = button(QStringLiteral("btnBROWSE"), tr("&Browse..."));
-    m_browse = browseButton;
     browseButton->setToolTip(tr("Choose a WAV file to play"));
     auto *sound = new QHBoxLayout;
     sound->addWidget(m_bell);
@@ -132,12 +130,6 @@ AlarmDialog::AlarmDialog(QWidget *parent)
     connect(testButton, &QPushButton::clicked, this, &AlarmDialog::testSound);
     connect(browseButton, &QPushButton::clicked, this, &AlarmDialog::browse);
     connect(m_soundPath, &QLineEdit::textEdited, this, [this] { m_other->setChecked(true); });
-}
-
-void AlarmDialog::ThemeElementsUpdate()
-{
-    ThemedDialog::ThemeElementsUpdate();
-    DialogTheming::apply(panel(), {m_buttons, m_browse});
 }
 
 AlarmDialog *AlarmDialog::showSingle(QWidget *parent)

@@ -26,7 +26,6 @@ public slots:
     bool save();
     void testSound();
     void browse();
-    void ThemeElementsUpdate() override;
 
 signals:
     void saved();
@@ -43,5 +42,4 @@ private:
     QLineEdit *m_soundPath;
     QLabel *m_problem;
     QWidget *m_buttons;
-    QWidget *m_browse;
 };

@@ -6,7 +6,6 @@
 #include "themes/theme_painter.h"
 #include "themes/widget_glyphs.h"
 #include "time/alarm_dialog.h"
-#include "time/dialog_theming.h"
 
 #include <QHBoxLayout>
 #include <QLabel>
@@ -150,7 +149,6 @@ void AlarmPopup::ThemeElementsUpdate()
     painter.end();
     m_icon->setPixmap(bell);
 
-    DialogTheming::apply(panel(), {m_buttons});
     fitMessage();
 }
 

@@ -5,7 +5,6 @@
 #include "themes/painted_frame.h"
 #include "time/clock_settings.h"
 #include "time/date_time_formatter.h"
-#include "time/dialog_theming.h"
 
 #include <QCheckBox>
 #include <QHBoxLayout>
@@ -98,12 +97,6 @@ ClockSettingsDialog *ClockSettingsDialog::showSingle(QWidget *parent)
     g_open->raise();
     g_open->activateWindow();
     return g_open;
-}
-
-void ClockSettingsDialog::ThemeElementsUpdate()
-{
-    ThemedDialog::ThemeElementsUpdate();
-    DialogTheming::apply(panel(), {m_buttons});
 }
 
 void ClockSettingsDialog::updateControls()

@@ -20,7 +20,6 @@ public:
 
 public slots:
     void save();
-    void ThemeElementsUpdate() override;
 
 private:
     void updateControls();
