@@ -27,7 +27,6 @@
 #include <QScreen>
 #include <QTimer>
 #include <QVBoxLayout>
-#include <cmath>
 
 namespace {
 
@@ -52,32 +51,6 @@ void setTextColor(QWidget *w, const QColor &color)
     w->setPalette(pal);
 }
 
-// The relative luminance and contrast ratio of the web accessibility guidelines, whose 4.5 to 1
-// is the least that text of a menu's size reads at.
-constexpr double kReadableContrast = 4.5;
-
-double luminance(const QColor &c)
-{
-    auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
-    return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
-}
-
-double contrast(const QColor &a, const QColor &b)
-{
-    const double la = luminance(a);
-    const double lb = luminance(b);
-    return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
-}
-
-QColor readableOn(const QColor &background, const QColor &wanted)
-{
-    if (contrast(wanted, background) >= kReadableContrast)
-        return wanted;
-    const QColor black(Qt::black);
-    const QColor white(Qt::white);
-    return contrast(black, background) >= contrast(white, background) ? black : white;
-}
-
 // Weight 255 gives a, 0 gives b.
 QColor mix(const QColor &a, const QColor &b, int weight)
 {
@@ -88,7 +61,7 @@ QColor mix(const QColor &a, const QColor &b, int weight)
 // text reads at least as well as on `background`.
 QColor chosenBackground(const QColor &background, const QColor &text)
 {
-    const QColor away = luminance(text) > luminance(background) ? QColor(Qt::black) : QColor(Qt::white);
+    const QColor away = RelativeLuminance(text) > RelativeLuminance(background) ? QColor(Qt::black) : QColor(Qt::white);
     return mix(away, background, 56);
 }
 
@@ -508,13 +481,13 @@ DashboardWindow::MenuColours DashboardWindow::menuColoursFor(const Theme &theme)
     const ThemeGradients g = GradientsFor(theme);
     MenuColours c;
     c.bar = ResolveColor(g.barStart);
-    c.barText = readableOn(c.bar, ResolveColor(theme.BarColor));
+    c.barText = ReadableOn(c.bar, ResolveColor(theme.BarColor));
     c.barSelected = chosenBackground(c.bar, c.barText);
-    c.barSelectedText = readableOn(c.barSelected, c.barText);
+    c.barSelectedText = ReadableOn(c.barSelected, c.barText);
     c.menu = ResolveColor(g.panelStart);
-    c.menuText = readableOn(c.menu, ResolveColor(theme.PanelColor));
+    c.menuText = ReadableOn(c.menu, ResolveColor(theme.PanelColor));
     c.menuSelected = chosenBackground(c.menu, c.menuText);
-    c.menuSelectedText = readableOn(c.menuSelected, c.menuText);
+    c.menuSelectedText = ReadableOn(c.menuSelected, c.menuText);
     c.menuDisabledText = mix(c.menuText, c.menu, 120);
     c.menuLine = mix(c.menuText, c.menu, 90);
     return c;

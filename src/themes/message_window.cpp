@@ -269,15 +269,19 @@ void MessageWindow::ThemeElementsUpdate()
     titleFont.setBold(true);
     m_title->setFont(titleFont);
     QPalette titlePal = m_title->palette();
-    titlePal.setColor(QPalette::WindowText, ResolveColor(t.BarColor));
+    // Questions and warnings must be read whatever the theme: text that would not read on its
+    // background turns black or white.
+    const QColor barText = ReadableOn(ResolveColor(GradientsFor(t).barStart), ResolveColor(t.BarColor));
+    titlePal.setColor(QPalette::WindowText, barText);
     m_title->setPalette(titlePal);
-    m_close->setCloseGlyph(ResolveColor(t.BarColor));
+    m_close->setCloseGlyph(barText);
 
     QFont textFont = m_description->font();
     textFont.setFamily(t.PanelFont);
     m_description->setFont(textFont);
     QPalette textPal = m_description->palette();
-    textPal.setColor(QPalette::WindowText, ResolveColor(t.PanelColor));
+    textPal.setColor(QPalette::WindowText,
+                     ReadableOn(ResolveColor(GradientsFor(t).panelStart), ResolveColor(t.PanelColor)));
     m_description->setPalette(textPal);
 
     const QString css = PushButtonStyleSheet(t);

@@ -51,6 +51,8 @@ ShareThemeDialog::ShareThemeDialog(QWidget *parent)
     buttons->addStretch(1);
     buttons->addWidget(closeButton);
     layout->addLayout(buttons);
+    // Export and import each open a file chooser; Enter only closes.
+    setDefaultButton(closeButton);
 
     m_status = new QLabel(panel());
     m_status->setObjectName(QStringLiteral("lblSTATUS"));
@@ -131,17 +133,6 @@ void ShareThemeDialog::importTheme()
     SetCurrentTheme(theme);
     SaveThemeToRegistry();
     setStatus(tr("The theme %1 is now in use.").arg(QFileInfo(copy).completeBaseName()));
-}
-
-void ShareThemeDialog::ThemeElementsUpdate()
-{
-    ThemedDialog::ThemeElementsUpdate();
-    // Each button gets the sheet itself: a sheet on the panel would restyle every control on
-    // it and put back the panel's old palette on each change, leaving the labels in the
-    // previous theme's text colour.
-    const QString css = PushButtonStyleSheet(CurrentTheme());
-    for (QPushButton *button : panel()->findChildren<QPushButton *>())
-        button->setStyleSheet(css);
 }
 
 void ShareThemeDialog::setStatus(const QString &text)

@@ -26,9 +26,6 @@ public:
     void importTheme();
     QString statusText() const;
 
-public slots:
-    void ThemeElementsUpdate() override;
-
 private:
     QString chooseFile(bool save, const QString &suggestion);
     void setStatus(const QString &text);

@@ -91,3 +91,25 @@ OleColor ComposeColor(double red, double green, double blue)
     return OleColor(capChannel(red)) | (OleColor(capChannel(green)) << 8) |
            (OleColor(capChannel(blue)) << 16);
 }
+
+double RelativeLuminance(const QColor &color)
+{
+    const auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
+    return 0.2126 * channel(color.redF()) + 0.7152 * channel(color.greenF()) + 0.0722 * channel(color.blueF());
+}
+
+QColor ReadableOn(const QColor &background, const QColor &wanted, double least)
+{
+    if (ContrastRatio(wanted, background) >= least)
+        return wanted;
+    const QColor black(Qt::black);
+    const QColor white(Qt::white);
+    return ContrastRatio(black, background) >= ContrastRatio(white, background) ? black : white;
+}
+
+double ContrastRatio(const QColor &a, const QColor &b)
+{
+    const double la = RelativeLuminance(a);
+    const double lb = RelativeLuminance(b);
+    return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
+}

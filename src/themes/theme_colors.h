@@ -33,3 +33,15 @@ inline int BlueOf(OleColor c)
 // Composes a colour from channels, each capped to 0..255 and rounded to the nearest whole
 // number (halves to even).
 OleColor ComposeColor(double red, double green, double blue);
+
+// Relative luminance of a colour (0 black .. 1 white), as the web accessibility guidelines
+// define it for judging text contrast.
+double RelativeLuminance(const QColor &color);
+
+// The contrast ratio of two colours, from 1 (the same) to 21 (black on white). Text needs 4.5
+// to read comfortably and 3 at the very least.
+double ContrastRatio(const QColor &a, const QColor &b);
+
+// `wanted` when it reads on `background` at `least` contrast, else black or white, whichever
+// reads better: for text that must be read whatever the theme (questions, buttons, menus).
+QColor ReadableOn(const QColor &background, const QColor &wanted, double least = 4.5);

@@ -1,13 +1,17 @@
 #include "themes/theme_editor.h"
 
+#include "themes/message_box.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 #include "themes/theme_presets.h"
+#include "themes/theme_preview.h"
 
 #include <QColorDialog>
 #include <QDir>
 #include <QFileInfo>
 #include <QFontComboBox>
+#include <QFontDatabase>
+#include <QFontInfo>
 #include <QGridLayout>
 #include <QGroupBox>
 #include <QHBoxLayout>
@@ -15,7 +19,6 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QListWidget>
-#include <QMessageBox>
 #include <QPainter>
 #include <QPointer>
 #include <QPushButton>
@@ -28,7 +31,9 @@ namespace {
 
 QPointer<ThemeEditor> g_editor;
 ThemeEditor::ColorChooser g_colorChooser;
-ThemeEditor::Confirmer g_confirmer;
+
+// Below this contrast text is hard to read for anyone; the editor says so.
+constexpr double kLeastContrast = 3.0;
 
 enum PresetColumn
 {
@@ -101,6 +106,15 @@ QString groupTitle(const QString &group)
     return group.left(1).toUpper() + group.mid(1);
 }
 
+QLabel *noteLabel(const QString &name, QWidget *parent)
+{
+    auto *label = new QLabel(parent);
+    label->setObjectName(name);
+    label->setWordWrap(true);
+    label->hide();
+    return label;
+}
+
 } // namespace
 
 ThemeEditor::ThemeEditor(QWidget *parent)
@@ -108,11 +122,24 @@ ThemeEditor::ThemeEditor(QWidget *parent)
 {
     setAttribute(Qt::WA_DeleteOnClose);
     setModal(false);
-    auto *layout = new QHBoxLayout;
-    layout->setSpacing(16);
-    layout->addWidget(buildPresetColumn(), 1);
-    layout->addWidget(buildValueColumn(), 1);
+    // The controls sit on a plain body in the desktop's colours: a theme chosen on the way to a
+    // good one may have text the colour of its background, and the editor must stay usable.
+    // The preview and every open widget show the theme.
+    auto *body = new QWidget(panel());
+    body->setObjectName(QStringLiteral("pfrEDITOR"));
+    auto *columns = new QHBoxLayout(body);
+    columns->setContentsMargins(12, 12, 12, 12);
+    columns->setSpacing(16);
+    columns->addWidget(buildPresetColumn(), 1);
+    columns->addWidget(buildValueColumn(), 1);
+    auto *layout = new QVBoxLayout;
+    layout->addWidget(body);
     setPanelLayout(layout);
+    layout->setContentsMargins(1, 0, 1, 1);
+    keepDesktopStyle(body);
+    // Every change shows at once, so Enter has nothing to confirm: no default button. Enter in
+    // the name field saves, as that field's own action.
+    setDefaultButton(nullptr);
 
     showTheme(m_theme);
     selectGroup(PresetGroups().constFirst());
@@ -139,11 +166,6 @@ ThemeEditor *ThemeEditor::instance()
 void ThemeEditor::setColorChooserForTesting(ColorChooser chooser)
 {
     g_colorChooser = std::move(chooser);
-}
-
-void ThemeEditor::setConfirmerForTesting(Confirmer confirmer)
-{
-    g_confirmer = std::move(confirmer);
 }
 
 QWidget *ThemeEditor::buildPresetColumn()
@@ -234,6 +256,16 @@ QWidget *ThemeEditor::buildValueColumn()
     auto *v = new QVBoxLayout(column);
     v->setContentsMargins(0, 0, 0, 0);
 
+    m_preview = new ThemePreview(column);
+    m_preview->setMinimumHeight(m_preview->sizeHint().height());
+    v->addWidget(m_preview);
+    m_contrastWarning = noteLabel(QStringLiteral("lblCONTRAST"), column);
+    m_contrastWarning->setAccessibleName(tr("Contrast warning"));
+    // The usual colours of a warning, fixed: it must stand out on any desktop scheme.
+    m_contrastWarning->setStyleSheet(QStringLiteral("QLabel { background: #FFF4CE; color: #3D3000; border: 1px solid "
+                                                    "#D9B44A; border-radius: 3px; padding: 4px; }"));
+    v->addWidget(m_contrastWarning);
+
     auto *main = new QGroupBox(tr("Colour"), column);
     auto *mainGrid = new QGridLayout(main);
     m_mainColor = makeColorButton(QStringLiteral("btnMAINCOLOR"), tr("Main Colour"), &Theme::MainColor);
@@ -258,6 +290,10 @@ QWidget *ThemeEditor::buildValueColumn()
         *font = makeFontBox(QStringLiteral("cbo%1FONT").arg(tag), fontField);
         grid->addWidget(new QLabel(tr("Font:"), box), 0, 0);
         grid->addWidget(*font, 0, 1, 1, 2);
+        auto *note = noteLabel(QStringLiteral("lbl%1FONTNOTE").arg(tag), box);
+        note->setWordWrap(false);
+        grid->addWidget(note, 3, 0, 1, 3);
+        m_fontNotes.append({*font, note});
         QSpinBox *angleSpin = nullptr;
         *angle = makeSliderRow(box, tag + QStringLiteral("ANGLE"), 0, 360, angleField, &angleSpin);
         angleSpin->setSuffix(QStringLiteral("\u00B0"));
@@ -278,11 +314,7 @@ QWidget *ThemeEditor::buildValueColumn()
     auto *defaults = new QPushButton(tr("D&efault Theme"), column);
     defaults->setObjectName(QStringLiteral("btnDEFAULT"));
     defaults->setToolTip(tr("Go back to the program's own theme"));
-    connect(defaults, &QPushButton::clicked, this, [this] {
-        m_lastApplied.clear();
-        showTheme(Theme());
-        themeEdited();
-    });
+    connect(defaults, &QPushButton::clicked, this, &ThemeEditor::useDefaultTheme);
     auto *row = new QHBoxLayout;
     row->addStretch(1);
     row->addWidget(defaults);
@@ -356,11 +388,62 @@ void ThemeEditor::showTheme(const Theme &theme)
         box->setEditText(face);
     }
     m_loading = false;
+    showThemeQuality();
 }
 
 void ThemeEditor::themeEdited()
 {
     SetCurrentTheme(m_theme); // live on every open window
+    showThemeQuality();
+}
+
+void ThemeEditor::showThemeQuality()
+{
+    m_preview->setTheme(m_theme);
+    const double panel = ContrastRatio(ResolveColor(m_theme.PanelColor), m_preview->panelBackground());
+    const double bar = ContrastRatio(ResolveColor(m_theme.BarColor), m_preview->barBackground());
+    QStringList problems;
+    if (panel < kLeastContrast)
+        problems << tr("panel text %1:1").arg(panel, 0, 'f', 1);
+    if (bar < kLeastContrast)
+        problems << tr("bar text %1:1").arg(bar, 0, 'f', 1);
+    m_contrastWarning->setVisible(!problems.isEmpty());
+    m_contrastWarning->setText(problems.isEmpty()
+                                   ? QString()
+                                   : QStringLiteral("\u26A0 ") +
+                                         tr("Hard to read: %1. Text needs a contrast of 3:1 with its "
+                                            "background at least; 4.5:1 reads comfortably.")
+                                             .arg(problems.join(QStringLiteral(", "))));
+    // A face missing here is kept in the theme (it may be there on another computer), but the
+    // user should know what the widgets show instead.
+    const QStringList installed = QFontDatabase::families();
+    for (const auto &[box, note] : std::as_const(m_fontNotes)) {
+        const QString wanted = box == m_panelFont ? m_theme.PanelFont : m_theme.BarFont;
+        const QString drawn = QFontInfo(QFont(wanted)).family();
+        const bool missing = !installed.contains(wanted, Qt::CaseInsensitive);
+        note->setVisible(missing);
+        note->setText(missing ? tr("\u201C%1\u201D is missing: drawn as %2").arg(wanted, drawn)
+                              : QString());
+    }
+    // Notes that appear need room: the window grows rather than squeezing the controls.
+    if (isVisible() && layout()) {
+        layout()->activate();
+        resize(size().expandedTo(sizeHint()));
+    }
+}
+
+void ThemeEditor::useDefaultTheme()
+{
+    if (m_theme == Theme())
+        return;
+    if (!ConfirmDestructiveAction(tr("Default Theme"),
+                                  tr("Put the program's own theme in place of the values shown? Values "
+                                     "not saved as a preset are lost."),
+                                  tr("Use Default"), this))
+        return;
+    m_lastApplied.clear();
+    showTheme(Theme());
+    themeEdited();
 }
 
 void ThemeEditor::onThemeChanged()
@@ -460,6 +543,14 @@ void ThemeEditor::applyPreset(const QString &fileName)
 
 void ThemeEditor::savePreset()
 {
+    const QString name = m_name->text().trimmed();
+    if (!name.isEmpty() && QFileInfo::exists(PresetFilePath(selectedGroup(), PresetFileNameFor(name))) &&
+        !ConfirmDestructiveAction(tr("Replace Preset"),
+                                  tr("The group \"%1\" already has a preset named \"%2\". Replace it with "
+                                     "the values shown?")
+                                      .arg(groupTitle(selectedGroup()), name),
+                                  tr("Replace"), this))
+        return;
     QString path;
     QString error;
     switch (SavePreset(selectedGroup(), m_name->text(), m_theme, &path, &error)) {
@@ -491,6 +582,12 @@ void ThemeEditor::deleteSelectedPreset()
     const QString fileName = currentFileName();
     if (fileName.isEmpty())
         return;
+    const QString caption = m_presets->currentItem()->text(NameColumn);
+    if (!ConfirmDestructiveAction(tr("Delete Preset"),
+                                  tr("Delete the preset \"%1\" of the group \"%2\"? This cannot be undone.")
+                                      .arg(caption, groupTitle(selectedGroup())),
+                                  tr("Delete"), this))
+        return;
     if (!DeletePreset(selectedGroup(), fileName))
         setStatus(tr("\"%1\" could not be deleted.").arg(fileName));
     else
@@ -506,11 +603,7 @@ void ThemeEditor::deleteAllPresets()
     const QString question =
         tr("Delete all %n preset(s) of the group \"%1\"? This cannot be undone.", nullptr, count)
             .arg(groupTitle(selectedGroup()));
-    const bool yes = g_confirmer ? g_confirmer(question)
-                                 : QMessageBox::question(this, tr("Delete All Presets"), question,
-                                                         QMessageBox::Yes | QMessageBox::No,
-                                                         QMessageBox::No) == QMessageBox::Yes;
-    if (!yes)
+    if (!ConfirmDestructiveAction(tr("Delete All Presets"), question, tr("Delete All"), this))
         return;
     DeleteAllPresets(selectedGroup());
     setStatus(QString());
@@ -520,17 +613,6 @@ void ThemeEditor::deleteAllPresets()
 void ThemeEditor::setStatus(const QString &text)
 {
     m_status->setText(text);
-}
-
-void ThemeEditor::ThemeElementsUpdate()
-{
-    ThemedDialog::ThemeElementsUpdate();
-    // Each button gets the sheet itself: a sheet on the panel would restyle every control on
-    // it and put back the panel's old palette on each change, leaving the labels in the
-    // previous theme's text colour.
-    const QString css = PushButtonStyleSheet(CurrentTheme());
-    for (QPushButton *button : panel()->findChildren<QPushButton *>())
-        button->setStyleSheet(css);
 }
 
 void ThemeEditor::done(int result)

@@ -14,6 +14,7 @@ class QSlider;
 class QSpinBox;
 class QTreeWidget;
 class QTreeWidgetItem;
+class ThemePreview;
 
 // mdb_THM, the theme editor: every value of the theme with its range, shown live on every open
 // window; the preset groups and their files (swatches and sizes) to apply with a click, save
@@ -30,11 +31,9 @@ public:
     // The open editor, if any.
     static ThemeEditor *instance();
 
-    // Tests replace the colour dialog and the delete-all question.
+    // Tests replace the colour dialog (questions go through the message box's test hook).
     using ColorChooser = std::function<QColor(const QColor &initial, const QString &title)>;
     static void setColorChooserForTesting(ColorChooser chooser);
-    using Confirmer = std::function<bool(const QString &question)>;
-    static void setConfirmerForTesting(Confirmer confirmer);
 
     const Theme &editedTheme() const { return m_theme; }
     QString selectedGroup() const;
@@ -46,9 +45,8 @@ public:
     void deleteSelectedPreset();
     void deleteAllPresets();
     void refreshPresets();
-
-public slots:
-    void ThemeElementsUpdate() override;
+    // The program's own theme in place of the values shown, after a question.
+    void useDefaultTheme();
 
 protected:
     void done(int result) override;
@@ -63,6 +61,8 @@ private:
 
     void showTheme(const Theme &theme);
     void themeEdited();
+    // The preview, the contrast warning and the notes on fonts that are not installed.
+    void showThemeQuality();
     void chooseColor(QPushButton *button, const QString &title, OleColor Theme::*field);
     void updateColorButton(QPushButton *button, OleColor color);
     void onThemeChanged();
@@ -86,6 +86,9 @@ private:
     QSlider *m_barAngle = nullptr;
     QFontComboBox *m_panelFont = nullptr;
     QFontComboBox *m_barFont = nullptr;
+    ThemePreview *m_preview = nullptr;
+    QLabel *m_contrastWarning = nullptr;
+    QList<std::pair<QFontComboBox *, QLabel *>> m_fontNotes;
     QString m_lastApplied;
     Theme m_appliedTheme; // as the last applied preset left it
 };

@@ -94,7 +94,8 @@ QString PushButtonStyleSheet(const Theme &t)
                           "QPushButton:default { border: 2px solid %1; }"
                           "QPushButton:focus { border: 2px dotted %1; }"
                           "QPushButton:disabled { color: %3; }")
-        .arg(css(t.PanelColor), css(BlendColor(t.PanelColor, t.MainColor, 40)),
+        .arg(ReadableOn(ResolveColor(BlendColor(t.PanelColor, t.MainColor, 40)), ResolveColor(t.PanelColor)).name(),
+             css(BlendColor(t.PanelColor, t.MainColor, 40)),
              css(BlendColor(t.PanelColor, t.MainColor, 110)), t.PanelFont,
              css(BlendColor(t.PanelColor, t.MainColor, 70)), css(BlendColor(t.PanelColor, t.MainColor, 100)));
 }

@@ -7,6 +7,7 @@
 #include "themes/themed_button.h"
 #include "themes/themed_chrome.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QLayout>
@@ -59,9 +60,29 @@ void ThemedDialog::themeControls()
     panel()->setPalette(pal);
     const QString css = PushButtonStyleSheet(t);
     for (QPushButton *button : panel()->findChildren<QPushButton *>()) {
+        if (m_desktopStyleArea && m_desktopStyleArea->isAncestorOf(button))
+            continue;
         if (button->styleSheet() != css)
             button->setStyleSheet(css);
     }
+}
+
+void ThemedDialog::keepDesktopStyle(QWidget *area)
+{
+    m_desktopStyleArea = area;
+    // Every colour set explicitly, so that the panel's theme colours do not reach the area's
+    // controls through palette inheritance.
+    const QPalette desktop = QApplication::palette();
+    QPalette pal;
+    for (int g = 0; g < QPalette::NColorGroups; ++g) {
+        for (int r = 0; r < QPalette::NColorRoles; ++r) {
+            const auto group = QPalette::ColorGroup(g);
+            const auto role = QPalette::ColorRole(r);
+            pal.setBrush(group, role, desktop.brush(group, role));
+        }
+    }
+    area->setPalette(pal);
+    area->setAutoFillBackground(true);
 }
 
 void ThemedDialog::setDefaultButton(QPushButton *button)

@@ -36,6 +36,11 @@ public:
 
     void setVisible(bool visible) override;
 
+    // The controls under `area` keep the desktop's own colours and style whatever the theme,
+    // on a plain background: for a dialog that must stay readable under any theme (the theme
+    // editor, where the user may pick unreadable colours on the way to good ones).
+    void keepDesktopStyle(QWidget *area);
+
 public slots:
     // Called by ApplyTheme (by name): opacity, background, and BarColor/PanelColor text.
     virtual void ThemeElementsUpdate();
@@ -53,5 +58,6 @@ private:
 
     ThemedChrome *m_chrome;
     QPushButton *m_defaultButton = nullptr;
+    QWidget *m_desktopStyleArea = nullptr;
     bool m_placed = false;
 };

@@ -6,6 +6,7 @@
 #include "shell/update_check.h"
 #include "shell/widget_registry.h"
 #include "support/test_home.h"
+#include "themes/theme_colors.h"
 #include "themes/theme.h"
 #include "themes/widget_window.h"
 
@@ -42,18 +43,6 @@ public:
 void setDetail(const char *name, const char *value)
 {
     WriteDetail(QStringLiteral("mdb_SET"), QString::fromLatin1(name), QString::fromLatin1(value));
-}
-
-// The contrast ratio of the web accessibility guidelines (1 to 21).
-double contrast(const QColor &a, const QColor &b)
-{
-    auto luminance = [](const QColor &c) {
-        auto channel = [](double v) { return v <= 0.03928 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4); };
-        return 0.2126 * channel(c.redF()) + 0.7152 * channel(c.greenF()) + 0.0722 * channel(c.blueF());
-    };
-    const double la = luminance(a);
-    const double lb = luminance(b);
-    return (qMax(la, lb) + 0.05) / (qMin(la, lb) + 0.05);
 }
 
 } // namespace
@@ -334,10 +323,10 @@ void TestDashboard::menusFollowTheThemeAndRead()
     theme.BarColor = barText;
     theme.PanelColor = panelText;
     const DashboardWindow::MenuColours c = DashboardWindow::menuColoursFor(theme);
-    QVERIFY2(contrast(c.bar, c.barText) >= 4.5, "menu bar");
-    QVERIFY2(contrast(c.barSelected, c.barSelectedText) >= 4.5, "chosen menu title");
-    QVERIFY2(contrast(c.menu, c.menuText) >= 4.5, "menu");
-    QVERIFY2(contrast(c.menuSelected, c.menuSelectedText) >= 4.5, "chosen menu item");
+    QVERIFY2(ContrastRatio(c.bar, c.barText) >= 4.5, "menu bar");
+    QVERIFY2(ContrastRatio(c.barSelected, c.barSelectedText) >= 4.5, "chosen menu title");
+    QVERIFY2(ContrastRatio(c.menu, c.menuText) >= 4.5, "menu");
+    QVERIFY2(ContrastRatio(c.menuSelected, c.menuSelectedText) >= 4.5, "chosen menu item");
 
     const Theme before = CurrentTheme();
     DashboardWindow d;

@@ -1,6 +1,7 @@
 #include "support/test_home.h"
 #include "themes/message_box.h"
 #include "themes/message_window.h"
+#include "themes/theme_painter.h"
 
 #include <QApplication>
 #include <QLabel>
@@ -298,6 +299,39 @@ private slots:
         SetMessageResponderForTesting(nullptr);
         QCOMPARE(seen, (QList<int>{7, -2}));
         QVERIFY(!shownMessageWindow());
+    }
+
+    // A question before a destructive action: Cancel is the default, the text reads whatever
+    // the theme (here text the colour of its panel), and only the action's button confirms.
+    void destructiveQuestions_data()
+    {
+        QTest::addColumn<int>("key");
+        QTest::addColumn<bool>("confirmed");
+        QTest::newRow("Enter cancels") << int(Qt::Key_Return) << false;
+        QTest::newRow("Escape cancels") << int(Qt::Key_Escape) << false;
+    }
+
+    void destructiveQuestions()
+    {
+        QFETCH(int, key);
+        QFETCH(bool, confirmed);
+        Theme unreadable;
+        unreadable.PanelColor = unreadable.MainColor;
+        unreadable.BarColor = unreadable.MainColor;
+        SetCurrentTheme(unreadable);
+        double textContrast = 0;
+        QString caption;
+        whenShown([&](MessageWindow *w) {
+            auto *text = w->findChild<QLabel *>(QStringLiteral("lblDESCRIPTION"));
+            textContrast = ContrastRatio(text->palette().color(QPalette::WindowText),
+                                         ResolveColor(GradientsFor(CurrentTheme()).panelStart));
+            caption = w->findChild<QPushButton *>(QStringLiteral("btnYES"))->text();
+            QTest::keyClick(QApplication::focusWidget() ? QApplication::focusWidget() : w, Qt::Key(key));
+        });
+        QCOMPARE(ConfirmDestructiveAction("Delete Preset", "Delete \"Snow\"?", "Delete"), confirmed);
+        SetCurrentTheme(Theme());
+        QCOMPARE(caption, QStringLiteral("Delete"));
+        QVERIFY(textContrast >= 4.5);
     }
 
 private:

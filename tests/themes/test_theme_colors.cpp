@@ -114,6 +114,27 @@ private slots:
         QVERIFY(!SystemColorRole(31, &group, &role));
         QVERIFY(!SystemColorRole(-1, &group, &role));
     }
+
+    void contrastRatio_data()
+    {
+        QTest::addColumn<QColor>("a");
+        QTest::addColumn<QColor>("b");
+        QTest::addColumn<double>("ratio");
+        QTest::newRow("black on white") << QColor(Qt::black) << QColor(Qt::white) << 21.0;
+        QTest::newRow("either order") << QColor(Qt::white) << QColor(Qt::black) << 21.0;
+        QTest::newRow("same colour") << QColor(20, 106, 211) << QColor(20, 106, 211) << 1.0;
+        // #767676 on white is the usual example of the least grey that reads at 4.5:1.
+        QTest::newRow("grey on white") << QColor(0x76, 0x76, 0x76) << QColor(Qt::white) << 4.54;
+        QTest::newRow("white on the default blue") << QColor(Qt::white) << QColor(20, 106, 211) << 5.21;
+    }
+
+    void contrastRatio()
+    {
+        QFETCH(QColor, a);
+        QFETCH(QColor, b);
+        QFETCH(double, ratio);
+        QVERIFY2(qAbs(ContrastRatio(a, b) - ratio) < 0.01, qPrintable(QString::number(ContrastRatio(a, b))));
+    }
 };
 
 QTEST_MAIN(TestThemeColors)

@@ -11,6 +11,7 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QFontInfo>
 #include <QFile>
 #include <QLabel>
 #include <QLineEdit>
@@ -33,9 +34,13 @@ private slots:
         QCOMPARE(AppPaths::dataFolder(), QDir::cleanPath(m_home->path()));
         SetCurrentTheme(Theme());
         m_messages.clear();
-        SetMessageResponderForTesting([this](bool, int number, const QString &) {
+        m_questions.clear();
+        m_answer = AnswerNo;
+        SetMessageResponderForTesting([this](bool, int number, const QString &text) {
             m_messages << number;
-            return 0;
+            if (number == 0) // a question before a destructive action
+                m_questions << text;
+            return number == 0 ? m_answer : 0;
         });
         m_editor = new ThemeEditor();
         m_editor->show();
@@ -51,7 +56,6 @@ private slots:
         m_widget.reset();
         SetMessageResponderForTesting(nullptr);
         ThemeEditor::setColorChooserForTesting(nullptr);
-        ThemeEditor::setConfirmerForTesting(nullptr);
         ShareThemeDialog::setFileChooserForTesting(nullptr);
     }
 
@@ -123,8 +127,8 @@ private slots:
         QCOMPARE(CurrentTheme().BarAngle, 45);
     }
 
-    // The labels of the editor and the share window take the panel's text colour on every
-    // change of theme, not only the first.
+    // The labels of the share window take the panel's text colour on every change of theme,
+    // not only the first; the editor's own labels keep the desktop's, whatever the theme.
     void labelsFollowEachTheme_data()
     {
         QTest::addColumn<bool>("share");
@@ -145,10 +149,13 @@ private slots:
             SetCurrentTheme(t);
             const QList<QLabel *> labels = dialog->findChildren<QLabel *>();
             int checked = 0;
+            const QColor expected = share ? ResolveColor(text) : QApplication::palette().color(QPalette::WindowText);
             for (QLabel *label : labels) {
-                if (label->objectName() == QLatin1String("lablTITLE") || label->text().isEmpty())
+                if (label->objectName() == QLatin1String("lablTITLE") || label->text().isEmpty() ||
+                    label->objectName().startsWith(QLatin1String("lblPREVIEW")) ||
+                    label->objectName() == QLatin1String("lblCONTRAST")) // a warning's own colours
                     continue;
-                QCOMPARE(label->palette().color(QPalette::WindowText), ResolveColor(text));
+                QCOMPARE(label->palette().color(QPalette::WindowText), expected);
                 ++checked;
             }
             QVERIFY(checked > 0);
@@ -177,22 +184,112 @@ private slots:
         m_editor->selectGroup("glass");
         auto *list = m_editor->findChild<QTreeWidget *>("lvwPRESETS");
         list->setCurrentItem(list->topLevelItem(1));
+        // Each delete asks first; cancelled, nothing goes.
+        QTest::mouseClick(m_editor->findChild<QPushButton *>("btnDELETE"), Qt::LeftButton);
+        QCOMPARE(list->topLevelItemCount(), 3);
+        QVERIFY(m_questions.value(0).contains("\"b\""));
+        m_answer = AnswerYes;
         QTest::mouseClick(m_editor->findChild<QPushButton *>("btnDELETE"), Qt::LeftButton);
         QCOMPARE(list->topLevelItemCount(), 2);
         QVERIFY(!QFile::exists(PresetFilePath("glass", "b.dcp")));
+        // The list is what is on disk, once each.
+        QCOMPARE(list->topLevelItem(0)->text(1), QStringLiteral("a"));
+        QCOMPARE(list->topLevelItem(1)->text(1), QStringLiteral("c"));
 
-        QString asked;
-        ThemeEditor::setConfirmerForTesting([&](const QString &q) {
-            asked = q;
-            return false;
-        });
+        m_answer = AnswerNo;
         QTest::mouseClick(m_editor->findChild<QPushButton *>("btnDELETEALL"), Qt::LeftButton);
-        QVERIFY(asked.contains("Glass"));
+        QVERIFY(m_questions.last().contains("Glass"));
         QCOMPARE(list->topLevelItemCount(), 2);
-        ThemeEditor::setConfirmerForTesting([](const QString &) { return true; });
+        m_answer = AnswerYes;
         QTest::mouseClick(m_editor->findChild<QPushButton *>("btnDELETEALL"), Qt::LeftButton);
         QCOMPARE(list->topLevelItemCount(), 0);
         QVERIFY(QDir(PresetFolderPath("glass")).entryList({"*.dcp"}).isEmpty());
+    }
+
+    // Enter in any control of the editor deletes and replaces nothing: no button is the
+    // default, and the name field's own Enter (save) asks before replacing a preset.
+    void enterInEachFieldKeepsThePresets()
+    {
+        SavePreset("flat", "Snow", Theme());
+        SavePreset("flat", "Cloud", Theme());
+        m_editor->selectGroup("flat");
+        auto *list = m_editor->findChild<QTreeWidget *>("lvwPRESETS");
+        list->setCurrentItem(list->topLevelItem(1)); // "Snow" applied, its name in the name field
+        const QStringList before = QDir(PresetFolderPath("flat")).entryList({"*.dcp"});
+        QStringList fields;
+        for (QWidget *w : m_editor->findChildren<QWidget *>()) {
+            if ((w->focusPolicy() & Qt::TabFocus) && !qobject_cast<QPushButton *>(w) && w->isVisibleTo(m_editor))
+                fields << w->objectName();
+        }
+        QVERIFY(fields.contains("cboPANELFONT") && fields.contains("txtNAME") && fields.contains("txtOPACITY"));
+        for (const QString &name : std::as_const(fields)) {
+            QWidget *field = m_editor->findChild<QWidget *>(name);
+            field->setFocus();
+            QTest::keyClick(field, Qt::Key_Return);
+            QVERIFY2(QDir(PresetFolderPath("flat")).entryList({"*.dcp"}) == before, qPrintable(name));
+            QVERIFY2(m_editor->isVisible(), qPrintable(name));
+        }
+        QCOMPARE(m_questions.size(), 1); // "Replace Snow?", from the name field, answered no
+    }
+
+    void defaultThemeAsksFirst_data()
+    {
+        QTest::addColumn<int>("answer");
+        QTest::addColumn<int>("opacity");
+        QTest::newRow("cancelled") << int(AnswerNo) << 99;
+        QTest::newRow("confirmed") << int(AnswerYes) << Theme().MainOpacity;
+    }
+
+    void defaultThemeAsksFirst()
+    {
+        QFETCH(int, answer);
+        QFETCH(int, opacity);
+        m_editor->findChild<QSlider *>("hsbOPACITY")->setValue(99);
+        m_answer = answer;
+        QTest::mouseClick(m_editor->findChild<QPushButton *>("btnDEFAULT"), Qt::LeftButton);
+        QCOMPARE(m_questions.size(), 1);
+        QCOMPARE(CurrentTheme().MainOpacity, opacity);
+    }
+
+    // The editor warns when the theme's text would be hard to read, and says which font is
+    // drawn for a face this system lacks.
+    void warnsAboutUnreadableThemes_data()
+    {
+        QTest::addColumn<OleColor>("panelText");
+        QTest::addColumn<OleColor>("barText");
+        QTest::addColumn<QString>("font");
+        QTest::addColumn<bool>("warning");
+        QTest::addColumn<bool>("fontNote");
+        const Theme standard;
+        QTest::newRow("default theme") << standard.PanelColor << standard.BarColor << "DejaVu Sans" << false << false;
+        QTest::newRow("panel text like its panel")
+            << standard.MainColor << standard.BarColor << "DejaVu Sans" << true << false;
+        QTest::newRow("bar text like its bar")
+            << standard.PanelColor << standard.MainColor << "DejaVu Sans" << true << false;
+        QTest::newRow("missing font") << standard.PanelColor << standard.BarColor << "No Such Face 42" << false << true;
+    }
+
+    void warnsAboutUnreadableThemes()
+    {
+        QFETCH(OleColor, panelText);
+        QFETCH(OleColor, barText);
+        QFETCH(QString, font);
+        QFETCH(bool, warning);
+        QFETCH(bool, fontNote);
+        Theme t;
+        t.PanelColor = panelText;
+        t.BarColor = barText;
+        t.PanelFont = font;
+        SetCurrentTheme(t);
+        auto *label = m_editor->findChild<QLabel *>("lblCONTRAST");
+        QCOMPARE(label->isVisibleTo(m_editor), warning);
+        auto *note = m_editor->findChild<QLabel *>("lblPANELFONTNOTE");
+        QCOMPARE(note->isVisibleTo(m_editor), fontNote);
+        if (fontNote)
+            QVERIFY(note->text().contains(font) && note->text().contains(QFontInfo(QFont(font)).family()));
+        // Whatever the theme, the editor's labels read on its body.
+        const QColor body = m_editor->findChild<QWidget *>("pfrEDITOR")->palette().color(QPalette::Window);
+        QVERIFY(ContrastRatio(label->palette().color(QPalette::WindowText), body) >= 4.5);
     }
 
     void closingSavesToTheSettings()
@@ -281,6 +378,8 @@ private:
     PaintedFrame *m_widgetPanel = nullptr;
     QPointer<ThemeEditor> m_editor;
     QList<int> m_messages;
+    QStringList m_questions;
+    int m_answer = AnswerNo;
     QString m_importFrom;
 };
 
