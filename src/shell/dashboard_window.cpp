@@ -109,7 +109,7 @@ void DashboardWindow::buildMenus()
         m_widgetItems[i] = item;
     }
     widgets->addSeparator();
-    m_showAllItem = widgets->addAction(QStringLiteral("&Show All Opened Widgets"), this,
+    m_showAllItem = widgets->addAction(QStringLiteral("Show A&ll Opened Widgets"), this,
                                        [this] { ShowHideAll(ShowAll); });
     m_showAllItem->setObjectName(QStringLiteral("mnuSHOWALL"));
     m_hideAllItem = widgets->addAction(QStringLiteral("&Hide All Opened Widgets"), this,
