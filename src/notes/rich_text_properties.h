@@ -1,0 +1,42 @@
+#pragma once
+
+#include <QTextFormat>
+
+// How the notes editor keeps rich text in a QTextDocument, shared by the RTF reader, the RTF
+// writer and the editor, so that what one puts in the others find.
+//
+// Lengths: RTF counts in twips (1/20 point). QTextDocument lengths (margins, indents, picture
+// sizes) are in pixels of a 96 dpi page, so one pixel is 15 twips. Font sizes stay in points.
+//
+// Characters: QTextCharFormat fontFamilies (first entry), fontPointSize, fontWeight (Bold or
+// Normal), fontItalic, fontUnderline, fontStrikeOut, foreground (text colour), background
+// (highlight), verticalAlignment (AlignSuperScript / AlignSubScript / AlignNormal), and
+// anchor + anchorHref for the text of a hyperlink.
+//
+// Paragraphs: QTextBlockFormat alignment (AlignLeft, AlignHCenter, AlignRight, AlignJustify),
+// leftMargin, rightMargin, textIndent (first line), topMargin (before), bottomMargin (after),
+// and lineHeight: ProportionalHeight in percent of single spacing (115 = 1.15 lines),
+// MinimumHeight or FixedHeight in pixels (RTF \slN with \slmult0, positive or negative).
+// Lists are QTextLists (ListDisc for bullets, ListDecimal and the letter and roman styles for
+// numbers) whose indent is the nesting level plus one. Tables are QTextTables.
+//
+// Pictures: a QTextImageFormat whose name() is a resource of the document
+// (QTextDocument::ImageResource). PNG and JPEG pictures are kept as their original encoded
+// bytes (a QByteArray resource, which Qt decodes for painting), so saving writes the same bytes
+// back. A picture of a kind the editor cannot show (metafiles, device-independent bitmaps, ...)
+// is shown as a placeholder image and keeps its whole original RTF group in
+// RawPictureProperty, which the writer puts back unchanged.
+namespace RichText {
+
+// QByteArray: the complete original "{\pict ...}" group of a picture shown as a placeholder.
+constexpr int RawPictureProperty = QTextFormat::UserProperty + 1;
+
+// Resource names of pictures read from RTF or inserted by the user: "rtfpicture:<n>".
+inline constexpr char kPictureScheme[] = "rtfpicture";
+
+constexpr double kTwipsPerPixel = 15.0;
+
+inline double TwipsToPixels(double twips) { return twips / kTwipsPerPixel; }
+inline int PixelsToTwips(double pixels) { return qRound(pixels * kTwipsPerPixel); }
+
+} // namespace RichText
