@@ -60,18 +60,6 @@ bool removeTreeForced(const QString &path)
     return QDir(path).removeRecursively();
 }
 
-bool isSameOrInside(const QString &inner, const QString &outer)
-{
-#ifdef Q_OS_WIN
-    constexpr Qt::CaseSensitivity cs = Qt::CaseInsensitive;
-#else
-    constexpr Qt::CaseSensitivity cs = Qt::CaseSensitive;
-#endif
-    const QString a = QDir::cleanPath(QFileInfo(inner).absoluteFilePath());
-    const QString b = QDir::cleanPath(QFileInfo(outer).absoluteFilePath());
-    return a.compare(b, cs) == 0 || a.startsWith(b + QLatin1Char('/'), cs);
-}
-
 } // namespace
 
 QString FieldOf(const QString &text, QChar delimiter, int n)
@@ -118,7 +106,7 @@ bool MoveFolder(const QString &source, const QString &destination)
     const QString to = LocalPath(destination);
     if (!FolderExists(from))
         return true;
-    if (isSameOrInside(to, from))
+    if (IsSameOrInside(to, from))
         return false;
     if (!copyTree(from, to))
         return false;
@@ -144,4 +132,21 @@ QString LocalPath(const QString &path)
     QString local = path;
     return local.replace(QLatin1Char('\\'), QLatin1Char('/'));
 #endif
+}
+
+bool IsSameOrInside(const QString &inner, const QString &outer)
+{
+#ifdef Q_OS_WIN
+    constexpr Qt::CaseSensitivity cs = Qt::CaseInsensitive;
+#else
+    constexpr Qt::CaseSensitivity cs = Qt::CaseSensitive;
+#endif
+    const QString a = QDir::cleanPath(QFileInfo(inner).absoluteFilePath());
+    QString b = QDir::cleanPath(QFileInfo(outer).absoluteFilePath());
+    if (a.compare(b, cs) == 0)
+        return true;
+    // A root ("/", "C:/") already ends in the separator.
+    if (!b.endsWith(QLatin1Char('/')))
+        b += QLatin1Char('/');
+    return a.startsWith(b, cs);
 }

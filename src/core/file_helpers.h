@@ -37,3 +37,7 @@ QString WithTrailingBackslash(const QString &text);
 // `path` in the form the platform's file functions take: on Windows as given, elsewhere
 // with each '\' turned into '/'.
 QString LocalPath(const QString &path);
+
+// True when `inner` is the folder or file `outer` or lies somewhere below it (paths are
+// made absolute and clean first; case counts except on Windows).
+bool IsSameOrInside(const QString &inner, const QString &outer);

@@ -61,6 +61,12 @@ int AskQuestion(int number, const QString &extraText, QWidget *owner)
 
 bool ConfirmDestructiveAction(const QString &title, const QString &text, const QString &actionCaption, QWidget *owner)
 {
+    return AskChoice(title, text, actionCaption, QObject::tr("Cancel"), false, owner);
+}
+
+bool AskChoice(const QString &title, const QString &text, const QString &yesCaption, const QString &noCaption,
+               bool yesIsDefault, QWidget *owner)
+{
     if (g_responder)
         return g_responder(true, 0, text) == AnswerYes;
     if (!canShowWindows())
@@ -69,11 +75,27 @@ bool ConfirmDestructiveAction(const QString &title, const QString &text, const Q
     content.title = title;
     content.text = text;
     content.bar = MessageBar::YesNo;
-    content.yesCaption = actionCaption;
-    content.noCaption = QObject::tr("Cancel");
-    content.warning = true;
-    content.noIsDefault = true;
+    content.yesCaption = yesCaption;
+    content.noCaption = noCaption;
+    content.warning = !yesIsDefault;
+    content.noIsDefault = !yesIsDefault;
     int answer = AnswerNo;
     withWindow([&](MessageWindow *w) { answer = w->askContent(content, owner); });
     return answer == AnswerYes;
+}
+
+void ShowNotice(const QString &title, const QString &text, bool warning, QWidget *owner)
+{
+    if (g_responder) {
+        g_responder(false, 0, text);
+        return;
+    }
+    if (!canShowWindows())
+        return;
+    MessageContent content;
+    content.title = title;
+    content.text = text;
+    content.bar = MessageBar::Close;
+    content.warning = warning;
+    withWindow([&](MessageWindow *w) { w->askContent(content, owner); });
 }

@@ -27,8 +27,19 @@ int AskQuestion(int number, const QString &extraText = QString(), QWidget *owner
 bool ConfirmDestructiveAction(const QString &title, const QString &text, const QString &actionCaption,
                               QWidget *owner = nullptr);
 
+// Tells the user something the numbered messages do not cover (a file that could not be read,
+// a feature still missing): `text` says what happened and why, with a Close button. Warnings
+// get the exclamation icon. The responder sees it as message 0 with its text.
+void ShowNotice(const QString &title, const QString &text, bool warning = true, QWidget *owner = nullptr);
+
+// Asks a yes/no question the numbered questions do not cover, with the two captions given;
+// `yesIsDefault` picks the button Enter presses. Closing the window answers no. The responder
+// sees it as question 0 with its text; true when the user chose `yesCaption`.
+bool AskChoice(const QString &title, const QString &text, const QString &yesCaption, const QString &noCaption,
+               bool yesIsDefault, QWidget *owner = nullptr);
+
 // Tests only: while set, no window is shown; the responder gets each message (question false)
 // or question (question true) with its number and extra text, and its result is the answer.
-// ConfirmDestructiveAction reaches it as question 0 with its text.
+// ConfirmDestructiveAction and AskChoice reach it as question 0, ShowNotice as message 0, with their text.
 using MessageResponder = std::function<int(bool question, int number, const QString &extraText)>;
 void SetMessageResponderForTesting(MessageResponder responder);
