@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=${1:-build}
-cmake --build "$build" --target startup_bench paint_bench vantora
+cmake --build "$build" --target startup_bench paint_bench notes_file_bench vantora
 
 echo "== Start-up: time to the first window and resident memory (fresh VANTORA_HOME) =="
 QT_QPA_PLATFORM=offscreen "$build/bin/startup_bench" 9
@@ -12,6 +12,10 @@ QT_QPA_PLATFORM=offscreen "$build/bin/startup_bench" 9
 echo
 echo "== Painting one 400x300 themed widget =="
 QT_QPA_PLATFORM=offscreen "$build/bin/paint_bench"
+
+echo
+echo "== Opening and saving a 5 MB rich-text note with pictures and tables =="
+QT_QPA_PLATFORM=offscreen "$build/bin/notes_file_bench"
 
 echo
 echo "== Idle cost of the clock, stopwatch and timer under Xvfb (60 s) =="

@@ -1,0 +1,811 @@
+#include "notes/notes_editor.h"
+
+#include "core/app_paths.h"
+#include "core/settings_store.h"
+#include "core/widget_index.h"
+#include "notes/document_file.h"
+#include "notes/document_naming.h"
+#include "notes/document_pictures.h"
+#include "notes/find_replace_bar.h"
+#include "notes/folder_browser.h"
+#include "notes/format_bar.h"
+#include "notes/note_document.h"
+#include "notes/notes_settings.h"
+#include "notes/notes_settings_dialog.h"
+#include "notes/page_box.h"
+#include "notes/picture_panel.h"
+#include "notes/recovery_store.h"
+#include "notes/text_statistics.h"
+#include "themes/message_box.h"
+#include "themes/painted_frame.h"
+#include "themes/theme_painter.h"
+
+#include <QCloseEvent>
+#include <QDir>
+#include <QFileDialog>
+#include <QFileInfo>
+#include <QHBoxLayout>
+#include <QKeyEvent>
+#include <QLabel>
+#include <QMenu>
+#include <QShortcut>
+#include <QSplitter>
+#include <QStackedWidget>
+#include <QTabBar>
+#include <QTabWidget>
+#include <QTimer>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+
+constexpr int kRecentFiles = 10;
+const QString kRecentValue = QStringLiteral("Recent-File-%1");
+const QString kSidePanelValue = QStringLiteral("Side-Panel-Width");
+
+QString RecoveryFolder()
+{
+    return AppPaths::dataPath(QStringLiteral("recovery/notes"));
+}
+
+} // namespace
+
+NotesEditor::NotesEditor(QWidget *parent)
+    : WidgetWindow(QLatin1String(kNotesWindowName), WidgetNotes, tr("Vantora Notes"), parent)
+    , m_recovery(new RecoveryStore(RecoveryFolder()))
+{
+    setAcceptDrops(true);
+    m_title = new QLabel(bar());
+    m_title->setObjectName(QStringLiteral("lblTITLE"));
+
+    auto *column = new QVBoxLayout(panel());
+    column->setContentsMargins(6, 4, 6, 14);
+    column->setSpacing(3);
+    m_commands = new QWidget(panel());
+    buildCommandRow(m_commands);
+    column->addWidget(m_commands);
+    m_formatBar = new FormatBar(panel());
+    column->addWidget(m_formatBar);
+
+    auto *tabRow = new QHBoxLayout;
+    tabRow->setSpacing(2);
+    m_tabs = new QTabBar(panel());
+    m_tabs->setObjectName(QStringLiteral("tabDOCS"));
+    m_tabs->setTabsClosable(true);
+    m_tabs->setExpanding(false);
+    m_tabs->setUsesScrollButtons(true);
+    m_tabs->setDocumentMode(true);
+    m_tabs->setFocusPolicy(Qt::NoFocus);
+    tabRow->addWidget(m_tabs, 1);
+    m_listButton = new QToolButton(panel());
+    m_listButton->setObjectName(QStringLiteral("btnWINDOWS"));
+    m_listButton->setText(tr("Open Documents"));
+    m_listButton->setToolTip(tr("List of the open documents; choose one to bring it to the front"));
+    m_listButton->setAutoRaise(true);
+    m_listButton->setFocusPolicy(Qt::TabFocus);
+    connect(m_listButton, &QToolButton::clicked, this, &NotesEditor::WindowsListPopup);
+    tabRow->addWidget(m_listButton);
+    column->addLayout(tabRow);
+
+    m_split = new QSplitter(Qt::Horizontal, panel());
+    m_split->setChildrenCollapsible(true);
+    m_pages = new QStackedWidget(m_split);
+    m_split->addWidget(m_pages);
+    buildSidePanel();
+    m_split->setStretchFactor(0, 1);
+    column->addWidget(m_split, 1);
+
+    m_findBar = new FindReplaceBar(panel());
+    m_findBar->hide();
+    connect(m_findBar, &FindReplaceBar::closed, this, [this] {
+        if (NoteDocument *d = activeDocument())
+            d->page()->setFocus();
+    });
+    column->addWidget(m_findBar);
+
+    auto *status = new QWidget(panel());
+    buildStatusRow(status);
+    column->addWidget(status);
+
+    connect(m_tabs, &QTabBar::currentChanged, this, &NotesEditor::onTabChosen);
+    connect(m_tabs, &QTabBar::tabCloseRequested, this, [this](int index) {
+        if (auto *d = qobject_cast<NoteDocument *>(m_pages->widget(index)))
+            closeDocument(d);
+    });
+
+    m_recoveryTimer = new QTimer(this);
+    m_recoveryTimer->setSingleShot(true);
+    connect(m_recoveryTimer, &QTimer::timeout, this, &NotesEditor::writeDueRecoveryCopies);
+
+    installShortcuts();
+    DocumentNew();
+}
+
+NotesEditor::~NotesEditor()
+{
+    delete m_recovery;
+}
+
+void NotesEditor::buildCommandRow(QWidget *row)
+{
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    addCommand(row, QStringLiteral("btnNEW"), tr("New"), tr("A new document (Ctrl+N)"), [this] { DocumentNew(); });
+    QToolButton *open = addCommand(row, QStringLiteral("btnOPEN"), tr("Open"),
+                                   tr("Open documents (Ctrl+O); the arrow lists recent files"),
+                                   [this] { DocumentOpen(); });
+    m_recentMenu = new QMenu(open);
+    open->setMenu(m_recentMenu);
+    open->setPopupMode(QToolButton::MenuButtonPopup);
+    connect(m_recentMenu, &QMenu::aboutToShow, this, &NotesEditor::fillRecentMenu);
+    addCommand(row, QStringLiteral("btnSAVE"), tr("Save"), tr("Save the document (Ctrl+S)"),
+               [this] { DocumentSaveMain(); });
+    addCommand(row, QStringLiteral("btnSAVEAS"), tr("Save As"), tr("Save the document as a new file (Ctrl+Shift+S)"),
+               [this] { DocumentSaveAsNew(); });
+    addCommand(row, QStringLiteral("btnCLOSEDOC"), tr("Close"), tr("Close the document (Ctrl+W)"),
+               [this] { DocumentClose(); });
+    layout->addSpacing(10);
+    addCommand(row, QStringLiteral("btnUNDO"), tr("Undo"), tr("Undo (Ctrl+Z)"), [this] {
+        if (NoteDocument *d = activeDocument())
+            d->page()->undo();
+    });
+    addCommand(row, QStringLiteral("btnREDO"), tr("Redo"), tr("Redo (Ctrl+Y)"), [this] {
+        if (NoteDocument *d = activeDocument())
+            d->page()->redo();
+    });
+    addCommand(row, QStringLiteral("btnFIND"), tr("Find"), tr("Find (Ctrl+F), next F3, previous Shift+F3"),
+               [this] { NoteTool(2); });
+    addCommand(row, QStringLiteral("btnREPLACE"), tr("Replace"), tr("Find and replace (Ctrl+H)"),
+               [this] { NoteTool(3); });
+    layout->addSpacing(10);
+    addCommand(row, QStringLiteral("btnPRINT"), tr("Print"), tr("Print preview and page setup (Ctrl+P)"),
+               [this] { DocumentPrint(); });
+    addCommand(row, QStringLiteral("btnSPELL"), tr("Spelling"), tr("Check the spelling (F7)"),
+               [this] { DocumentSpellCheck(); });
+    layout->addStretch(1);
+    QToolButton *files = addCommand(row, QStringLiteral("btnSIDEPANEL"), tr("Files"),
+                                    tr("Show or hide the document and picture browsers"), [this] {
+                                        m_side->setVisible(!m_side->isVisible());
+                                    });
+    files->setCheckable(true);
+    files->setChecked(true);
+    addCommand(row, QStringLiteral("btnSETTINGS"), tr("Settings"), tr("Settings for new documents"),
+               [this] { openSettingsDialog(); });
+}
+
+QToolButton *NotesEditor::addCommand(QWidget *row, const QString &name, const QString &caption,
+                                     const QString &toolTip, const std::function<void()> &action)
+{
+    auto *button = new QToolButton(row);
+    button->setObjectName(name);
+    button->setText(caption);
+    button->setToolTip(toolTip);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    connect(button, &QToolButton::clicked, this, action);
+    row->layout()->addWidget(button);
+    return button;
+}
+
+void NotesEditor::buildSidePanel()
+{
+    m_side = new QTabWidget(m_split);
+    m_side->setObjectName(QStringLiteral("tabSIDEPANEL"));
+    m_side->setDocumentMode(true);
+    m_documentBrowser = new FolderBrowser(FolderBrowser::Documents, m_side);
+    m_documentBrowser->setFolder(DocumentFolderSetting());
+    connect(m_documentBrowser, &FolderBrowser::folderChanged, this, [](const QString &folder) {
+        SetDocumentFolderSetting(folder);
+    });
+    connect(m_documentBrowser, &FolderBrowser::fileActivated, this, [this](const QString &path) { openFile(path); });
+    m_side->addTab(m_documentBrowser, tr("Documents"));
+    m_picturePanel = new PicturePanel(m_side);
+    m_picturePanel->browser()->setFolder(PictureFolderSetting());
+    connect(m_picturePanel->browser(), &FolderBrowser::folderChanged, this, [](const QString &folder) {
+        SetPictureFolderSetting(folder);
+    });
+    connect(m_picturePanel, &PicturePanel::insertPicture, this, &NotesEditor::insertPicture);
+    m_side->addTab(m_picturePanel, tr("Pictures"));
+    m_split->addWidget(m_side);
+    const int width = ReadIntDetail(QLatin1String(kNotesWindowName), kSidePanelValue, 230);
+    m_split->setSizes({700, qBound(0, width, 600)});
+}
+
+void NotesEditor::buildStatusRow(QWidget *row)
+{
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(2, 0, 2, 0);
+    m_chars = new QLabel(row);
+    m_chars->setObjectName(QStringLiteral("lblCHARS"));
+    m_chars->setToolTip(tr("Words and characters of the document and of the selection"));
+    m_lines = new QLabel(row);
+    m_lines->setObjectName(QStringLiteral("lblLINESTAT"));
+    m_lines->setToolTip(tr("The line of the caret and the number of lines"));
+    layout->addWidget(m_chars, 1);
+    layout->addWidget(m_lines);
+}
+
+void NotesEditor::installShortcuts()
+{
+    const auto add = [this](const QKeySequence &keys, const std::function<void()> &action) {
+        auto *shortcut = new QShortcut(keys, this);
+        shortcut->setContext(Qt::WindowShortcut);
+        connect(shortcut, &QShortcut::activated, this, action);
+    };
+    add(QKeySequence::New, [this] { DocumentNew(); });
+    add(QKeySequence::Open, [this] { DocumentOpen(); });
+    add(QKeySequence::Save, [this] { DocumentSaveMain(); });
+    add(QKeySequence(QStringLiteral("Ctrl+Shift+S")), [this] { DocumentSaveAsNew(); });
+    add(QKeySequence(QStringLiteral("Ctrl+W")), [this] { DocumentClose(); });
+    add(QKeySequence::Print, [this] { DocumentPrint(); });
+    add(QKeySequence(Qt::Key_F7), [this] { DocumentSpellCheck(); });
+    add(QKeySequence::Find, [this] { NoteTool(2); });
+    add(QKeySequence(QStringLiteral("Ctrl+H")), [this] { NoteTool(3); });
+    add(QKeySequence(Qt::Key_F3), [this] { m_findBar->findNext(); });
+    add(QKeySequence(QStringLiteral("Shift+F3")), [this] { m_findBar->findPrevious(); });
+    add(QKeySequence(QStringLiteral("Ctrl+Tab")), [this] {
+        if (m_tabs->count() > 1)
+            m_tabs->setCurrentIndex((m_tabs->currentIndex() + 1) % m_tabs->count());
+    });
+    add(QKeySequence(QStringLiteral("Ctrl+Shift+Tab")), [this] {
+        if (m_tabs->count() > 1)
+            m_tabs->setCurrentIndex((m_tabs->currentIndex() + m_tabs->count() - 1) % m_tabs->count());
+    });
+    const auto toggle = [this](const QString &name) {
+        if (QAbstractButton *b = m_formatBar->button(name); b && b->isEnabled())
+            b->click();
+    };
+    add(QKeySequence::Bold, [toggle] { toggle(QStringLiteral("chkBOLD")); });
+    add(QKeySequence::Italic, [toggle] { toggle(QStringLiteral("chkITALIC")); });
+    add(QKeySequence::Underline, [toggle] { toggle(QStringLiteral("chkUNDERLINE")); });
+    add(QKeySequence(QStringLiteral("Ctrl+L")), [toggle] { toggle(QStringLiteral("optALIGN_0")); });
+    add(QKeySequence(QStringLiteral("Ctrl+E")), [toggle] { toggle(QStringLiteral("optALIGN_1")); });
+    add(QKeySequence(QStringLiteral("Ctrl+R")), [toggle] { toggle(QStringLiteral("optALIGN_2")); });
+    add(QKeySequence(QStringLiteral("Ctrl+J")), [toggle] { toggle(QStringLiteral("optALIGN_3")); });
+    add(QKeySequence::ZoomIn, [this] {
+        if (NoteDocument *d = activeDocument())
+            d->page()->zoomIn(1);
+    });
+    add(QKeySequence::ZoomOut, [this] {
+        if (NoteDocument *d = activeDocument())
+            d->page()->zoomOut(1);
+    });
+}
+
+NoteDocument *NotesEditor::activeDocument() const
+{
+    return qobject_cast<NoteDocument *>(m_pages->currentWidget());
+}
+
+QList<NoteDocument *> NotesEditor::documents() const
+{
+    QList<NoteDocument *> list;
+    for (int i = 0; i < m_pages->count(); ++i)
+        list.append(qobject_cast<NoteDocument *>(m_pages->widget(i)));
+    return list;
+}
+
+int NotesEditor::tabOf(const NoteDocument *document) const
+{
+    return m_pages->indexOf(const_cast<NoteDocument *>(document));
+}
+
+NoteDocument *NotesEditor::createDocument(const QString &type)
+{
+    const int number = m_table.takeDocumentNumber();
+    auto *document = new NoteDocument(-1, number, type, m_pages);
+    const int slot = m_table.takeSlot(document);
+    if (slot < 0) {
+        delete document;
+        ShowNotice(tr("Too Many Documents"),
+                   tr("%1 documents are open, as many as the editor holds. Close one to open another.")
+                       .arg(DocumentTable::kSlotCount),
+                   true, this);
+        return nullptr;
+    }
+    document->setTagNo(slot);
+    const NewDocumentSettings settings = NewDocumentSettings::load();
+    QFont font(settings.fontName);
+    font.setPointSize(settings.fontSize);
+    document->setNewDocumentFormat(font, settings.resolvedFontColor());
+    m_pages->addWidget(document);
+    const int tab = m_tabs->addTab(document->caption());
+    m_tabs->setTabData(tab, TabKey(number));
+    connect(document, &NoteDocument::editedChanged, this, [this, document] { documentChanged(document); });
+    connect(document, &NoteDocument::selectionChanged, this, [this, document] {
+        if (document == activeDocument()) {
+            refreshStatistics();
+            m_formatBar->TextStyleCheck();
+        }
+    });
+    connect(document, &NoteDocument::contentChanged, this, [this, document] { documentChanged(document); });
+    connect(document, &NoteDocument::filesDropped, this, &NotesEditor::openFiles);
+    return document;
+}
+
+void NotesEditor::DocumentNew()
+{
+    const QString type = NewDocumentSettings::load().isRichText() ? QStringLiteral("RTF") : QStringLiteral("TXT");
+    if (NoteDocument *document = createDocument(type))
+        activateDocument(document);
+}
+
+void NotesEditor::activateDocument(NoteDocument *document)
+{
+    const int index = tabOf(document);
+    if (index < 0)
+        return;
+    m_tabs->setCurrentIndex(index);
+    m_pages->setCurrentIndex(index);
+    m_formatBar->setDocument(document);
+    m_findBar->setEditor(document->page());
+    refreshCaption(document);
+    refreshStatistics();
+    document->page()->setFocus();
+}
+
+void NotesEditor::onTabChosen(int index)
+{
+    if (index < 0 || index >= m_pages->count())
+        return;
+    if (auto *document = qobject_cast<NoteDocument *>(m_pages->widget(index)))
+        activateDocument(document);
+}
+
+void NotesEditor::DocumentOpen()
+{
+    const QStringList paths = QFileDialog::getOpenFileNames(this, QLatin1String(kOpenDialogTitle),
+                                                            DocumentFolderSetting(),
+                                                            NameFiltersOf(QLatin1String(kOpenDialogFilter)).join(QLatin1String(";;")),
+                                                            nullptr, QFileDialog::HideNameFilterDetails);
+    openFiles(paths);
+}
+
+void NotesEditor::openFiles(const QStringList &paths)
+{
+    for (const QString &path : paths)
+        openFile(path);
+}
+
+bool NotesEditor::openFile(const QString &path)
+{
+    const QString absolute = QFileInfo(path).absoluteFilePath();
+    for (NoteDocument *document : documents()) {
+        if (!document->path().isEmpty() && QFileInfo(document->path()).absoluteFilePath() == absolute) {
+            activateDocument(document);
+            return true;
+        }
+    }
+    NoteDocument *document = createDocument(DocumentTypeForPath(absolute));
+    if (!document)
+        return false;
+    const DocumentFileResult result = document->load(absolute);
+    if (!result.ok) {
+        removeDocument(document);
+        ShowNotice(tr("Cannot Open the Document"), result.error, true, this);
+        return false;
+    }
+    refreshCaption(document);
+    activateDocument(document);
+    addRecentFile(absolute);
+    // A new untouched document that was only there to keep the editor from being empty goes.
+    const QList<NoteDocument *> all = documents();
+    if (all.size() == 2 && all.first()->path().isEmpty() && !all.first()->DocumentEdited()
+        && all.first()->document()->isEmpty())
+        removeDocument(all.first());
+    if (!result.warnings.isEmpty())
+        ShowNotice(tr("The Document Was Repaired"),
+                   tr("%1 was opened, but the file is damaged: %2")
+                       .arg(QDir::toNativeSeparators(absolute), result.warnings.join(QLatin1Char(' '))),
+                   true, this);
+    return true;
+}
+
+bool NotesEditor::DocumentSaveMain()
+{
+    NoteDocument *document = activeDocument();
+    if (!document)
+        return false;
+    if (document->path().isEmpty())
+        return DocumentSaveAsNew();
+    return saveDocument(document, document->path(), document->DocumentType());
+}
+
+bool NotesEditor::DocumentSaveAsNew()
+{
+    NoteDocument *document = activeDocument();
+    if (!document)
+        return false;
+    const QStringList filters = NameFiltersOf(QLatin1String(kSaveAsDialogFilter));
+    QString selected = filters.value(document->isRichText() ? 0 : 1);
+    const QString start = document->path().isEmpty()
+                              ? QDir(DocumentFolderSetting()).filePath(document->caption())
+                              : document->path();
+    const QString chosen = QFileDialog::getSaveFileName(this, QLatin1String(kSaveAsDialogTitle), start,
+                                                        filters.join(QLatin1String(";;")), &selected,
+                                                        QFileDialog::HideNameFilterDetails);
+    if (chosen.isEmpty())
+        return false;
+    const SaveTarget target = SaveAsTarget(chosen, filters.indexOf(selected) + 1);
+    return saveDocument(document, target.path, target.type);
+}
+
+bool NotesEditor::saveDocument(NoteDocument *document, const QString &path, const QString &type)
+{
+    const DocumentFileResult result = document->save(path, type);
+    if (!result.ok) {
+        ShowNotice(tr("Cannot Save the Document"), result.error, true, this);
+        return false;
+    }
+    m_recovery->remove(recoveryIdOf(document));
+    refreshCaption(document);
+    addRecentFile(path);
+    if (document == activeDocument())
+        m_formatBar->setDocument(document);
+    if (!result.warnings.isEmpty())
+        ShowNotice(tr("Document Saved"), result.warnings.join(QLatin1Char(' ')), false, this);
+    return true;
+}
+
+bool NotesEditor::DocumentClose()
+{
+    NoteDocument *document = activeDocument();
+    return document ? closeDocument(document) : false;
+}
+
+bool NotesEditor::settleUnsaved(NoteDocument *document)
+{
+    if (!document->DocumentEdited())
+        return true;
+    activateDocument(document);
+    switch (AskQuestion(2, QString(), this)) {
+    case AnswerYes:
+        return DocumentSaveMain();
+    case AnswerNo:
+        return true;
+    default:
+        return false;
+    }
+}
+
+bool NotesEditor::closeDocument(NoteDocument *document)
+{
+    if (!settleUnsaved(document))
+        return false;
+    m_recovery->remove(recoveryIdOf(document));
+    removeDocument(document);
+    return true;
+}
+
+QString NotesEditor::recoveryIdOf(const NoteDocument *document)
+{
+    auto found = m_recoveryIds.find(document);
+    if (found == m_recoveryIds.end())
+        found = m_recoveryIds.insert(document, RecoveryStore::newId());
+    return found.value();
+}
+
+void NotesEditor::removeDocument(NoteDocument *document)
+{
+    const int index = tabOf(document);
+    m_debounce.markSaved(m_recoveryIds.value(document));
+    m_recoveryIds.remove(document);
+    m_table.release(document->TagNo());
+    m_pages->removeWidget(document);
+    if (index >= 0)
+        m_tabs->removeTab(index);
+    document->deleteLater();
+    // The editor always shows a document, unless it is closing.
+    if (m_pages->count() == 0 && !m_closing)
+        DocumentNew();
+    else if (NoteDocument *current = activeDocument())
+        activateDocument(current);
+}
+
+void NotesEditor::refreshCaption(NoteDocument *document)
+{
+    const int index = tabOf(document);
+    if (index < 0)
+        return;
+    const QString caption = document->caption();
+    m_tabs->setTabText(index, document->DocumentEdited() ? caption + QStringLiteral(" *") : caption);
+    m_tabs->setTabToolTip(index, document->path().isEmpty() ? tr("Not saved yet")
+                                                            : QDir::toNativeSeparators(document->path()));
+    if (document == activeDocument()) {
+        m_title->setText(tr("Notes - %1").arg(caption));
+        m_title->adjustSize();
+        setWindowTitle(tr("Vantora Notes - %1").arg(caption));
+    }
+}
+
+void NotesEditor::documentChanged(NoteDocument *document)
+{
+    refreshCaption(document);
+    const QString id = recoveryIdOf(document);
+    if (document->DocumentEdited())
+        m_debounce.markChanged(id, QDateTime::currentDateTimeUtc());
+    else
+        m_debounce.markSaved(id);
+    scheduleRecoveryCopies();
+}
+
+void NotesEditor::scheduleRecoveryCopies()
+{
+    const std::optional<QDateTime> due = m_debounce.nextDue();
+    if (!due) {
+        m_recoveryTimer->stop();
+        return;
+    }
+    m_recoveryTimer->start(int(qBound<qint64>(0, QDateTime::currentDateTimeUtc().msecsTo(*due), RecoveryDebounce::kDelayMs)));
+}
+
+void NotesEditor::writeDueRecoveryCopies()
+{
+    writeCopies(m_debounce.dueIds(QDateTime::currentDateTimeUtc()));
+    scheduleRecoveryCopies();
+}
+
+void NotesEditor::writeRecoveryCopies()
+{
+    QStringList pending;
+    for (NoteDocument *document : documents()) {
+        if (m_debounce.isPending(recoveryIdOf(document)))
+            pending.append(recoveryIdOf(document));
+    }
+    writeCopies(pending);
+    scheduleRecoveryCopies();
+}
+
+void NotesEditor::writeCopies(const QStringList &ids)
+{
+    for (const QString &id : ids)
+        m_debounce.markSaved(id);
+    for (NoteDocument *document : documents()) {
+        const QString id = recoveryIdOf(document);
+        if (!ids.contains(id) || !document->DocumentEdited())
+            continue;
+        RecoveryEntry entry;
+        entry.id = id;
+        entry.caption = document->caption();
+        entry.originalPath = document->path();
+        entry.type = document->DocumentType();
+        entry.content = document->contentBytes();
+        QString error;
+        if (!m_recovery->store(entry, &error))
+            qWarning("recovery copy of %s not written: %s", qPrintable(entry.caption), qPrintable(error));
+    }
+}
+
+bool NotesEditor::hasRecoveredDocuments()
+{
+    return !RecoveryStore(RecoveryFolder()).entries().isEmpty();
+}
+
+void NotesEditor::offerRecoveredDocuments()
+{
+    m_offered = true;
+    const QList<RecoveryEntry> entries = m_recovery->entries();
+    if (entries.isEmpty())
+        return;
+    QStringList names;
+    for (const RecoveryEntry &entry : entries)
+        names.append(entry.caption);
+    const bool restore = AskChoice(
+        tr("Recover Unsaved Notes"),
+        tr("Vantora stopped before these notes were saved: %1. Restore them? They open as unsaved documents.")
+            .arg(names.join(QStringLiteral(", "))),
+        tr("&Restore"), tr("&Discard"), true, this);
+    if (!restore) {
+        if (ConfirmDestructiveAction(tr("Discard Unsaved Notes"),
+                                     tr("The unsaved notes will be gone for good. Discard them?"),
+                                     tr("&Discard"), this))
+            m_recovery->clear();
+        return;
+    }
+    for (const RecoveryEntry &entry : entries) {
+        NoteDocument *document = createDocument(entry.type == QLatin1String("TXT") ? entry.type : QStringLiteral("RTF"));
+        if (!document)
+            break;
+        m_recoveryIds.insert(document, entry.id); // the next copy replaces this one
+        if (!document->restoreContent(entry.content)) {
+            removeDocument(document);
+            continue;
+        }
+        document->setPath(entry.originalPath);
+        activateDocument(document);
+        documentChanged(document);
+    }
+}
+
+void NotesEditor::refreshStatistics()
+{
+    NoteDocument *document = activeDocument();
+    if (!document)
+        return;
+    const QTextCursor cursor = document->page()->textCursor();
+    const QString plain = document->document()->toPlainText();
+    m_chars->setText(CharacterStatistics(StatisticsText(plain), StatisticsText(cursor.selectedText())));
+    m_lines->setText(LineStatistics(plain, cursor.position()));
+}
+
+void NotesEditor::DocumentPrint()
+{
+    showNotReady(tr("The print preview"));
+}
+
+void NotesEditor::DocumentSpellCheck()
+{
+    showNotReady(tr("The spell checker"));
+}
+
+void NotesEditor::showNotReady(const QString &feature)
+{
+    ShowNotice(tr("Not Ready Yet"), tr("%1 is not ready yet. It comes in a later version of Vantora.").arg(feature),
+               false, this);
+}
+
+void NotesEditor::WindowsListPopup()
+{
+    QMenu menu(this);
+    for (NoteDocument *document : documents()) {
+        QAction *action = menu.addAction(document->DocumentEdited() ? document->caption() + QStringLiteral(" *")
+                                                                    : document->caption());
+        action->setCheckable(true);
+        action->setChecked(document == activeDocument());
+        connect(action, &QAction::triggered, this, [this, document] { activateDocument(document); });
+    }
+    menu.exec(m_listButton->mapToGlobal(QPoint(0, m_listButton->height())));
+}
+
+void NotesEditor::NoteTool(int tool)
+{
+    switch (tool) {
+    case 0:
+    case 1:
+        m_side->show();
+        m_side->setCurrentIndex(tool);
+        break;
+    case 2:
+        m_findBar->showFind();
+        break;
+    case 3:
+        m_findBar->showReplace();
+        break;
+    default:
+        break;
+    }
+}
+
+void NotesEditor::insertPicture(const QString &path, const QImage &image)
+{
+    NoteDocument *document = activeDocument();
+    if (!document)
+        return;
+    if (!document->isRichText()) {
+        ShowNotice(tr("Pictures Need Rich Text"),
+                   tr("%1 is a plain-text note, which cannot hold pictures. Save it as Rich Text Paper first.")
+                       .arg(document->caption()),
+                   false, this);
+        return;
+    }
+    QFile file(path);
+    const QByteArray bytes = file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
+    QTextCursor cursor = document->page()->textCursor();
+    DocumentPictures::InsertPicture(cursor, image, bytes);
+    document->page()->setTextCursor(cursor);
+    document->page()->setFocus();
+}
+
+void NotesEditor::addRecentFile(const QString &path)
+{
+    const QString window = QLatin1String(kNotesWindowName);
+    QStringList recent{QDir::toNativeSeparators(path)};
+    for (int i = 1; i <= kRecentFiles; ++i) {
+        const QString stored = ReadDetail(window, kRecentValue.arg(i), QString());
+        if (!stored.isEmpty() && !recent.contains(stored))
+            recent.append(stored);
+    }
+    for (int i = 1; i <= kRecentFiles; ++i)
+        WriteDetail(window, kRecentValue.arg(i), recent.value(i - 1));
+}
+
+void NotesEditor::fillRecentMenu()
+{
+    m_recentMenu->clear();
+    const QString window = QLatin1String(kNotesWindowName);
+    for (int i = 1; i <= kRecentFiles; ++i) {
+        const QString stored = ReadDetail(window, kRecentValue.arg(i), QString());
+        if (stored.isEmpty())
+            continue;
+        QAction *action = m_recentMenu->addAction(QStringLiteral("&%1 %2").arg(i % 10).arg(stored));
+        action->setEnabled(QFileInfo::exists(stored));
+        connect(action, &QAction::triggered, this, [this, stored] { openFile(QDir::fromNativeSeparators(stored)); });
+    }
+    if (m_recentMenu->isEmpty())
+        m_recentMenu->addAction(tr("No recent files"))->setEnabled(false);
+}
+
+void NotesEditor::openSettingsDialog()
+{
+    NotesSettingsDialog dialog(this);
+    dialog.exec();
+}
+
+void NotesEditor::ThemeElementsUpdate()
+{
+    WidgetWindow::ThemeElementsUpdate();
+    // The pages keep the fonts of their documents, not the theme's.
+    for (NoteDocument *document : documents())
+        document->restorePageFont();
+    applyPanelStyle();
+}
+
+void NotesEditor::applyPanelStyle()
+{
+    const Theme &theme = CurrentTheme();
+    const QColor text = ResolveColor(theme.PanelColor);
+    QFont f = m_title->font();
+    f.setFamily(theme.BarFont);
+    f.setBold(true);
+    m_title->setFont(f);
+    m_title->adjustSize();
+    // Tool buttons and tabs on the painted panel: flat, tinted with the panel's text colour
+    // under the mouse and when switched on, so they read on light and dark themes alike. The
+    // chosen tab takes the page's own colours, so it reads as the front of that page.
+    const auto tint = [&text](int alpha) {
+        return QColor(text.red(), text.green(), text.blue(), alpha).name(QColor::HexArgb);
+    };
+    const QPalette pagePalette = palette();
+    const QString style =
+        QStringLiteral("QToolButton { color: %1; border: 1px solid transparent; border-radius: 3px; padding: 2px 5px; }"
+                       "QToolButton:hover { border-color: %2; background: %3; }"
+                       "QToolButton:checked { background: %4; border-color: %2; }"
+                       "QToolButton:disabled { color: %5; }"
+                       "QToolButton::menu-button { border: none; background: transparent; width: 14px; }"
+                       "QTabBar::tab { color: %1; background: %3; border: 1px solid %2; border-bottom: none;"
+                       "  border-top-left-radius: 4px; border-top-right-radius: 4px; padding: 3px 8px; margin-right: 2px; }"
+                       "QTabBar::tab:hover { background: %4; }"
+                       "QTabBar::tab:selected { color: %6; background: %7; }"
+                       "QTabWidget::pane { border: none; }")
+            .arg(text.name(), tint(110), tint(40), tint(70), tint(120), pagePalette.color(QPalette::Text).name(),
+                 pagePalette.color(QPalette::Base).name());
+    panel()->setStyleSheet(style);
+}
+
+void NotesEditor::relayout()
+{
+    if (!m_title)
+        return;
+    m_title->move(8, qMax(0, (barHeight() - m_title->height()) / 2));
+}
+
+void NotesEditor::saveValues()
+{
+    const QList<int> sizes = m_split->sizes();
+    if (sizes.size() == 2 && m_side->isVisible())
+        WriteDetail(QLatin1String(kNotesWindowName), kSidePanelValue, QString::number(sizes.at(1)));
+}
+
+void NotesEditor::closeEvent(QCloseEvent *event)
+{
+    // Every unsaved document is settled (saved or given up) before any of them goes, so a
+    // Cancel leaves the editor exactly as it was.
+    for (NoteDocument *document : documents()) {
+        if (!settleUnsaved(document)) {
+            event->ignore();
+            return;
+        }
+    }
+    m_closing = true;
+    m_recoveryTimer->stop();
+    m_recovery->clear();
+    WidgetWindow::closeEvent(event);
+}
+
+void NotesEditor::showEvent(QShowEvent *event)
+{
+    WidgetWindow::showEvent(event);
+    if (!m_offered)
+        QTimer::singleShot(0, this, &NotesEditor::offerRecoveredDocuments);
+}

@@ -1,0 +1,154 @@
+#include "notes/page_box.h"
+
+#include "notes/document_pictures.h"
+#include "notes/rtf_reader.h"
+#include "notes/rtf_writer.h"
+
+#include <QFile>
+#include <QFileInfo>
+#include <QImageReader>
+#include <QMimeData>
+#include <QTextBlock>
+#include <QTextDocumentFragment>
+#include <QTextImageFormat>
+#include <QUrl>
+
+namespace {
+
+const QString kRtfMime = QStringLiteral("text/rtf");
+const QString kRtfMimeAlias = QStringLiteral("application/rtf");
+
+bool IsPictureFile(const QString &path)
+{
+    static const QStringList kPictureSuffixes{QStringLiteral("png"), QStringLiteral("jpg"), QStringLiteral("jpeg"),
+                                              QStringLiteral("gif"), QStringLiteral("bmp")};
+    return kPictureSuffixes.contains(QFileInfo(path).suffix().toLower());
+}
+
+QByteArray RtfOf(const QMimeData *source)
+{
+    if (source->hasFormat(kRtfMime))
+        return source->data(kRtfMime);
+    if (source->hasFormat(kRtfMimeAlias))
+        return source->data(kRtfMimeAlias);
+    return QByteArray();
+}
+
+} // namespace
+
+PageBox::PageBox(QWidget *parent)
+    : QTextEdit(parent)
+{
+    setObjectName(QStringLiteral("rtbPAGEBOX"));
+    setAcceptRichText(true);
+    setTabChangesFocus(false);
+    setFrameShape(QFrame::NoFrame);
+    // A match found from the find bar stays visible while the find box has the keyboard.
+    QPalette pal = palette();
+    pal.setColor(QPalette::Inactive, QPalette::Highlight, pal.color(QPalette::Active, QPalette::Highlight));
+    pal.setColor(QPalette::Inactive, QPalette::HighlightedText, pal.color(QPalette::Active, QPalette::HighlightedText));
+    setPalette(pal);
+}
+
+void PageBox::setPlainTextOnly(bool plain)
+{
+    m_plainOnly = plain;
+    setAcceptRichText(!plain);
+}
+
+bool PageBox::canInsertFromMimeData(const QMimeData *source) const
+{
+    if (!m_plainOnly && (source->hasImage() || !RtfOf(source).isEmpty()))
+        return true;
+    return source->hasUrls() || QTextEdit::canInsertFromMimeData(source);
+}
+
+void PageBox::insertFromMimeData(const QMimeData *source)
+{
+    if (source->hasUrls()) {
+        const QList<QUrl> urls = source->urls();
+        QStringList documents;
+        QList<QUrl> pictures;
+        for (const QUrl &url : urls) {
+            if (!url.isLocalFile())
+                continue;
+            if (!m_plainOnly && IsPictureFile(url.toLocalFile()))
+                pictures.append(url);
+            else
+                documents.append(url.toLocalFile());
+        }
+        if (!documents.isEmpty() || !pictures.isEmpty()) {
+            insertPictureFiles(pictures);
+            if (!documents.isEmpty())
+                emit filesDropped(documents);
+            return;
+        }
+    }
+    if (!m_plainOnly) {
+        const QByteArray rtf = RtfOf(source);
+        if (!rtf.isEmpty() && insertRichText(rtf))
+            return;
+        if (source->hasImage()) {
+            QTextCursor cursor = textCursor();
+            DocumentPictures::InsertPicture(cursor, qvariant_cast<QImage>(source->imageData()));
+            return;
+        }
+    }
+    if (m_plainOnly) {
+        insertPlainText(source->text());
+        return;
+    }
+    QTextEdit::insertFromMimeData(source);
+}
+
+QMimeData *PageBox::createMimeDataFromSelection() const
+{
+    QMimeData *data = QTextEdit::createMimeDataFromSelection();
+    if (m_plainOnly || !textCursor().hasSelection())
+        return data;
+    // The selection as a document of its own, with the pictures it shows, written as RTF.
+    QTextDocument piece;
+    QTextCursor(&piece).insertFragment(textCursor().selection());
+    for (QTextBlock block = piece.begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            const QTextCharFormat format = it.fragment().charFormat();
+            if (format.isImageFormat()) {
+                const QString name = format.toImageFormat().name();
+                piece.addResource(QTextDocument::ImageResource, QUrl(name),
+                                  document()->resource(QTextDocument::ImageResource, QUrl(name)));
+            }
+        }
+    }
+    data->setData(kRtfMime, RtfWriter::write(piece));
+    return data;
+}
+
+bool PageBox::insertRichText(const QByteArray &rtf)
+{
+    QTextDocument piece;
+    if (!RtfReader::read(rtf, &piece).ok)
+        return false;
+    DocumentPictures::AdoptPictures(&piece, document());
+    QTextCursor cursor = textCursor();
+    cursor.insertFragment(QTextDocumentFragment(&piece));
+    setTextCursor(cursor);
+    return true;
+}
+
+bool PageBox::insertPictureFiles(const QList<QUrl> &urls)
+{
+    bool any = false;
+    QTextCursor cursor = textCursor();
+    cursor.beginEditBlock();
+    for (const QUrl &url : urls) {
+        QFile file(url.toLocalFile());
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const QByteArray bytes = file.readAll();
+        QImage image;
+        image.loadFromData(bytes);
+        any |= DocumentPictures::InsertPicture(cursor, image, bytes);
+    }
+    cursor.endEditBlock();
+    return any;
+}

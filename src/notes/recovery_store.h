@@ -1,0 +1,57 @@
+#pragma once
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QList>
+#include <QString>
+
+// One document's recovery copy: what the editor needs to give the user back a document that
+// was open, changed and unsaved when the program stopped.
+struct RecoveryEntry
+{
+    QString id;           // letters, digits, '-' and '_' only (see RecoveryStore::newId)
+    QString caption;      // the document's caption ("RTF 3", "letter.rtf")
+    QString originalPath; // its file, empty for a document never saved
+    QString type;         // "RTF" or "TXT"
+    QDateTime savedAt;    // when the copy was taken
+    QByteArray content;   // the document as RTF or plain-text bytes
+};
+
+// Recovery copies of the notes editor's documents, in one folder.
+//
+// Each copy is a content file, "<id>.<unique>.content", and a small description,
+// "<id>.entry", that names the content file and holds its size and checksum. Both are written
+// with WriteFileSafely, content first, so a copy interrupted at any point leaves the previous
+// copy of that document whole and listed; the content files the description no longer names
+// are removed only after it has been written. A description that cannot be read, or whose
+// content file is missing or differs from its size or checksum, is not listed.
+class RecoveryStore
+{
+public:
+    explicit RecoveryStore(const QString &folder);
+
+    // A fresh id for a document of this run that no earlier run has used.
+    static QString newId();
+    static bool isValidId(const QString &id);
+
+    // Writes `entry` (replacing the copy with the same id); savedAt defaults to now. False,
+    // with *error in words for the user, when it could not be written or the id is invalid.
+    bool store(const RecoveryEntry &entry, QString *error = nullptr);
+
+    // Removes the copy with this id, description first.
+    void remove(const QString &id);
+
+    // The complete copies, oldest first.
+    QList<RecoveryEntry> entries() const;
+
+    // Removes every copy and every leftover of an interrupted one.
+    void clear();
+
+    QString folder() const { return m_folder; }
+
+private:
+    QString descriptionPath(const QString &id) const;
+    void removeContentFilesExcept(const QString &id, const QString &keep) const;
+
+    QString m_folder;
+};

@@ -1,0 +1,110 @@
+#include "notes/rtf_document_builder.h"
+
+#include "notes/rich_text_properties.h"
+
+#include <QTextDocument>
+#include <QTextList>
+#include <QTextTable>
+
+#include <algorithm>
+
+RtfDocumentBuilder::RtfDocumentBuilder(QTextDocument *document) : m_document(document) {}
+
+void RtfDocumentBuilder::build(const std::vector<RtfBlock> &blocks)
+{
+    QTextCursor cursor(m_document);
+    // One edit block: the document tells its views about the change once, at the end.
+    cursor.beginEditBlock();
+    writeFlow(cursor, blocks, true);
+    cursor.endEditBlock();
+}
+
+void RtfDocumentBuilder::writeFlow(QTextCursor &cursor, const std::vector<RtfBlock> &blocks, bool fresh)
+{
+    for (const RtfBlock &block : blocks) {
+        if (block.table) {
+            writeTable(cursor, *block.table);
+        } else {
+            writeParagraph(cursor, block.paragraph, fresh);
+        }
+        // After a table the cursor stands in the empty block that follows it.
+        fresh = bool(block.table);
+    }
+}
+
+void RtfDocumentBuilder::writeParagraph(QTextCursor &cursor, const RtfParagraph &paragraph, bool fresh)
+{
+    if (fresh) {
+        cursor.setBlockFormat(paragraph.format);
+        cursor.setBlockCharFormat(paragraph.endFormat);
+    } else {
+        cursor.insertBlock(paragraph.format, paragraph.endFormat);
+    }
+    if (paragraph.list.key != 0)
+        attachToList(cursor, paragraph.list);
+    for (const RtfRun &run : paragraph.runs) {
+        if (run.isPicture)
+            cursor.insertImage(run.format.toImageFormat());
+        else
+            cursor.insertText(run.text, run.format);
+    }
+}
+
+void RtfDocumentBuilder::writeTable(QTextCursor &cursor, const RtfTable &table)
+{
+    int columns = 1;
+    for (const auto &row : table.rows)
+        columns = std::max(columns, int(row.size()));
+    QTextTableFormat format;
+    const RtfRowDefinition &definition = table.definition;
+    format.setCellPadding(definition.gap >= 0 ? RichText::TwipsToPixels(definition.gap) : 2);
+    format.setBorderCollapse(true);
+    // Column widths from the first row's cell edges, when they fit the columns and ascend.
+    if (int(definition.cellEdges.size()) == columns) {
+        QList<QTextLength> widths;
+        int left = 0;
+        for (int edge : definition.cellEdges) {
+            if (edge <= left)
+                break;
+            widths.append(QTextLength(QTextLength::FixedLength, RichText::TwipsToPixels(edge - left)));
+            left = edge;
+        }
+        if (widths.size() == columns)
+            format.setColumnWidthConstraints(widths);
+    }
+    QTextTable *textTable = cursor.insertTable(int(table.rows.size()), columns, format);
+    for (int r = 0; r < int(table.rows.size()); ++r) {
+        const auto &row = table.rows[size_t(r)];
+        for (int c = 0; c < int(row.size()); ++c) {
+            QTextCursor cellCursor = textTable->cellAt(r, c).firstCursorPosition();
+            writeFlow(cellCursor, row[size_t(c)].blocks, true);
+        }
+    }
+    cursor.setPosition(textTable->lastPosition() + 1);
+}
+
+void RtfDocumentBuilder::attachToList(QTextCursor &cursor, const RtfListItem &item)
+{
+    // An item of a shallower level ends the sub-lists below it, so they restart.
+    for (auto it = m_lists.begin(); it != m_lists.end();) {
+        if (it.key().first == item.key && it.key().second > item.level)
+            it = m_lists.erase(it);
+        else
+            ++it;
+    }
+    const QPair<int, int> key(item.key, item.level);
+    if (QTextList *list = m_lists.value(key)) {
+        list->add(cursor.block());
+        return;
+    }
+    QTextListFormat format;
+    format.setStyle(item.style);
+    format.setIndent(item.level + 1);
+    // Qt puts "." after a number unless told otherwise; only other texts are set, so a list
+    // read back from what the writer wrote has the same format as the one written.
+    if (!item.prefix.isEmpty())
+        format.setNumberPrefix(item.prefix);
+    if (item.suffix != QLatin1String("."))
+        format.setNumberSuffix(item.suffix);
+    m_lists.insert(key, cursor.createList(format));
+}

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "notes/rtf_content.h"
+
+#include <QHash>
+#include <QPair>
+#include <QTextCursor>
+
+class QTextDocument;
+class QTextList;
+
+// Writes collected RTF content into a QTextDocument: one insertText per run, one insertTable
+// per table, and QTextLists for list paragraphs (one list per list key and level; a deeper
+// level starts afresh after each item of a shallower one).
+class RtfDocumentBuilder
+{
+public:
+    explicit RtfDocumentBuilder(QTextDocument *document);
+
+    void build(const std::vector<RtfBlock> &blocks);
+
+private:
+    // `fresh`: the cursor stands in an empty block that the next paragraph can use.
+    void writeFlow(QTextCursor &cursor, const std::vector<RtfBlock> &blocks, bool fresh);
+    void writeParagraph(QTextCursor &cursor, const RtfParagraph &paragraph, bool fresh);
+    void writeTable(QTextCursor &cursor, const RtfTable &table);
+    void attachToList(QTextCursor &cursor, const RtfListItem &item);
+
+    QTextDocument *m_document;
+    QHash<QPair<int, int>, QTextList *> m_lists;
+};
