@@ -4,6 +4,8 @@
 #include "core/settings_store.h"
 #include "core/shipped_data.h"
 #include "core/widget_frame.h"
+#include "core/widget_index.h"
+#include "notes/notes_editor.h"
 #include "shell/builtin_widgets.h"
 #include "shell/dashboard_window.h"
 #include "shell/program_settings_model.h"
@@ -178,6 +180,9 @@ void ApplicationStart::loadWindows()
     SetContextMenuHandler([this](QWidget *window, const QPoint &pos) { popUpContextMenu(window, pos); });
 
     m_dashboard->loadDashboard(m_choice);
+    // Notes a crash left unsaved are offered back at once, whichever widgets start.
+    if (NotesEditor::hasRecoveredDocuments())
+        WidgetRegistry::instance().open(WidgetNotes);
 
     m_tray = new TrayIcon;
     m_tray->setTooltip(QStringLiteral("Vantora"));

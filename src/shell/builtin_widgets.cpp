@@ -2,6 +2,7 @@
 
 #include "calculator/calculator_widget.h"
 #include "core/widget_index.h"
+#include "notes/notes_editor.h"
 #include "shell/widget_registry.h"
 #include "time/clock_widget.h"
 #include "time/countdown_widget.h"
@@ -12,6 +13,7 @@ void RegisterBuiltInWidgets()
     WidgetRegistry &registry = WidgetRegistry::instance();
     registry.registerWidget(WidgetClock, [] { return new ClockWidget; });
     registry.registerWidget(WidgetCalculator, [] { return new CalculatorWidget; });
+    registry.registerWidget(WidgetNotes, [] { return new NotesEditor; });
     registry.registerWidget(WidgetStopwatch, [] { return new StopwatchWidget; });
     registry.registerWidget(WidgetTimer, [] { return new CountdownWidget; });
 }

@@ -560,6 +560,12 @@ void DashboardWindow::closeEvent(QCloseEvent *event)
         hide();
         return;
     }
+    // A widget with unsaved work may ask its user, who may cancel: then nothing ends.
+    if (!WidgetRegistry::instance().closeAll()) {
+        m_unloading = false;
+        event->ignore();
+        return;
+    }
     unload();
     event->accept();
 }

@@ -72,10 +72,11 @@ WidgetWindow *WidgetRegistry::open(int index)
     return w;
 }
 
-void WidgetRegistry::close(int index)
+bool WidgetRegistry::close(int index)
 {
     if (WidgetWindow *w = window(index))
-        w->close(); // deletes itself on close; the destroyed() hook above reports it
+        return w->close(); // deletes itself on close; the destroyed() hook above reports it
+    return true;
 }
 
 void WidgetRegistry::toggle(int index)
@@ -86,10 +87,13 @@ void WidgetRegistry::toggle(int index)
         open(index);
 }
 
-void WidgetRegistry::closeAll()
+bool WidgetRegistry::closeAll()
 {
-    for (int index : openWidgets())
-        close(index);
+    for (int index : openWidgets()) {
+        if (!close(index))
+            return false;
+    }
+    return true;
 }
 
 void WidgetRegistry::setOpenedWidgetsVisible(bool visible)

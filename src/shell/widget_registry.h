@@ -27,11 +27,13 @@ public:
 
     // Creates, places, paints and shows the widget, or brings an open one to the front.
     WidgetWindow *open(int index);
-    // Closes the widget (it saves its placement and values).
-    void close(int index);
+    // Closes the widget (it saves its placement and values); false when it refused to close.
+    bool close(int index);
     // Opens a closed widget, closes an open one (the dashboard's widgets menu).
     void toggle(int index);
-    void closeAll();
+    // Closes every open widget; false when one refused (a notes editor whose user cancelled
+    // the unsaved-changes question), which stays open, as do the widgets after it.
+    bool closeAll();
     // Shows or hides every opened widget without closing it.
     void setOpenedWidgetsVisible(bool visible);
 
