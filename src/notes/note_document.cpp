@@ -112,6 +112,7 @@ void NoteDocument::adoptDocument(QTextDocument *document)
         const bool ours = old->parent() == m_page;
         document->setParent(m_page);
         m_page->setDocument(document);
+        m_page->applyZoom();
         if (ours)
             delete old;
     }

@@ -222,7 +222,12 @@ void NotesEditor::buildStatusRow(QWidget *row)
     m_lines = new QLabel(row);
     m_lines->setObjectName(QStringLiteral("lblLINESTAT"));
     m_lines->setToolTip(tr("The line of the caret and the number of lines"));
+    m_zoom = new QLabel(row);
+    m_zoom->setObjectName(QStringLiteral("lblZOOM"));
+    m_zoom->setToolTip(tr("Zoom of the page: Ctrl+plus, Ctrl+minus, Ctrl+0 for actual size, or Ctrl with the wheel"));
     layout->addWidget(m_chars, 1);
+    layout->addWidget(m_zoom);
+    layout->addSpacing(12);
     layout->addWidget(m_lines);
 }
 
@@ -263,14 +268,10 @@ void NotesEditor::installShortcuts()
     add(QKeySequence(QStringLiteral("Ctrl+E")), [toggle] { toggle(QStringLiteral("optALIGN_1")); });
     add(QKeySequence(QStringLiteral("Ctrl+R")), [toggle] { toggle(QStringLiteral("optALIGN_2")); });
     add(QKeySequence(QStringLiteral("Ctrl+J")), [toggle] { toggle(QStringLiteral("optALIGN_3")); });
-    add(QKeySequence::ZoomIn, [this] {
-        if (NoteDocument *d = activeDocument())
-            d->page()->zoomIn(1);
-    });
-    add(QKeySequence::ZoomOut, [this] {
-        if (NoteDocument *d = activeDocument())
-            d->page()->zoomOut(1);
-    });
+    add(QKeySequence::ZoomIn, [this] { zoomBy(10); });
+    add(QKeySequence(QStringLiteral("Ctrl+=")), [this] { zoomBy(10); });
+    add(QKeySequence::ZoomOut, [this] { zoomBy(-10); });
+    add(QKeySequence(QStringLiteral("Ctrl+0")), [this] { zoomBy(0); });
 }
 
 NoteDocument *NotesEditor::activeDocument() const
@@ -321,6 +322,7 @@ NoteDocument *NotesEditor::createDocument(const QString &type)
     });
     connect(document, &NoteDocument::contentChanged, this, [this, document] { documentChanged(document); });
     connect(document, &NoteDocument::filesDropped, this, &NotesEditor::openFiles);
+    connect(document->page(), &PageBox::zoomChanged, this, &NotesEditor::showZoom);
     return document;
 }
 
@@ -342,7 +344,20 @@ void NotesEditor::activateDocument(NoteDocument *document)
     m_findBar->setEditor(document->page());
     refreshCaption(document);
     refreshStatistics();
+    showZoom();
     document->page()->setFocus();
+}
+
+void NotesEditor::zoomBy(int delta)
+{
+    if (NoteDocument *document = activeDocument())
+        document->page()->setZoom(delta == 0 ? 100 : document->page()->zoom() + delta);
+}
+
+void NotesEditor::showZoom()
+{
+    if (NoteDocument *document = activeDocument())
+        m_zoom->setText(tr("%1%").arg(document->page()->zoom()));
 }
 
 void NotesEditor::onTabChosen(int index)

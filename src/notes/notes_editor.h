@@ -104,6 +104,9 @@ private:
     int tabOf(const NoteDocument *document) const;
     void refreshCaption(NoteDocument *document);
     void refreshStatistics();
+    // Zooms the active page by `delta` percent; 0 goes back to actual size.
+    void zoomBy(int delta);
+    void showZoom();
     void documentChanged(NoteDocument *document);
     void scheduleRecoveryCopies();
     void writeDueRecoveryCopies();
@@ -130,6 +133,7 @@ private:
     QLabel *m_title = nullptr;
     QLabel *m_chars = nullptr;
     QLabel *m_lines = nullptr;
+    QLabel *m_zoom = nullptr;
     QMenu *m_recentMenu = nullptr;
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;

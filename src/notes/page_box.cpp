@@ -7,13 +7,53 @@
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
+#include <QAbstractTextDocumentLayout>
 #include <QMimeData>
+#include <QWheelEvent>
 #include <QTextBlock>
 #include <QTextDocumentFragment>
 #include <QTextImageFormat>
 #include <QUrl>
 
 namespace {
+
+// A paint device that only reports a resolution: the text layout converts point sizes to
+// pixels with it, which scales the text for zooming.
+class ZoomedScreen : public QPaintDevice
+{
+public:
+    explicit ZoomedScreen(const QWidget *screenOf, int percent)
+        : m_dpiX(screenOf->logicalDpiX() * percent / 100)
+        , m_dpiY(screenOf->logicalDpiY() * percent / 100)
+    {
+    }
+    QPaintEngine *paintEngine() const override { return nullptr; }
+
+protected:
+    int metric(PaintDeviceMetric metric) const override
+    {
+        switch (metric) {
+        case PdmDpiX:
+        case PdmPhysicalDpiX:
+            return m_dpiX;
+        case PdmDpiY:
+        case PdmPhysicalDpiY:
+            return m_dpiY;
+        case PdmDevicePixelRatio:
+            return 1;
+        case PdmDevicePixelRatioScaled:
+            return int(QPaintDevice::devicePixelRatioFScale());
+        case PdmDepth:
+            return 32;
+        default:
+            return 1000;
+        }
+    }
+
+private:
+    int m_dpiX;
+    int m_dpiY;
+};
 
 const QString kRtfMime = QStringLiteral("text/rtf");
 const QString kRtfMimeAlias = QStringLiteral("application/rtf");
@@ -54,6 +94,43 @@ void PageBox::setPlainTextOnly(bool plain)
 {
     m_plainOnly = plain;
     setAcceptRichText(!plain);
+}
+
+void PageBox::setZoom(int percent)
+{
+    percent = qBound(50, percent, 300);
+    if (percent == m_zoom)
+        return;
+    m_zoom = percent;
+    applyZoom();
+    emit zoomChanged(m_zoom);
+}
+
+void PageBox::wheelEvent(QWheelEvent *event)
+{
+    if (!(event->modifiers() & Qt::ControlModifier)) {
+        QTextEdit::wheelEvent(event);
+        return;
+    }
+    const int steps = event->angleDelta().y() / 120;
+    if (steps != 0)
+        setZoom(m_zoom + steps * 10);
+    event->accept();
+}
+
+void PageBox::applyZoom()
+{
+    if (m_zoom == 100) {
+        document()->documentLayout()->setPaintDevice(nullptr);
+        m_zoomDevice.reset();
+    } else {
+        auto device = std::make_unique<ZoomedScreen>(this, m_zoom);
+        document()->documentLayout()->setPaintDevice(device.get());
+        m_zoomDevice = std::move(device);
+    }
+    // The layout keeps the old sizes until the whole document is laid out again.
+    document()->markContentsDirty(0, document()->characterCount());
+    viewport()->update();
 }
 
 bool PageBox::canInsertFromMimeData(const QMimeData *source) const

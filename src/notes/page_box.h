@@ -1,6 +1,9 @@
 #pragma once
 
+#include <QPaintDevice>
 #include <QTextEdit>
+
+#include <memory>
 
 // rtbPAGEBOX, the rich-text box that fills a document window. Beyond QTextEdit it pastes and
 // drops pictures as embedded pictures, copies and pastes rich text as RTF (so pictures travel
@@ -15,18 +18,31 @@ public:
     void setPlainTextOnly(bool plain);
     bool isPlainTextOnly() const { return m_plainOnly; }
 
+    // Shows the text larger or smaller without changing the document: the page lays its text
+    // out for a screen of another resolution, so point sizes grow or shrink (what is saved stays
+    // as it was). 100 is actual size; the range is 50 to 300.
+    void setZoom(int percent);
+    int zoom() const { return m_zoom; }
+    // The box was given another document: it takes the zoom too.
+    void applyZoom();
+
 signals:
     // Files dropped on the page that are not pictures (the editor opens them).
     void filesDropped(const QStringList &paths);
+    void zoomChanged(int percent);
 
 protected:
     bool canInsertFromMimeData(const QMimeData *source) const override;
     void insertFromMimeData(const QMimeData *source) override;
     QMimeData *createMimeDataFromSelection() const override;
+    // Ctrl with the wheel zooms.
+    void wheelEvent(QWheelEvent *event) override;
 
 private:
     bool insertRichText(const QByteArray &rtf);
     bool insertPictureFiles(const QList<QUrl> &urls);
 
     bool m_plainOnly = false;
+    int m_zoom = 100;
+    std::unique_ptr<QPaintDevice> m_zoomDevice;
 };

@@ -329,7 +329,7 @@ QPushButton *ThemeEditor::makeColorButton(const QString &name, const QString &ti
     button->setObjectName(name);
     button->setAccessibleName(title);
     button->setToolTip(tr("Choose the %1").arg(title.toLower()));
-    connect(button, &QPushButton::clicked, this, [=] { chooseColor(button, title, field); });
+    connect(button, &QPushButton::clicked, this, [this, button, title, field] { chooseColor(button, title, field); });
     return button;
 }
 
