@@ -21,6 +21,9 @@
 #include "themes/theme_painter.h"
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
+#include <QMimeData>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -816,6 +819,25 @@ void NotesEditor::closeEvent(QCloseEvent *event)
     m_recoveryTimer->stop();
     m_recovery->clear();
     WidgetWindow::closeEvent(event);
+}
+
+void NotesEditor::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasUrls())
+        event->acceptProposedAction();
+}
+
+void NotesEditor::dropEvent(QDropEvent *event)
+{
+    QStringList paths;
+    for (const QUrl &url : event->mimeData()->urls()) {
+        if (url.isLocalFile() && QFileInfo(url.toLocalFile()).isFile())
+            paths.append(url.toLocalFile());
+    }
+    if (paths.isEmpty())
+        return;
+    event->acceptProposedAction();
+    openFiles(paths);
 }
 
 void NotesEditor::showEvent(QShowEvent *event)

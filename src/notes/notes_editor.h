@@ -84,6 +84,9 @@ protected:
     void saveValues() override;
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
+    // Files dropped anywhere on the editor outside the page open as documents.
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     void buildCommandRow(QWidget *row);

@@ -1,5 +1,8 @@
 #include "core/settings_store.h"
 #include "core/widget_index.h"
+#include "notes/note_document.h"
+#include "notes/notes_editor.h"
+#include "notes/page_box.h"
 #include "shell/dashboard_tile.h"
 #include "shell/dashboard_window.h"
 #include "shell/tray_icon.h"
@@ -7,6 +10,7 @@
 #include "shell/widget_registry.h"
 #include "support/test_home.h"
 #include "themes/theme_colors.h"
+#include "themes/message_box.h"
 #include "themes/theme.h"
 #include "themes/widget_window.h"
 
@@ -65,6 +69,7 @@ private slots:
     void minimiseHidesToTray_data();
     void minimiseHidesToTray();
     void exitSavesAndClosesEverything();
+    void exitWaitsForUnsavedNotes();
     void handOverOfMissingWidgetShowsDashboard();
     void menusFollowTheThemeAndRead_data();
     void menusFollowTheThemeAndRead();
@@ -289,6 +294,38 @@ void TestDashboard::exitSavesAndClosesEverything()
     QVERIFY(!ReadSetting(Hive::CurrentUser, SettingsRoot() + QStringLiteral("mdb_IDX\\Window"),
                          QStringLiteral("Left"), QString())
                  .isEmpty());
+}
+
+// Exit with a note not saved asks about it; Cancel ends nothing, not even the other widgets.
+void TestDashboard::exitWaitsForUnsavedNotes()
+{
+    WidgetRegistry::instance().registerWidget(WidgetNotes, [] { return new NotesEditor; });
+    DashboardWindow d;
+    QSignalSpy unloaded(&d, &DashboardWindow::unloaded);
+    d.show();
+    auto *notes = qobject_cast<NotesEditor *>(WidgetRegistry::instance().open(WidgetNotes));
+    QVERIFY(notes);
+    notes->activeDocument()->page()->insertPlainText(QStringLiteral("unsaved"));
+    int answer = AnswerCancel;
+    int asked = 0;
+    SetMessageResponderForTesting([&](bool question, int, const QString &) {
+        asked += question;
+        return answer;
+    });
+
+    d.exitProgram();
+    QCOMPARE(asked, 1);
+    QCOMPARE(unloaded.count(), 0);
+    QVERIFY(WidgetRegistry::instance().isOpen(WidgetNotes));
+    QVERIFY(d.isVisible());
+
+    answer = AnswerNo;
+    d.exitProgram();
+    SetMessageResponderForTesting({});
+    QCOMPARE(asked, 2);
+    QCOMPARE(unloaded.count(), 1);
+    QVERIFY(WidgetRegistry::instance().openWidgets().isEmpty());
+    WidgetRegistry::instance().registerWidget(WidgetNotes, [] { return new FakeWidget(WidgetNotes); });
 }
 
 void TestDashboard::handOverOfMissingWidgetShowsDashboard()
