@@ -597,7 +597,7 @@ void NotesEditor::writeCopies(const QStringList &ids)
 
 bool NotesEditor::hasRecoveredDocuments()
 {
-    return !RecoveryStore(RecoveryFolder()).entries().isEmpty();
+    return !RecoveryStore(RecoveryFolder()).isEmpty();
 }
 
 void NotesEditor::offerRecoveredDocuments()

@@ -73,7 +73,8 @@ public:
     // Offers the copies a crash left behind; called once when the editor opens.
     void offerRecoveredDocuments();
 
-    // Recovery copies waiting from an earlier run (the start-up opens the editor for them).
+    // Recovery copies waiting from an earlier run (the start-up opens the editor for them);
+    // a look at the folder only, so it costs start-up nothing worth measuring.
     static bool hasRecoveredDocuments();
 
 public slots:

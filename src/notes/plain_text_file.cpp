@@ -1,9 +1,7 @@
 #include "notes/plain_text_file.h"
 
-#include "core/safe_file_write.h"
 #include "notes/code_page.h"
 
-#include <QFile>
 #include <QStringDecoder>
 #include <QStringEncoder>
 
@@ -118,29 +116,6 @@ PlainTextFile PlainTextFile::fromBytes(const QByteArray &bytes)
     file.m_lineEnding = DetectLineEnding(raw);
     file.m_text = WithNewlines(raw);
     return file;
-}
-
-bool PlainTextFile::load(const QString &path, QString *error)
-{
-    QFile in(path);
-    if (!in.open(QIODevice::ReadOnly)) {
-        if (error)
-            *error = in.errorString();
-        return false;
-    }
-    const QByteArray bytes = in.readAll();
-    if (in.error() != QFileDevice::NoError) {
-        if (error)
-            *error = in.errorString();
-        return false;
-    }
-    *this = fromBytes(bytes);
-    return true;
-}
-
-bool PlainTextFile::save(const QString &path, QString *error) const
-{
-    return WriteFileSafely(path, toBytes(), error);
 }
 
 QByteArray PlainTextFile::toBytes(bool *lossless) const

@@ -26,14 +26,6 @@ public:
 
     static PlainTextFile fromBytes(const QByteArray &bytes);
 
-    // Reads the file at `path`. False, with *error in words for the user, when it cannot be
-    // read; *this is then unchanged.
-    bool load(const QString &path, QString *error = nullptr);
-
-    // Writes toBytes() to `path` with WriteFileSafely. Characters the encoding lacks are
-    // written as '?': check canEncodeLosslessly() first.
-    bool save(const QString &path, QString *error = nullptr) const;
-
     QString text() const { return m_text; }
     // Takes the text as QTextDocument gives it; paragraph and line separators (U+2029,
     // U+2028) and any CR LF or CR count as line breaks.

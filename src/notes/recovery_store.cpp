@@ -132,6 +132,11 @@ void RecoveryStore::remove(const QString &id)
     removeContentFilesExcept(id, QString());
 }
 
+bool RecoveryStore::isEmpty() const
+{
+    return QDir(m_folder).entryList({u'*' + kDescriptionSuffix}, QDir::Files).isEmpty();
+}
+
 QList<RecoveryEntry> RecoveryStore::entries() const
 {
     const QDir folder(m_folder);

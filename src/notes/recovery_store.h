@@ -41,6 +41,8 @@ public:
     // Removes the copy with this id, description first.
     void remove(const QString &id);
 
+    // True when no copy is described at all; cheap (no content is read), for start-up.
+    bool isEmpty() const;
     // The complete copies, oldest first.
     QList<RecoveryEntry> entries() const;
 
