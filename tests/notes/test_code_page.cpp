@@ -10,8 +10,6 @@ private slots:
     void decode_data();
     void decode();
     void windows1252RoundTripsEveryByte();
-    void encodeWindows1252_data();
-    void encodeWindows1252();
 };
 
 void TestCodePage::decode_data()
@@ -60,28 +58,6 @@ void TestCodePage::windows1252RoundTripsEveryByte()
     QCOMPARE(EncodeWindows1252(DecodeWindows1252(all), &lossless), all);
     QVERIFY(lossless);
     QCOMPARE(DecodeCodePage(all, CodePageForCharset(0)), DecodeWindows1252(all));
-}
-
-void TestCodePage::encodeWindows1252_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QByteArray>("bytes");
-    QTest::addColumn<bool>("lossless");
-    QTest::newRow("euro and quotes") << QString::fromUtf8("€“x”") << QByteArray::fromHex("80937894") << true;
-    QTest::newRow("cyrillic lost") << QString::fromUtf8("aЖ") << QByteArray("a?") << false;
-    QTest::newRow("emoji is one character") << QString::fromUtf8("😀!") << QByteArray("?!") << false;
-    QTest::newRow("lone surrogate") << QString(QChar(0xD800)) << QByteArray("?") << false;
-    QTest::newRow("NUL kept") << QString(QChar(0)) << QByteArray(1, '\0') << true;
-}
-
-void TestCodePage::encodeWindows1252()
-{
-    QFETCH(QString, text);
-    QFETCH(QByteArray, bytes);
-    QFETCH(bool, lossless);
-    bool kept = !lossless;
-    QCOMPARE(EncodeWindows1252(text, &kept), bytes);
-    QCOMPARE(kept, lossless);
 }
 
 QTEST_GUILESS_MAIN(TestCodePage)

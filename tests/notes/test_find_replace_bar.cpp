@@ -33,9 +33,6 @@ private slots:
     void historiesSurvive();
     void stepsThroughMatches_data();
     void stepsThroughMatches();
-    void replaceAllIsOneUndo();
-    void prefillsShortSelection_data();
-    void prefillsShortSelection();
     void escapeHidesAndReturnsFocus();
 
 private:
@@ -115,42 +112,6 @@ void TestFindReplaceBar::stepsThroughMatches()
     QCOMPARE(m_editor->textCursor().selectionStart(), start);
     QCOMPARE(m_editor->textCursor().selectedText(), QStringLiteral("two"));
     QCOMPARE(m_bar->statusText(), status);
-}
-
-void TestFindReplaceBar::replaceAllIsOneUndo()
-{
-    const QString original = QStringLiteral("a b a b a");
-    m_editor->setPlainText(original);
-    box(m_bar.get(), "cboFIND")->setEditText(QStringLiteral("a"));
-    box(m_bar.get(), "cboREPLACE")->setEditText(QStringLiteral("ab"));
-    m_bar->replaceAll();
-    QCOMPARE(m_editor->toPlainText(), QStringLiteral("ab b ab b ab"));
-    QCOMPARE(m_bar->statusText(), QStringLiteral("Replaced 3 matches."));
-    m_editor->undo();
-    QCOMPARE(m_editor->toPlainText(), original);
-}
-
-void TestFindReplaceBar::prefillsShortSelection_data()
-{
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<QString>("expected");
-
-    QTest::newRow("one line") << "word here"
-                              << "word here";
-    QTest::newRow("two paragraphs") << "word\nhere"
-                                    << "old";
-    QTest::newRow("too long") << QString(200, QLatin1Char('x')) << "old";
-}
-
-void TestFindReplaceBar::prefillsShortSelection()
-{
-    QFETCH(QString, text);
-    QFETCH(QString, expected);
-    m_editor->setPlainText(text);
-    m_editor->selectAll();
-    box(m_bar.get(), "cboFIND")->setEditText(QStringLiteral("old"));
-    m_bar->showFind();
-    QCOMPARE(box(m_bar.get(), "cboFIND")->currentText(), expected);
 }
 
 void TestFindReplaceBar::escapeHidesAndReturnsFocus()

@@ -43,9 +43,6 @@ private slots:
     void listsTheFilesOfItsKind();
     void foldersGoDownAndUp();
     void activatesOnlyExistingFiles();
-    void missingFolderFallsBackToParent();
-    void browsableVolumes_data();
-    void browsableVolumes();
     void previewsPictures_data();
     void previewsPictures();
 
@@ -129,36 +126,6 @@ void TestFolderBrowser::activatesOnlyExistingFiles()
     emit files->itemClicked(itemNamed(files, QStringLiteral("a.txt")));
     QCOMPARE(activated.count(), 1);
     QCOMPARE(activated.at(0).at(0).toString(), m_root + QStringLiteral("/a.txt"));
-}
-
-void TestFolderBrowser::missingFolderFallsBackToParent()
-{
-    FolderBrowser browser(FolderBrowser::Pictures);
-    browser.setFolder(m_root + QStringLiteral("/sub/no/such/place"));
-    QCOMPARE(browser.folder(), m_root + QStringLiteral("/sub"));
-}
-
-void TestFolderBrowser::browsableVolumes_data()
-{
-    QTest::addColumn<QString>("root");
-    QTest::addColumn<QByteArray>("type");
-    QTest::addColumn<bool>("browsable");
-
-    QTest::newRow("root, offered anyway") << "/" << QByteArray("ext4") << false;
-    QTest::newRow("usb stick") << "/media/me/STICK" << QByteArray("vfat") << true;
-    QTest::newRow("removable under /run/media") << "/run/media/me/X" << QByteArray("exfat") << true;
-    QTest::newRow("boot") << "/boot/efi" << QByteArray("vfat") << false;
-    QTest::newRow("not boot, same start") << "/bootleg" << QByteArray("ext4") << true;
-    QTest::newRow("user runtime") << "/run/user/1000/doc" << QByteArray("fuse.portal") << false;
-    QTest::newRow("tmpfs anywhere") << "/media/ram" << QByteArray("tmpfs") << false;
-}
-
-void TestFolderBrowser::browsableVolumes()
-{
-    QFETCH(QString, root);
-    QFETCH(QByteArray, type);
-    QFETCH(bool, browsable);
-    QCOMPARE(FolderBrowser::isBrowsableVolume(root, type), browsable);
 }
 
 void TestFolderBrowser::previewsPictures_data()

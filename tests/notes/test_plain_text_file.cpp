@@ -1,5 +1,4 @@
 #include "notes/plain_text_file.h"
-#include "support/test_home.h"
 
 #include <QTest>
 
@@ -25,7 +24,6 @@ private slots:
     void write_data();
     void write();
     void textThatDoesNotFitSwitchesToUtf8();
-    void saveAndLoadThroughDisk();
 };
 
 void TestPlainTextFile::read_data()
@@ -120,21 +118,6 @@ void TestPlainTextFile::textThatDoesNotFitSwitchesToUtf8()
     bool lossless = false;
     QCOMPARE(file.toBytes(&lossless), QString::fromUtf8("é Ж\r\n").toUtf8());
     QVERIFY(lossless);
-}
-
-void TestPlainTextFile::saveAndLoadThroughDisk()
-{
-    TestHome home;
-    const QString path = home.filePath("note.txt");
-    PlainTextFile file = PlainTextFile::fromBytes(Bytes("fffe41000d000a00"));
-    QString error;
-    QVERIFY(file.save(path, &error));
-    PlainTextFile loaded;
-    QVERIFY(loaded.load(path, &error));
-    QCOMPARE(loaded.toBytes(), Bytes("fffe41000d000a00"));
-    QVERIFY(!loaded.load(home.filePath("missing.txt"), &error));
-    QVERIFY(!error.isEmpty());
-    QCOMPARE(loaded.text(), "A\n");
 }
 
 QTEST_GUILESS_MAIN(TestPlainTextFile)

@@ -19,8 +19,6 @@ class TestTextFinder : public QObject
 private slots:
     void find_data();
     void find();
-    void isMatch_data();
-    void isMatch();
     void replaceAll_data();
     void replaceAll();
 };
@@ -84,42 +82,6 @@ void TestTextFinder::find()
     QCOMPARE(result.wrapped, wrapped);
     if (result.found())
         QCOMPARE(result.match.selectedText().size(), search.size());
-}
-
-void TestTextFinder::isMatch_data()
-{
-    QTest::addColumn<int>("anchor");
-    QTest::addColumn<int>("position");
-    QTest::addColumn<QString>("search");
-    QTest::addColumn<int>("flags"); // 1 match case, 2 whole word
-    QTest::addColumn<bool>("replaced");
-
-    // In "Cat category": "Cat" is 0..3, "cat" of category 4..7.
-    QTest::newRow("the match") << 0 << 3 << "cat" << 0 << true;
-    QTest::newRow("selected backwards") << 3 << 0 << "cat" << 0 << true;
-    QTest::newRow("other case with match case") << 0 << 3 << "cat" << 1 << false;
-    QTest::newRow("part of the match") << 0 << 2 << "cat" << 0 << false;
-    QTest::newRow("more than the match") << 0 << 4 << "cat" << 0 << false;
-    QTest::newRow("no selection") << 0 << 0 << "cat" << 0 << false;
-    QTest::newRow("inside a word, whole word") << 4 << 7 << "cat" << 2 << false;
-    QTest::newRow("inside a word") << 4 << 7 << "cat" << 0 << true;
-}
-
-void TestTextFinder::isMatch()
-{
-    QFETCH(int, anchor);
-    QFETCH(int, position);
-    QFETCH(QString, search);
-    QFETCH(int, flags);
-    QFETCH(bool, replaced);
-    const QString original = QStringLiteral("Cat category");
-    QTextDocument document(original);
-    QTextCursor cursor = cursorAt(&document, anchor, position);
-    FindOptions options;
-    options.matchCase = flags & 1;
-    options.wholeWord = flags & 2;
-    QCOMPARE(TextFinder::replaceCurrent(cursor, search, QStringLiteral("#"), options), replaced);
-    QCOMPARE(document.toPlainText() != original, replaced);
 }
 
 void TestTextFinder::replaceAll_data()

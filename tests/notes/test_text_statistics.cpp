@@ -14,8 +14,6 @@ private slots:
     void characterStatistics();
     void lineStatistics_data();
     void lineStatistics();
-    void lineSpacingText_data();
-    void lineSpacingText();
     void parseLineSpacing_data();
     void parseLineSpacing();
 };
@@ -97,27 +95,6 @@ void TestTextStatistics::lineStatistics()
     QFETCH(int, caret);
     QFETCH(QString, label);
     QCOMPARE(LineStatistics(text, caret), label);
-}
-
-void TestTextStatistics::lineSpacingText_data()
-{
-    QTest::addColumn<double>("multiple");
-    QTest::addColumn<QString>("text");
-    QTest::addColumn<int>("preset");
-    QTest::newRow("single") << 1.0 << "1" << 0;
-    QTest::newRow("1.15 from twips") << 276.0 / 240.0 << "1.15" << 1;
-    QTest::newRow("one and a half") << 1.5 << "1.5" << 3;
-    QTest::newRow("custom") << 1.3 << "1.3" << kCustomLineSpacingIndex;
-    QTest::newRow("rounded to two decimals") << 2.004 << "2" << 4;
-}
-
-void TestTextStatistics::lineSpacingText()
-{
-    QFETCH(double, multiple);
-    QFETCH(QString, text);
-    QFETCH(int, preset);
-    QCOMPARE(FormatLineSpacing(multiple), text);
-    QCOMPARE(LineSpacingPresetIndex(text), preset);
 }
 
 void TestTextStatistics::parseLineSpacing_data()
