@@ -5,6 +5,7 @@
 #include "notes/line_spacing.h"
 #include "notes/page_box.h"
 #include "notes/plain_text_file.h"
+#include "notes/spell_highlighter.h"
 #include "notes/text_formatting.h"
 
 #include <QFileInfo>
@@ -113,6 +114,8 @@ void NoteDocument::adoptDocument(QTextDocument *document)
         document->setParent(m_page);
         m_page->setDocument(document);
         m_page->applyZoom();
+        if (m_page->spellHighlighter())
+            m_page->setSpellChecker(m_page->spellHighlighter()->checker());
         if (ours)
             delete old;
     }

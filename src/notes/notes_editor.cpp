@@ -15,6 +15,8 @@
 #include "notes/page_box.h"
 #include "notes/picture_panel.h"
 #include "notes/recovery_store.h"
+#include "notes/spell_checker.h"
+#include "notes/spell_panel.h"
 #include "notes/text_statistics.h"
 #include "themes/message_box.h"
 #include "themes/painted_frame.h"
@@ -56,6 +58,7 @@ QString RecoveryFolder()
 NotesEditor::NotesEditor(QWidget *parent)
     : WidgetWindow(QLatin1String(kNotesWindowName), WidgetNotes, tr("Vantora Notes"), parent)
     , m_recovery(new RecoveryStore(RecoveryFolder()))
+    , m_spell(SpellChecker::shared())
 {
     setAcceptDrops(true);
     m_title = new QLabel(bar());
@@ -122,6 +125,10 @@ NotesEditor::NotesEditor(QWidget *parent)
 
     installShortcuts();
     DocumentNew();
+    // The word list is read on a worker thread while the window comes up, so underlines and
+    // the first check are ready when the user is.
+    if (SpellSettings::load().loadOnFirst)
+        m_spell->loadInBackground();
 }
 
 NotesEditor::~NotesEditor()
@@ -210,6 +217,7 @@ void NotesEditor::buildSidePanel()
     });
     connect(m_picturePanel, &PicturePanel::insertPicture, this, &NotesEditor::insertPicture);
     m_side->addTab(m_picturePanel, tr("Pictures"));
+    buildSpellPanel();
     m_split->addWidget(m_side);
     const int width = ReadIntDetail(QLatin1String(kNotesWindowName), kSidePanelValue, 230);
     m_split->setSizes({700, qBound(0, width, 600)});
@@ -309,6 +317,7 @@ NoteDocument *NotesEditor::createDocument(const QString &type)
         return nullptr;
     }
     document->setTagNo(slot);
+    document->page()->setSpellChecker(m_spell);
     const NewDocumentSettings settings = NewDocumentSettings::load();
     QFont font(settings.fontName);
     font.setPointSize(settings.fontSize);
@@ -343,6 +352,8 @@ void NotesEditor::activateDocument(NoteDocument *document)
         return;
     m_tabs->setCurrentIndex(index);
     m_pages->setCurrentIndex(index);
+    if (m_spell->isWalking() && m_spell->walkDocument() != document->document())
+        stopSpellCheck();
     m_formatBar->setDocument(document);
     m_findBar->setEditor(document->page());
     refreshCaption(document);
@@ -507,6 +518,8 @@ QString NotesEditor::recoveryIdOf(const NoteDocument *document)
 void NotesEditor::removeDocument(NoteDocument *document)
 {
     const int index = tabOf(document);
+    if (m_spell->walkDocument() == document->document())
+        stopSpellCheck();
     m_debounce.markSaved(m_recoveryIds.value(document));
     m_recoveryIds.remove(document);
     m_table.release(document->TagNo());
@@ -652,9 +665,73 @@ void NotesEditor::DocumentPrint()
     showNotReady(tr("The print preview"));
 }
 
+void NotesEditor::buildSpellPanel()
+{
+    m_spellPanel = new SpellPanel(m_side);
+    m_side->addTab(m_spellPanel, tr("Spelling"));
+    connect(m_spellPanel, &SpellPanel::changeRequested, m_spell, &SpellChecker::WordChng);
+    connect(m_spellPanel, &SpellPanel::ignoreRequested, m_spell, &SpellChecker::WordIgnore);
+    connect(m_spellPanel, &SpellPanel::addRequested, m_spell, &SpellChecker::WordAdd);
+    connect(m_spellPanel, &SpellPanel::ignoreAllRequested, m_spell, [this] {
+        m_spell->ignoreAll(m_spell->currentWord());
+        m_spell->WordIgnore();
+    });
+    connect(m_spellPanel, &SpellPanel::recheckRequested, this, &NotesEditor::DocumentSpellCheck);
+    connect(m_spell, &SpellChecker::wordFound, this, &NotesEditor::showUnknownWord);
+    connect(m_spell, &SpellChecker::CompleteSpellCheck, this, &NotesEditor::spellCheckFinished);
+}
+
 void NotesEditor::DocumentSpellCheck()
 {
-    showNotReady(tr("The spell checker"));
+    NoteDocument *document = activeDocument();
+    if (!document)
+        return;
+    m_side->show();
+    m_side->setCurrentWidget(m_spellPanel);
+    if (!m_spell->isLoaded())
+        m_spellPanel->showMessage(tr("Reading the dictionary..."));
+    m_spellWalkOurs = true;
+    m_spell->CheckFile(document->document(), document->page()->textCursor().selectionStart());
+}
+
+void NotesEditor::showUnknownWord(const QString &word, const QStringList &suggestions)
+{
+    NoteDocument *document = activeDocument();
+    if (!m_spellWalkOurs || !document || m_spell->walkDocument() != document->document())
+        return;
+    document->page()->setTextCursor(m_spell->currentSelection());
+    document->page()->ensureCursorVisible();
+    m_spellPanel->showWord(word, suggestions);
+    m_spellPanel->focusSuggestions();
+}
+
+void NotesEditor::spellCheckFinished()
+{
+    if (!m_spellWalkOurs)
+        return;
+    m_spellWalkOurs = false;
+    m_spellPanel->showMessage(tr("The check reached the end of the document."));
+    ShowInfoMessage(1, QString(), this);
+    if (NoteDocument *document = activeDocument())
+        document->page()->setFocus();
+}
+
+void NotesEditor::stopSpellCheck()
+{
+    m_spell->stopWalk();
+    m_spellWalkOurs = false;
+    m_spellPanel->showMessage(tr("Press Check Again or F7 to check the document from the caret."));
+}
+
+void NotesEditor::saveDictionary()
+{
+    QString error;
+    if (!m_spell->DatabaseSave(&error))
+        ShowNotice(tr("Cannot Save the Dictionary"),
+                   tr("The words you added could not be written to the dictionary (%1). They are known until "
+                      "Vantora ends, and another try is made when it does.")
+                       .arg(error),
+                   true, this);
 }
 
 void NotesEditor::showNotReady(const QString &feature)
@@ -747,7 +824,11 @@ void NotesEditor::fillRecentMenu()
 void NotesEditor::openSettingsDialog()
 {
     NotesSettingsDialog dialog(this);
-    dialog.exec();
+    if (dialog.exec() == QDialog::Accepted) {
+        m_spell->reloadSettings();
+        if (m_spell->settings().loadOnFirst)
+            m_spell->loadInBackground();
+    }
 }
 
 void NotesEditor::ThemeElementsUpdate()
@@ -816,6 +897,8 @@ void NotesEditor::closeEvent(QCloseEvent *event)
         }
     }
     m_closing = true;
+    stopSpellCheck();
+    saveDictionary();
     m_recoveryTimer->stop();
     m_recovery->clear();
     WidgetWindow::closeEvent(event);

@@ -23,6 +23,8 @@ class QTabWidget;
 class QTimer;
 class QToolButton;
 class RecoveryStore;
+class SpellChecker;
+class SpellPanel;
 
 // fnte_IDX, the notes editor: any number of documents (fnte_DOC) in tabs (tabDOCS), a command
 // row, the format bar, a side panel with the document and picture browsers, a find and
@@ -57,6 +59,8 @@ public:
     // user cancelled.
     bool DocumentClose();
     void DocumentPrint();
+    // Checks the spelling of the active document from the caret; the side panel's spelling
+    // page shows each unknown word and what can be done with it.
     void DocumentSpellCheck();
     void WindowsListPopup();
     // 0: document browser, 1: picture browser, 2: find, 3: replace.
@@ -122,6 +126,12 @@ private:
     void fillRecentMenu();
     void showNotReady(const QString &feature);
     void applyPanelStyle();
+    void buildSpellPanel();
+    void showUnknownWord(const QString &word, const QStringList &suggestions);
+    void spellCheckFinished();
+    void stopSpellCheck();
+    // Writes the words added to the dictionary; tells the user when that fails.
+    void saveDictionary();
 
     DocumentTable m_table;
     QWidget *m_commands = nullptr;
@@ -141,6 +151,9 @@ private:
     QMenu *m_recentMenu = nullptr;
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;
+    SpellChecker *m_spell = nullptr;
+    SpellPanel *m_spellPanel = nullptr;
+    bool m_spellWalkOurs = false;
     RecoveryDebounce m_debounce;
     QHash<const NoteDocument *, QString> m_recoveryIds;
     bool m_closing = false;

@@ -1,10 +1,13 @@
 #include "notes/notes_settings_dialog.h"
 
 #include "notes/notes_settings.h"
+#include "notes/spell_settings.h"
 #include "themes/theme_painter.h"
 
 #include <QApplication>
+#include <QCheckBox>
 #include <QColorDialog>
+#include <QGroupBox>
 #include <QComboBox>
 #include <QFontComboBox>
 #include <QFormLayout>
@@ -78,6 +81,38 @@ NotesSettingsDialog::NotesSettingsDialog(QWidget *parent)
     m_sample->setFrameShape(QFrame::StyledPanel);
     m_sample->setAutoFillBackground(true);
 
+    const SpellSettings spelling = SpellSettings::load();
+    m_language = new QComboBox;
+    m_language->setObjectName(QStringLiteral("cboLANGUAGE"));
+    m_language->addItems({tr("US English"), tr("UK English")});
+    m_language->setCurrentIndex(spelling.isUkEnglish() ? 1 : 0);
+    m_language->setToolTip(tr("The dictionary the spelling is checked against; a change counts from the next check"));
+    const auto check = [](const QString &name, const QString &caption, const QString &tip, bool on) {
+        auto *box = new QCheckBox(caption);
+        box->setObjectName(name);
+        box->setToolTip(tip);
+        box->setChecked(on);
+        return box;
+    };
+    m_numbers = check(QStringLiteral("chkSPELLNUMBERS"), tr("Pass words with &numbers (R2D2)"),
+                      tr("A word with a digit 1 to 9 is taken as correct"), spelling.skip.numbers);
+    m_capitals = check(QStringLiteral("chkSPELLCAPITALS"), tr("Pass words in &capitals (NASA)"),
+                       tr("A word of capital letters A to Z only is taken as correct"), spelling.skip.capitals);
+    m_characters = check(QStringLiteral("chkSPELLCHARACTERS"), tr("Pass words with &signs (e-mail, café)"),
+                         tr("A word with a sign such as - @ & or a letter beyond a to z is taken as correct"),
+                         spelling.skip.characters);
+    m_loadOnFirst = check(QStringLiteral("chkSPELLLOADFIRST"), tr("&Read the dictionary when the editor opens"),
+                          tr("Underlines unknown words from the start; otherwise the first check reads the dictionary"),
+                          spelling.loadOnFirst);
+    auto *spellForm = new QFormLayout;
+    spellForm->addRow(tr("&Language:"), m_language);
+    auto *spellColumn = new QVBoxLayout;
+    spellColumn->addLayout(spellForm);
+    for (QCheckBox *box : {m_numbers, m_capitals, m_characters, m_loadOnFirst})
+        spellColumn->addWidget(box);
+    auto *spellGroup = new QGroupBox(tr("Spelling"));
+    spellGroup->setLayout(spellColumn);
+
     auto *okButton = new QPushButton(tr("OK"));
     okButton->setObjectName(QStringLiteral("btnOK"));
     setDefaultButton(okButton);
@@ -101,6 +136,7 @@ NotesSettingsDialog::NotesSettingsDialog(QWidget *parent)
     auto *layout = new QVBoxLayout;
     layout->addLayout(form);
     layout->addWidget(m_sample);
+    layout->addWidget(spellGroup);
     layout->addSpacing(6);
     layout->addLayout(buttons);
     setPanelLayout(layout);
@@ -158,5 +194,13 @@ void NotesSettingsDialog::save()
     s.fontSize = chosenSize(s.fontSize);
     s.fontColor = m_color;
     s.save();
+    SpellSettings spelling = SpellSettings::load();
+    spelling.language = QLatin1String(m_language->currentIndex() == 1 ? SpellSettings::kUkDictionary
+                                                                       : SpellSettings::kUsDictionary);
+    spelling.skip.numbers = m_numbers->isChecked();
+    spelling.skip.capitals = m_capitals->isChecked();
+    spelling.skip.characters = m_characters->isChecked();
+    spelling.loadOnFirst = m_loadOnFirst->isChecked();
+    spelling.save();
     accept();
 }

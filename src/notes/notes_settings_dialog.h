@@ -3,13 +3,16 @@
 #include "themes/theme.h"
 #include "themes/themed_dialog.h"
 
+class QCheckBox;
 class QComboBox;
 class QFontComboBox;
 class QLabel;
 class QPushButton;
 
-// fnte_SET: what a new document starts with (type, font, size, colour). OK saves the choices
-// under "fnte_SET\Details"; Cancel leaves them as they were.
+// fnte_SET: what a new document starts with (type, font, size, colour), kept under
+// "fnte_SET\Details", and how the spelling is checked (language, the words passed without a
+// look-up, when the dictionary is read), kept with the editor's settings. OK saves both;
+// Cancel leaves them as they were.
 class NotesSettingsDialog : public ThemedDialog
 {
     Q_OBJECT
@@ -34,5 +37,10 @@ private:
     QComboBox *m_size;
     QPushButton *m_colorButton;
     QLabel *m_sample;
+    QComboBox *m_language;
+    QCheckBox *m_numbers;
+    QCheckBox *m_capitals;
+    QCheckBox *m_characters;
+    QCheckBox *m_loadOnFirst;
     OleColor m_color = 0;
 };

@@ -3,11 +3,15 @@
 #include "notes/document_pictures.h"
 #include "notes/rtf_reader.h"
 #include "notes/rtf_writer.h"
+#include "notes/spell_checker.h"
+#include "notes/spell_highlighter.h"
 
 #include <QFile>
 #include <QFileInfo>
 #include <QImageReader>
 #include <QAbstractTextDocumentLayout>
+#include <QContextMenuEvent>
+#include <QMenu>
 #include <QMimeData>
 #include <QWheelEvent>
 #include <QTextBlock>
@@ -228,4 +232,69 @@ bool PageBox::insertPictureFiles(const QList<QUrl> &urls)
     }
     cursor.endEditBlock();
     return any;
+}
+
+void PageBox::setSpellChecker(SpellChecker *checker)
+{
+    if (!m_spelling && checker) {
+        m_spelling = new SpellHighlighter(checker, this);
+        connect(this, &QTextEdit::cursorPositionChanged, m_spelling,
+                [this] { m_spelling->caretMoved(textCursor().position()); });
+    }
+    if (m_spelling)
+        m_spelling->attach(document());
+}
+
+void PageBox::mousePressEvent(QMouseEvent *event)
+{
+    QTextEdit::mousePressEvent(event);
+    if (event->button() == Qt::RightButton)
+        event->accept();
+}
+
+void PageBox::contextMenuEvent(QContextMenuEvent *event)
+{
+    std::unique_ptr<QMenu> menu(createStandardContextMenu(event->pos()));
+    const int position = event->reason() == QContextMenuEvent::Keyboard ? textCursor().position()
+                                                                         : cursorForPosition(event->pos()).position();
+    addSpellingActions(menu.get(), position);
+    menu->exec(event->globalPos());
+}
+
+void PageBox::addSpellingActions(QMenu *menu, int position)
+{
+    constexpr int kMostSuggestions = 8;
+    CutWord word;
+    if (!m_spelling || isReadOnly() || !m_spelling->misspeltWordAt(position, &word))
+        return;
+    QAction *first = menu->actions().value(0);
+    const auto insert = [menu, first](QAction *action) { menu->insertAction(first, action); };
+    SpellChecker *checker = m_spelling->checker();
+    const QStringList suggestions = checker->menuSuggestionsFor(word.text).mid(0, kMostSuggestions);
+    for (const QString &suggestion : suggestions) {
+        auto *action = new QAction(suggestion, menu);
+        QFont bold = action->font();
+        bold.setBold(true);
+        action->setFont(bold);
+        connect(action, &QAction::triggered, this, [this, word, suggestion] {
+            QTextCursor cursor(document());
+            cursor.setPosition(word.start);
+            cursor.setPosition(word.start + word.length, QTextCursor::KeepAnchor);
+            cursor.insertText(suggestion);
+        });
+        insert(action);
+    }
+    if (suggestions.isEmpty()) {
+        auto *none = new QAction(tr("(No suggestions)"), menu);
+        none->setEnabled(false);
+        insert(none);
+    }
+    auto *ignore = new QAction(tr("I&gnore All"), menu);
+    ignore->setToolTip(tr("Accept this word everywhere until Vantora ends"));
+    connect(ignore, &QAction::triggered, checker, [checker, word] { checker->ignoreAll(word.text); });
+    insert(ignore);
+    auto *add = new QAction(tr("Add to &Dictionary"), menu);
+    connect(add, &QAction::triggered, checker, [checker, word] { checker->addWord(word.text); });
+    insert(add);
+    menu->insertSeparator(first);
 }

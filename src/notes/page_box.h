@@ -3,7 +3,12 @@
 #include <QPaintDevice>
 #include <QTextEdit>
 
+class QMenu;
+
 #include <memory>
+
+class SpellChecker;
+class SpellHighlighter;
 
 // rtbPAGEBOX, the rich-text box that fills a document window. Beyond QTextEdit it pastes and
 // drops pictures as embedded pictures, copies and pastes rich text as RTF (so pictures travel
@@ -26,6 +31,11 @@ public:
     // The box was given another document: it takes the zoom too.
     void applyZoom();
 
+    // Underlines unknown words as the user types, and offers suggestions, Ignore All and Add
+    // to Dictionary on the menu of an underlined word. Call again after setDocument.
+    void setSpellChecker(SpellChecker *checker);
+    SpellHighlighter *spellHighlighter() const { return m_spelling; }
+
 signals:
     // Files dropped on the page that are not pictures (the editor opens them).
     void filesDropped(const QStringList &paths);
@@ -37,12 +47,17 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
     // Ctrl with the wheel zooms.
     void wheelEvent(QWheelEvent *event) override;
+    void contextMenuEvent(QContextMenuEvent *event) override;
+    // A right click belongs to the page's own menu, not to the widget menu of the window.
+    void mousePressEvent(QMouseEvent *event) override;
 
 private:
     bool insertRichText(const QByteArray &rtf);
     bool insertPictureFiles(const QList<QUrl> &urls);
+    void addSpellingActions(QMenu *menu, int position);
 
     bool m_plainOnly = false;
     int m_zoom = 100;
     std::unique_ptr<QPaintDevice> m_zoomDevice;
+    SpellHighlighter *m_spelling = nullptr;
 };

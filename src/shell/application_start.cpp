@@ -6,6 +6,7 @@
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
 #include "notes/notes_editor.h"
+#include "notes/spell_checker.h"
 #include "shell/builtin_widgets.h"
 #include "shell/dashboard_window.h"
 #include "shell/program_settings_model.h"
@@ -100,6 +101,9 @@ void ApplicationStart::prepareValues()
     const ProgramSettingsModel::Values settings = ProgramSettingsModel::load();
     ProgramSettingsModel::setWebcamIntervalSeconds(
         ProgramSettingsModel::intervalSeconds(settings.timerInterval));
+    // The spell checker serves the whole run; making it reads only its settings (the word
+    // list waits for the editor).
+    SpellChecker::shared();
 }
 
 void ApplicationStart::prepareData()

@@ -8,6 +8,8 @@
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
 #include <QPointer>
 #include <QTabBar>
 #include <QTest>
@@ -60,6 +62,7 @@ private slots:
     void aFailedSaveKeepsTheDocumentAndTheFile();
     void statisticsFollowTheCaret();
     void unsavedWorkSurvivesACrash();
+    void spellCheckWalksTheActiveDocument();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -77,6 +80,8 @@ void TestNotesEditor::init()
             m_asked.append(number);
         return m_answer;
     });
+    // The word list is read only by the test that checks spelling.
+    WriteDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Spell Check Load on First"), QStringLiteral("0"));
     m_editor = new NotesEditor;
 }
 
@@ -263,6 +268,37 @@ void TestNotesEditor::unsavedWorkSurvivesACrash()
         QVERIFY(m_editor->DocumentSaveMain());
         QCOMPARE(readFile(path), QByteArray("on disk and typed"));
     }
+}
+
+void TestNotesEditor::spellCheckWalksTheActiveDocument()
+{
+    QVERIFY(QDir().mkpath(m_home->filePath("notes")));
+    writeFile(m_home->filePath("notes"), "wordsus.dct", "the\r\ncat\r\nsat\r\n");
+    QList<int> messages;
+    SetMessageResponderForTesting([&messages](bool question, int number, const QString &) {
+        if (!question)
+            messages.append(number);
+        return int(AnswerYes);
+    });
+    NoteDocument *document = m_editor->activeDocument();
+    type(document, QStringLiteral("the cta\tsat on teh"));
+    document->page()->moveCursor(QTextCursor::Start);
+    m_editor->DocumentSpellCheck();
+
+    auto *word = m_editor->findChild<QLabel *>("lblSPELLWORD");
+    QVERIFY(word);
+    QCOMPARE(word->text(), QStringLiteral("cta"));
+    QCOMPARE(document->page()->textCursor().selectedText(), QStringLiteral("cta"));
+    m_editor->findChild<QLineEdit *>("txtSUGG")->setText(QStringLiteral("cat"));
+    m_editor->findChild<QPushButton *>("btnCHANGE")->click();
+    QCOMPARE(word->text(), QStringLiteral("on"));
+    m_editor->findChild<QPushButton *>("btnIGNORE")->click();
+    QCOMPARE(document->page()->textCursor().selectedText(), QStringLiteral("teh"));
+    QVERIFY(messages.isEmpty());
+    m_editor->findChild<QPushButton *>("btnINCLUDE")->click();
+    QCOMPARE(messages, QList<int>{1});
+    QCOMPARE(document->document()->toPlainText(), QStringLiteral("the cat\tsat on teh"));
+    QVERIFY(!m_editor->findChild<QPushButton *>("btnCHANGE")->isEnabled());
 }
 
 QTEST_MAIN(TestNotesEditor)
