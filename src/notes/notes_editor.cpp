@@ -180,7 +180,7 @@ void NotesEditor::buildCommandRow(QWidget *row)
                                     });
     files->setCheckable(true);
     files->setChecked(true);
-    addCommand(row, QStringLiteral("btnSETTINGS"), tr("Settings"), tr("Settings for new documents"),
+    addCommand(row, QStringLiteral("btnSETTINGS"), tr("Settings"), tr("Settings for new documents and for spelling"),
                [this] { openSettingsDialog(); });
 }
 
