@@ -170,7 +170,6 @@ QString PhoneticKey(QStringView word)
 
 SpellDictionary::SpellDictionary()
     : m_starts{0}
-    , m_groups(kKeyCodes)
     , m_lookup(size_t(1) << kLookupBits)
 {
 }
@@ -196,18 +195,32 @@ void SpellDictionary::fileLastWord()
 {
     const int index = wordCount();
     m_starts.push_back(int(m_text.size()));
-    m_next.push_back(-1);
     const QStringView word = wordAt(index);
     const int code = KeyCode(word);
-    m_groups[size_t(code)].append(index, m_next);
+    if (!m_groups.empty()) {
+        m_next.push_back(-1);
+        m_groups[size_t(code)].append(index, m_next);
+    }
     // In file order too, so the common words a list starts with are found first.
     m_lookupNext.push_back(-1);
     m_lookup[size_t(LookupBucket(code, word.size()))].append(index, m_lookupNext);
 }
 
+const std::vector<SpellDictionary::Chain> &SpellDictionary::groups() const
+{
+    if (m_groups.empty()) {
+        m_groups.resize(kKeyCodes);
+        m_next.assign(size_t(wordCount()), -1);
+        for (int i = 0; i < wordCount(); ++i)
+            m_groups[size_t(KeyCode(wordAt(i)))].append(i, m_next);
+    }
+    return m_groups;
+}
+
 bool SpellDictionary::add(const QString &word)
 {
-    for (int i = m_groups[size_t(KeyCode(word))].first; i >= 0; i = m_next[size_t(i)]) {
+    // An equal word has the same key and length, so it is on the look-up chain.
+    for (int i = m_lookup[size_t(LookupBucket(KeyCode(word), word.size()))].first; i >= 0; i = m_lookupNext[size_t(i)]) {
         if (wordAt(i) == word)
             return false;
     }
@@ -225,7 +238,6 @@ bool SpellDictionary::load(const QString &path, QString *error)
     }
     m_text.reserve(m_text.size() + file.size());
     m_starts.reserve(m_starts.size() + size_t(file.size() / 8));
-    m_next.reserve(m_next.size() + size_t(file.size() / 8));
     m_lookupNext.reserve(m_lookupNext.size() + size_t(file.size() / 8));
     QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
     QString decoded;
@@ -288,13 +300,13 @@ bool SpellDictionary::contains(QStringView word) const
 
 bool SpellDictionary::hasGroup(QStringView word) const
 {
-    return m_groups[size_t(KeyCode(word))].first >= 0;
+    return groups()[size_t(KeyCode(word))].first >= 0;
 }
 
 QStringList SpellDictionary::group(QStringView word) const
 {
     QStringList words;
-    for (int i = m_groups[size_t(KeyCode(word))].first; i >= 0; i = m_next[size_t(i)])
+    for (int i = groups()[size_t(KeyCode(word))].first; i >= 0; i = m_next[size_t(i)])
         words.append(wordAt(i).toString());
     return words;
 }
@@ -304,7 +316,7 @@ QStringList SpellDictionary::suggestions(QStringView word) const
     const bool capital = !word.isEmpty() && word.front().unicode() < 91;
     QStringList list;
     int best = 0;
-    for (int i = m_groups[size_t(KeyCode(word))].first; i >= 0; i = m_next[size_t(i)]) {
+    for (int i = groups()[size_t(KeyCode(word))].first; i >= 0; i = m_next[size_t(i)]) {
         const QStringView entry = wordAt(i);
         const int level = LevelOf(entry, word);
         // Taken only while nothing closer came before it; once taken, the bar rises to it.

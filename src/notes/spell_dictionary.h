@@ -16,8 +16,8 @@ QString PhoneticKey(QStringView word);
 // The spell checker's word list, grouped by sound key. Within a group the words keep the order
 // they were read or added in, which decides the order of suggestions.
 //
-// All words live in one text with an offset per word, and each group is a chain through the
-// words, so a 166,000-word list loads with a handful of allocations.
+// All words live in one text with an offset per word, and look-ups and groups are chains
+// through the words, so a 166,000-word list loads with a handful of allocations.
 class SpellDictionary
 {
 public:
@@ -75,8 +75,12 @@ private:
 
     QString m_text;                // every word, one after the other
     std::vector<int> m_starts;     // word i is m_text[m_starts[i], m_starts[i + 1])
-    std::vector<int> m_next;       // the next word of the same sound group, -1 at its end
-    std::vector<Chain> m_groups;   // per key code: its sound group
+    // The sound groups, linked on first use: only suggestions need them, so reading the list
+    // spends neither the time nor the memory.
+    const std::vector<Chain> &groups() const;
+
+    mutable std::vector<int> m_next;     // the next word of the same sound group, -1 at its end
+    mutable std::vector<Chain> m_groups; // per key code: its sound group
     std::vector<Chain> m_lookup;   // per key and length (hashed): the words a look-up compares
     std::vector<int> m_lookupNext; // the next word of the same look-up chain
 };
