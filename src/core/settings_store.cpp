@@ -154,6 +154,11 @@ int SettingToInt(const QString &text, bool *ok)
     return result;
 }
 
+QString SettingFromBool(bool on)
+{
+    return on ? QStringLiteral("1") : QStringLiteral("0");
+}
+
 bool SettingToBool(const QString &text, bool *ok)
 {
     const QString t = text.trimmed();

@@ -46,6 +46,8 @@ bool ReadBoolDetail(const QString &window, const QString &valueName, bool defaul
 // nothing; `ok` says whether they converted.
 int SettingToInt(const QString &text, bool *ok);
 bool SettingToBool(const QString &text, bool *ok);
+// How a switch is stored: "1" or "0".
+QString SettingFromBool(bool on);
 
 // Removes leading and trailing blanks (spaces) as every read does; tabs and line breaks stay.
 QString TrimBlanks(const QString &text);

@@ -272,22 +272,6 @@ bool SpellDictionary::load(const QString &path, QString *error)
     return true;
 }
 
-void SpellDictionary::loadBytes(const QByteArray &bytes)
-{
-    QStringDecoder utf8(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless);
-    LineJoiner lines([&](QByteArrayView line) {
-        QString decoded = utf8.decode(line);
-        if (utf8.hasError()) {
-            utf8.resetState();
-            decoded = QString::fromLatin1(line.data(), line.size());
-        }
-        insert(decoded);
-    });
-    for (qsizetype at = 0; at < bytes.size(); at += kPieceSize)
-        lines.feed(QByteArrayView(bytes).sliced(at, qMin(kPieceSize, bytes.size() - at)));
-    lines.finish();
-}
-
 bool SpellDictionary::contains(QStringView word) const
 {
     const int bucket = LookupBucket(KeyCode(word), word.size());
@@ -296,11 +280,6 @@ bool SpellDictionary::contains(QStringView word) const
             return true;
     }
     return false;
-}
-
-bool SpellDictionary::hasGroup(QStringView word) const
-{
-    return groups()[size_t(KeyCode(word))].first >= 0;
 }
 
 QStringList SpellDictionary::group(QStringView word) const

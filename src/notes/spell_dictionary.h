@@ -28,8 +28,6 @@ public:
     // bytes are, else Latin-1 (older lists are 8-bit). False, with the reason, when the file
     // cannot be read; the words read before a read error stay.
     bool load(const QString &path, QString *error = nullptr);
-    // The same from bytes in memory (the file's content).
-    void loadBytes(const QByteArray &bytes);
 
     // Files `word` under its key, after the words already there (duplicates allowed: loading).
     void insert(QStringView word);
@@ -40,7 +38,6 @@ public:
     // word with the same capital, in any case after it; any other entry ("apple") matches its
     // own spelling and the word with its first letter capitalised or all capitals.
     bool contains(QStringView word) const;
-    bool hasGroup(QStringView word) const;
     // The words filed under the key of `word`, in order.
     QStringList group(QStringView word) const;
 

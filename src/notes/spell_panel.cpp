@@ -135,11 +135,6 @@ void SpellPanel::setWordButtonsEnabled(bool enabled)
         w->setEnabled(enabled);
 }
 
-QString SpellPanel::replacement() const
-{
-    return m_replacement->text();
-}
-
 void SpellPanel::focusSuggestions()
 {
     if (m_realSuggestions)

@@ -20,8 +20,6 @@ public:
     void showWord(const QString &word, const QStringList &suggestions);
     // No word to act on: `text` says why (finished, not started, loading).
     void showMessage(const QString &text);
-    // The replacement box, which follows the chosen suggestion and may be typed in.
-    QString replacement() const;
     void focusSuggestions();
 
 signals:

@@ -12,10 +12,6 @@ const QString kCapitals = QStringLiteral("Spell Capitals Check");
 const QString kCharacters = QStringLiteral("Spell Characters Check");
 const QString kLoadOnFirst = QStringLiteral("Spell Check Load on First");
 
-QString Flag(bool on)
-{
-    return on ? QStringLiteral("1") : QStringLiteral("0");
-}
 
 } // namespace
 
@@ -49,8 +45,8 @@ void SpellSettings::save() const
 {
     const QString window = QLatin1String(kNotesWindowName);
     WriteDetail(window, kLanguage, language);
-    WriteDetail(window, kNumbers, Flag(skip.numbers));
-    WriteDetail(window, kCapitals, Flag(skip.capitals));
-    WriteDetail(window, kCharacters, Flag(skip.characters));
-    WriteDetail(window, kLoadOnFirst, Flag(loadOnFirst));
+    WriteDetail(window, kNumbers, SettingFromBool(skip.numbers));
+    WriteDetail(window, kCapitals, SettingFromBool(skip.capitals));
+    WriteDetail(window, kCharacters, SettingFromBool(skip.characters));
+    WriteDetail(window, kLoadOnFirst, SettingFromBool(loadOnFirst));
 }

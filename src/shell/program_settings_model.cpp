@@ -31,10 +31,6 @@ bool readSwitch(const QString &window, const QString &name, bool defaultOn)
     return ReadIntDetail(window, name, defaultOn ? 1 : 0) == 1;
 }
 
-QString switchText(bool on)
-{
-    return on ? QStringLiteral("1") : QStringLiteral("0");
-}
 
 } // namespace
 
@@ -81,13 +77,13 @@ ProgramSettingsModel::Values ProgramSettingsModel::withDefaultChecks(const Value
 void ProgramSettingsModel::save(const Values &v, const Writer &writer)
 {
     const Writer write = writer ? writer : Writer(&WriteDetail);
-    write(kSettings, QStringLiteral("Program Minimize on Close"), switchText(v.minimizeOnClose));
-    write(kSettings, QStringLiteral("Program Minimize on Start"), switchText(v.minimizeOnStart));
-    write(kSettings, QStringLiteral("Window Minimize"), switchText(v.windowMinimize));
-    write(kSettings, QStringLiteral("Program Launch"), switchText(v.launchWithSystem));
-    write(kSettings, QStringLiteral("On-Top"), switchText(v.onTop));
+    write(kSettings, QStringLiteral("Program Minimize on Close"), SettingFromBool(v.minimizeOnClose));
+    write(kSettings, QStringLiteral("Program Minimize on Start"), SettingFromBool(v.minimizeOnStart));
+    write(kSettings, QStringLiteral("Window Minimize"), SettingFromBool(v.windowMinimize));
+    write(kSettings, QStringLiteral("Program Launch"), SettingFromBool(v.launchWithSystem));
+    write(kSettings, QStringLiteral("On-Top"), SettingFromBool(v.onTop));
     write(kWebcam, QStringLiteral("Timer-Interval"), v.timerInterval);
-    write(kWebcam, QStringLiteral("Play-Last"), switchText(v.playLast));
+    write(kWebcam, QStringLiteral("Play-Last"), SettingFromBool(v.playLast));
     setWebcamIntervalSeconds(intervalSeconds(v.timerInterval));
     // The entry follows the stored preference, as it does at every later OK.
     Autostart::apply(ReadIntDetail(kSettings, QStringLiteral("Program Launch"), 1) == 1);
@@ -95,7 +91,7 @@ void ProgramSettingsModel::save(const Values &v, const Writer &writer)
 
 void ProgramSettingsModel::setLaunchWithSystem(bool on)
 {
-    WriteDetail(kSettings, QStringLiteral("Program Launch"), switchText(on));
+    WriteDetail(kSettings, QStringLiteral("Program Launch"), SettingFromBool(on));
     Autostart::apply(on);
 }
 

@@ -10,10 +10,6 @@ const QString kHour24 = QStringLiteral("Style-24Hour");
 const QString kDateDefault = QStringLiteral("date-default");
 const QString kDateCustom = QStringLiteral("date-default-custom");
 
-QString flag(bool on)
-{
-    return on ? QStringLiteral("1") : QStringLiteral("0");
-}
 } // namespace
 
 ClockSettings ClockSettings::load()
@@ -33,10 +29,10 @@ ClockSettings ClockSettings::load()
 void ClockSettings::save() const
 {
     const QString window = windowName();
-    WriteDetail(window, kModern, flag(modern));
-    WriteDetail(window, kSecsShow, flag(secsShow));
-    WriteDetail(window, kAmpmShow, flag(ampmShow));
-    WriteDetail(window, kHour24, flag(hour24));
+    WriteDetail(window, kModern, SettingFromBool(modern));
+    WriteDetail(window, kSecsShow, SettingFromBool(secsShow));
+    WriteDetail(window, kAmpmShow, SettingFromBool(ampmShow));
+    WriteDetail(window, kHour24, SettingFromBool(hour24));
     WriteDetail(window, kDateDefault, dateDefault ? QStringLiteral("True") : QStringLiteral("False"));
     WriteDetail(window, kDateCustom, dateCustom);
 }

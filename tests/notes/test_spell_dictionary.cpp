@@ -179,13 +179,9 @@ void TestSpellDictionary::readsLines()
     QTemporaryDir folder;
     SpellDictionary fromFile;
     QVERIFY(fromFile.load(writeList(folder, bytes)));
-    SpellDictionary fromBytes;
-    fromBytes.loadBytes(bytes);
-    for (const SpellDictionary *dictionary : {&fromFile, &fromBytes}) {
-        QCOMPARE(dictionary->wordCount(), words.size());
-        for (const QString &word : words)
-            QVERIFY2(dictionary->group(word).contains(word), qPrintable(word));
-    }
+    QCOMPARE(fromFile.wordCount(), words.size());
+    for (const QString &word : words)
+        QVERIFY2(fromFile.group(word).contains(word), qPrintable(word));
 }
 
 void TestSpellDictionary::linesAcrossPieceBoundaries_data()
