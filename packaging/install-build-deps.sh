@@ -13,6 +13,7 @@ packages=(
   libgl1-mesa-dev libxkbcommon-dev
   qt6-qpa-plugins qt6-image-formats-plugins
   fonts-dejavu-core
+  poppler-utils
   tzdata
 )
 

@@ -13,6 +13,9 @@
 #include "notes/notes_settings.h"
 #include "notes/notes_settings_dialog.h"
 #include "notes/page_box.h"
+#include "notes/panel_style.h"
+#include "notes/print_engine.h"
+#include "notes/print_preview_window.h"
 #include "notes/picture_panel.h"
 #include "notes/recovery_store.h"
 #include "notes/spell_checker.h"
@@ -662,7 +665,14 @@ void NotesEditor::refreshStatistics()
 
 void NotesEditor::DocumentPrint()
 {
-    showNotReady(tr("The print preview"));
+    NoteDocument *document = activeDocument();
+    if (!document)
+        return;
+    // The preview keeps the editor waiting, so the document cannot change under its pages.
+    auto *preview = new PrintPreviewWindow(PrintEngine::shared(), document->document(), document->caption(), this);
+    preview->setAttribute(Qt::WA_DeleteOnClose);
+    preview->setWindowModality(Qt::WindowModal);
+    preview->show();
 }
 
 void NotesEditor::buildSpellPanel()
@@ -732,12 +742,6 @@ void NotesEditor::saveDictionary()
                       "Vantora ends, and another try is made when it does.")
                        .arg(error),
                    true, this);
-}
-
-void NotesEditor::showNotReady(const QString &feature)
-{
-    ShowNotice(tr("Not Ready Yet"), tr("%1 is not ready yet. It comes in a later version of Vantora.").arg(feature),
-               false, this);
 }
 
 void NotesEditor::WindowsListPopup()
@@ -849,27 +853,7 @@ void NotesEditor::applyPanelStyle()
     f.setBold(true);
     m_title->setFont(f);
     m_title->adjustSize();
-    // Tool buttons and tabs on the painted panel: flat, tinted with the panel's text colour
-    // under the mouse and when switched on, so they read on light and dark themes alike. The
-    // chosen tab takes the page's own colours, so it reads as the front of that page.
-    const auto tint = [&text](int alpha) {
-        return QColor(text.red(), text.green(), text.blue(), alpha).name(QColor::HexArgb);
-    };
-    const QPalette pagePalette = palette();
-    const QString style =
-        QStringLiteral("QToolButton { color: %1; border: 1px solid transparent; border-radius: 3px; padding: 2px 5px; }"
-                       "QToolButton:hover { border-color: %2; background: %3; }"
-                       "QToolButton:checked { background: %4; border-color: %2; }"
-                       "QToolButton:disabled { color: %5; }"
-                       "QToolButton::menu-button { border: none; background: transparent; width: 14px; }"
-                       "QTabBar::tab { color: %1; background: %3; border: 1px solid %2; border-bottom: none;"
-                       "  border-top-left-radius: 4px; border-top-right-radius: 4px; padding: 3px 8px; margin-right: 2px; }"
-                       "QTabBar::tab:hover { background: %4; }"
-                       "QTabBar::tab:selected { color: %6; background: %7; }"
-                       "QTabWidget::pane { border: none; }")
-            .arg(text.name(), tint(110), tint(40), tint(70), tint(120), pagePalette.color(QPalette::Text).name(),
-                 pagePalette.color(QPalette::Base).name());
-    panel()->setStyleSheet(style);
+    panel()->setStyleSheet(PanelToolStyleSheet(text, palette()));
 }
 
 void NotesEditor::relayout()

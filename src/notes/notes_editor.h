@@ -124,7 +124,6 @@ private:
     void openFiles(const QStringList &paths);
     void addRecentFile(const QString &path);
     void fillRecentMenu();
-    void showNotReady(const QString &feature);
     void applyPanelStyle();
     void buildSpellPanel();
     void showUnknownWord(const QString &word, const QStringList &suggestions);

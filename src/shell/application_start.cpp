@@ -6,6 +6,7 @@
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
 #include "notes/notes_editor.h"
+#include "notes/print_engine.h"
 #include "notes/spell_checker.h"
 #include "shell/builtin_widgets.h"
 #include "shell/dashboard_window.h"
@@ -101,9 +102,10 @@ void ApplicationStart::prepareValues()
     const ProgramSettingsModel::Values settings = ProgramSettingsModel::load();
     ProgramSettingsModel::setWebcamIntervalSeconds(
         ProgramSettingsModel::intervalSeconds(settings.timerInterval));
-    // The spell checker serves the whole run; making it reads only its settings (the word
-    // list waits for the editor).
+    // The spell checker and the print engine serve the whole run; making them reads only
+    // their settings (the word list waits for the editor, the printers for a preview).
     SpellChecker::shared();
+    PrintEngine::shared();
 }
 
 void ApplicationStart::prepareData()
