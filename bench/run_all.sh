@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=${1:-build}
-cmake --build "$build" --target startup_bench paint_bench notes_file_bench spell_bench spell_list vantora
+cmake --build "$build" --target startup_bench paint_bench notes_file_bench spell_bench spell_list print_bench vantora
 
 echo "== Start-up: time to the first window and resident memory (fresh VANTORA_HOME) =="
 QT_QPA_PLATFORM=offscreen "$build/bin/startup_bench" 9
@@ -20,6 +20,10 @@ QT_QPA_PLATFORM=offscreen "$build/bin/notes_file_bench"
 echo
 echo "== Spell checker: word list, listing a 1 MB text against hunspell, typing in 100 pages =="
 "$(dirname "$0")/spell_vs_hunspell.sh" "$build"
+
+echo
+echo "== Printing a 200-page note to PDF: layout, PDF writing, peak memory =="
+QT_QPA_PLATFORM=offscreen "$build/bin/print_bench"
 
 echo
 echo "== Idle cost of the clock, stopwatch and timer under Xvfb (60 s) =="
