@@ -169,6 +169,13 @@ void PrintEngine::PrintPreview(const QTextDocument *document, const QString &fil
     showPage(0);
 }
 
+void PrintEngine::endPreview()
+{
+    m_layout.clear();
+    m_document = nullptr;
+    m_page = 0;
+}
+
 void PrintEngine::ReviewRefresh()
 {
     if (!m_document)

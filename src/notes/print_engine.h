@@ -55,6 +55,9 @@ public:
 
     // Lays `document` out and shows its first page. `fileName` goes into the foot.
     void PrintPreview(const QTextDocument *document, const QString &fileName);
+    // Lets go of the document and its pages when the preview closes; a long document's copy
+    // would otherwise stay in memory for the rest of the run.
+    void endPreview();
     // Lays the document out again after a setting changed, staying on the page that shows
     // the text the current page began with.
     void ReviewRefresh();

@@ -105,6 +105,12 @@ void PrintLayout::layOut(const QTextDocument &document, const PrintSettings &set
     m_pages = BreakIntoPages(lines, m_text.height(), m_document->characterCount() - 1);
 }
 
+void PrintLayout::clear()
+{
+    m_document.reset();
+    m_pages.clear();
+}
+
 void PrintLayout::placeAreas(const PrintSettings &settings, const QMarginsF &printerEdgeMm)
 {
     m_pageLayout = QPageLayout(PageSizeOfPaper(settings.paperCode, settings.userPaperMm()), settings.orientation,

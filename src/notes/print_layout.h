@@ -46,6 +46,9 @@ public:
     // the text area are shown smaller, in proportion, so each fits on a page.
     void layOut(const QTextDocument &document, const PrintSettings &settings, const Context &context);
 
+    // Lets the copy of the document go; there are no pages until the next layOut().
+    void clear();
+
     int pageCount() const { return int(m_pages.size()); }
     const QList<PageSlice> &pages() const { return m_pages; }
     // The page showing character `position` (the last page for anything beyond).

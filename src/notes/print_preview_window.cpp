@@ -278,5 +278,6 @@ void PrintPreviewWindow::done(int result)
 {
     m_engine->setSettings(m_setup->settings());
     m_engine->saveSettings();
+    m_engine->endPreview();
     ThemedDialog::done(result);
 }
