@@ -2,6 +2,7 @@
 
 #include "notes/line_spacing.h"
 #include "notes/note_document.h"
+#include "notes/notes_settings.h"
 #include "notes/page_box.h"
 #include "notes/text_formatting.h"
 
@@ -331,7 +332,7 @@ void FormatBar::applyFontSize()
         return;
     bool ok = false;
     const double size = m_fontSize->currentText().trimmed().replace(QLatin1Char(','), QLatin1Char('.')).toDouble(&ok);
-    if (!ok || size < 1 || size > 1638) {
+    if (!ok || size < NewDocumentSettings::kSmallestFontSize || size > NewDocumentSettings::kLargestFontSize) {
         TextStyleCheck(); // back to the selection's size
         return;
     }

@@ -15,9 +15,6 @@ const QString kFontColor = QStringLiteral("Font Color");
 const QString kTextFolder = QStringLiteral("Text-Folder-Loc");
 const QString kPictureFolder = QStringLiteral("Picture-Folder-Loc");
 
-// Point sizes a document can sensibly start with; anything else is damage.
-constexpr int kSmallestFontSize = 1;
-constexpr int kLargestFontSize = 1638;
 
 QString FolderOrDefault(const QString &valueName)
 {

@@ -15,6 +15,9 @@ struct NewDocumentSettings
     OleColor fontColor = kDefaultFontColor;
 
     static constexpr OleColor kDefaultFontColor = 0x80000008u; // system colour 8, window text
+    // Point sizes text can take; anything else in the settings is damage.
+    static constexpr int kSmallestFontSize = 1;
+    static constexpr int kLargestFontSize = 1638;
 
     bool isRichText() const;
     // The colour to paint with: a system colour resolved against the application palette.

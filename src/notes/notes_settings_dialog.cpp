@@ -20,9 +20,8 @@
 
 namespace {
 
-// The sizes a new document may start with, as the settings accept them.
-constexpr int kSmallestSize = 1;
-constexpr int kLargestSize = 1638;
+constexpr int kSmallestSize = NewDocumentSettings::kSmallestFontSize;
+constexpr int kLargestSize = NewDocumentSettings::kLargestFontSize;
 constexpr int kDefaultSize = 12;
 // The sample stays readable and the dialog its size whatever the chosen size.
 constexpr int kLargestSampleSize = 36;

@@ -101,28 +101,29 @@ void PrintEngine::setPrintersForTesting(std::optional<QStringList> names)
     g_testPrinters = std::move(names);
 }
 
-QStringList PrintEngine::printerNames() const
-{
-    if (g_testPrinters)
-        return *g_testPrinters;
-    return QPrinterInfo::availablePrinterNames();
-}
-
 bool PrintEngine::PrinterAvailableCheck() const
 {
-    return !printerNames().isEmpty();
+    if (g_testPrinters)
+        return !g_testPrinters->isEmpty();
+    return !QPrinterInfo::availablePrinterNames().isEmpty();
 }
 
-QStringList PrintEngine::printerEntries() const
+QList<PrintEngine::PrinterChoice> PrintEngine::printers() const
 {
-    QStringList entries;
-    for (const QString &name : printerNames()) {
-        // Printers here have no port as such; where the printer says where it is, that is
-        // its port, else it is reached through this computer's print queue.
-        const QString location = g_testPrinters ? QString() : QPrinterInfo::printerInfo(name).location();
-        entries << name + QStringLiteral(" On ") + (location.isEmpty() ? tr("this computer") : location);
+    // Printers here have no port as such; where the printer says where it is, that is its
+    // port, else it is reached through this computer's print queue.
+    const auto caption = [](const QString &name, const QString &location) {
+        return name + QStringLiteral(" On ") + (location.isEmpty() ? tr("this computer") : location);
+    };
+    QList<PrinterChoice> choices;
+    if (g_testPrinters) {
+        for (const QString &name : *g_testPrinters)
+            choices.append({name, caption(name, QString())});
+        return choices;
     }
-    return entries;
+    for (const QPrinterInfo &printer : QPrinterInfo::availablePrinters())
+        choices.append({printer.printerName(), caption(printer.printerName(), printer.location())});
+    return choices;
 }
 
 void PrintEngine::setPrinterName(const QString &name)
@@ -161,9 +162,10 @@ void PrintEngine::PrintPreview(const QTextDocument *document, const QString &fil
     m_document = document;
     m_fileName = fileName;
     m_page = 0;
-    if (m_printerName.isEmpty() && PrinterAvailableCheck()) {
-        const QString preferred = g_testPrinters ? QString() : QPrinterInfo::defaultPrinterName();
-        m_printerName = preferred.isEmpty() ? printerNames().value(0) : preferred;
+    if (m_printerName.isEmpty()) {
+        m_printerName = g_testPrinters ? g_testPrinters->value(0) : QPrinterInfo::defaultPrinterName();
+        if (m_printerName.isEmpty() && !g_testPrinters)
+            m_printerName = QPrinterInfo::availablePrinterNames().value(0);
     }
     ReviewRefresh();
     showPage(0);

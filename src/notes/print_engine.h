@@ -46,9 +46,14 @@ public:
 
     // Whether any printer is installed.
     bool PrinterAvailableCheck() const;
-    // The installed printers as the list shows them: "name On port".
-    QStringList printerEntries() const;
-    QStringList printerNames() const;
+    // An installed printer, and how the list shows it: "name On port".
+    struct PrinterChoice
+    {
+        QString name;
+        QString caption;
+    };
+    // The installed printers, asked of the system once per call.
+    QList<PrinterChoice> printers() const;
     // The printer the pages are laid out for and printed on; empty for none.
     QString printerName() const { return m_printerName; }
     void setPrinterName(const QString &name);

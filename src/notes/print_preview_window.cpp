@@ -53,7 +53,6 @@ PrintPreviewWindow::PrintPreviewWindow(PrintEngine *engine, const QTextDocument 
     m_setup = new PrintSetupTabs(engine->settings());
     m_setup->setMinimumWidth(300);
     m_setup->setDocumentMode(true);
-    m_setup->setPrinters(engine->printerEntries(), engine->printerNames(), engine->printerName());
 
     auto *split = new QSplitter;
     split->addWidget(m_scroll);
@@ -96,7 +95,9 @@ PrintPreviewWindow::PrintPreviewWindow(PrintEngine *engine, const QTextDocument 
     const QSize available = parent && parent->screen() ? parent->screen()->availableSize() : kPreferredSize;
     resize(kPreferredSize.boundedTo(available * 0.92));
     showZoom(engine->zoom());
+    // The preview settles which printer the pages are for; the list then shows it chosen.
     engine->PrintPreview(document, fileName);
+    m_setup->setPrinters(engine->printers(), engine->printerName());
 }
 
 PrintPreviewWindow::~PrintPreviewWindow() = default;

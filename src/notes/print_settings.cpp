@@ -40,16 +40,15 @@ void writeCheck(const QString &name, bool on)
     WriteDetail(kWindow, name, on ? QStringLiteral("1") : QStringLiteral("0"));
 }
 
-QString decimalText(double value)
+} // namespace
+
+QString DecimalText(double value)
 {
-    // "2.5", "0.0": a full stop whatever the locale, one decimal at least.
     QString text = QString::number(value, 'f', 2);
     while (text.endsWith(QLatin1Char('0')) && !text.endsWith(QLatin1String(".0")))
         text.chop(1);
     return text;
 }
-
-} // namespace
 
 QString NormaliseDecimalPoint(const QString &text)
 {
@@ -114,12 +113,12 @@ PrintSettings PrintSettings::load()
 void PrintSettings::save() const
 {
     WriteDetail(kWindow, kPaper, QString::number(paperCode));
-    WriteDetail(kWindow, kUserWidth, decimalText(userPaperCm.width()));
-    WriteDetail(kWindow, kUserHeight, decimalText(userPaperCm.height()));
+    WriteDetail(kWindow, kUserWidth, DecimalText(userPaperCm.width()));
+    WriteDetail(kWindow, kUserHeight, DecimalText(userPaperCm.height()));
     WriteDetail(kWindow, kOrientation,
                 QLatin1String(orientation == QPageLayout::Landscape ? kLandscape : kPortrait));
     for (int i = 0; i < 4; ++i)
-        WriteDetail(kWindow, kMargin.arg(i), decimalText(marginCm[i]));
+        WriteDetail(kWindow, kMargin.arg(i), DecimalText(marginCm[i]));
     writeCheck(kLock, sameMargins);
     writeCheck(kTitle, title);
     writeCheck(kHeadLine, headLine);

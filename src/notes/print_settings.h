@@ -60,5 +60,8 @@ inline constexpr char kLandscape[] = "LANDSCAPE";
 // A typed decimal number with a full stop as its decimal point: "2,5" and " 2.5 " give "2.5".
 // Text that is no number comes back trimmed but otherwise as it was.
 QString NormaliseDecimalPoint(const QString &text);
+// How a decimal number is stored and shown: a full stop whatever the locale, at least one
+// decimal ("2.5", "0.0").
+QString DecimalText(double value);
 // The number in `text` (either decimal point), or `fallback` when there is none.
 double ParseDecimal(const QString &text, double fallback, bool *ok = nullptr);

@@ -23,11 +23,6 @@ const char *const kSideNames[4] = {QT_TRANSLATE_NOOP("PrintSetupTabs", "&Left:")
                                     QT_TRANSLATE_NOOP("PrintSetupTabs", "&Right:"),
                                     QT_TRANSLATE_NOOP("PrintSetupTabs", "&Bottom:")};
 
-QString decimalText(double value)
-{
-    return QString::number(value, 'g', 4);
-}
-
 QLabel *noteLabel(const QString &text)
 {
     auto *label = new QLabel(text);
@@ -62,7 +57,7 @@ QWidget *PrintSetupTabs::buildPaperPage()
     m_printer->setObjectName(QStringLiteral("cboPRINTER"));
     m_printer->setToolTip(tr("The printer the pages are laid out for and printed on"));
     connect(m_printer, &QComboBox::activated, this,
-            [this](int index) { emit printerChosen(m_printerNames.value(index)); });
+            [this](int index) { emit printerChosen(m_printers.value(index).name); });
     form->addRow(tr("P&rinter:"), m_printer);
 
     m_paper = new QComboBox;
@@ -77,8 +72,8 @@ QWidget *PrintSetupTabs::buildPaperPage()
 
     m_paperWidth = addDecimalField(QStringLiteral("txtPAPERWIDTH"), tr("The width of a user-defined paper, in centimetres"));
     m_paperHeight = addDecimalField(QStringLiteral("txtPAPERHEIGHT"), tr("The height of a user-defined paper, in centimetres"));
-    m_paperWidth->setText(decimalText(m_settings.userPaperCm.width()));
-    m_paperHeight->setText(decimalText(m_settings.userPaperCm.height()));
+    m_paperWidth->setText(DecimalText(m_settings.userPaperCm.width()));
+    m_paperHeight->setText(DecimalText(m_settings.userPaperCm.height()));
     connect(m_paperWidth, &QLineEdit::textEdited, this, &PrintSetupTabs::paperSizeTyped);
     connect(m_paperHeight, &QLineEdit::textEdited, this, &PrintSetupTabs::paperSizeTyped);
     auto *size = new QHBoxLayout;
@@ -117,7 +112,7 @@ QWidget *PrintSetupTabs::buildMarginsPage()
     auto *form = new QFormLayout;
     for (int side = 0; side < 4; ++side) {
         m_margins[side] = addDecimalField(QStringLiteral("txtMARGIN_%1").arg(side), tr("The margin in centimetres"));
-        m_margins[side]->setText(decimalText(m_settings.marginCm[side]));
+        m_margins[side]->setText(DecimalText(m_settings.marginCm[side]));
         connect(m_margins[side], &QLineEdit::textEdited, this, [this, side] { marginTyped(side); });
         auto *row = new QHBoxLayout;
         row->addWidget(m_margins[side]);
@@ -179,10 +174,9 @@ QWidget *PrintSetupTabs::buildHeadFootPage()
         auto *field = new QLineEdit(m_settings.*value);
         field->setObjectName(name);
         field->setMaxLength(kLongestSetting);
-        connect(field, &QLineEdit::textEdited, this, [this, value](const QString &text) {
-            m_settings.*value = text;
-            emit settingsChanged();
-        });
+        // Kept with the page setup; printing reads its own title and fields, so the pages
+        // need not be laid out again.
+        connect(field, &QLineEdit::textEdited, this, [this, value](const QString &text) { m_settings.*value = text; });
         texts->addRow(caption, field);
     };
     addText(QStringLiteral("txtTITLE"), tr("Title &text:"), &PrintSettings::pageTitle);
@@ -220,15 +214,14 @@ QLineEdit *PrintSetupTabs::addDecimalField(const QString &name, const QString &t
 
 void PrintSetupTabs::tidyDecimalField(QLineEdit *field)
 {
-    field->setText(PrintEngine::MathDecimalPointSet(field->text()));
     for (int side = 0; side < 4; ++side) {
         if (field == m_margins[side])
-            field->setText(decimalText(m_settings.marginCm[side]));
+            field->setText(DecimalText(m_settings.marginCm[side]));
     }
     if (field == m_paperWidth)
-        field->setText(decimalText(m_settings.userPaperCm.width()));
+        field->setText(DecimalText(m_settings.userPaperCm.width()));
     if (field == m_paperHeight)
-        field->setText(decimalText(m_settings.userPaperCm.height()));
+        field->setText(DecimalText(m_settings.userPaperCm.height()));
 }
 
 void PrintSetupTabs::paperChosen(int index)
@@ -263,23 +256,26 @@ void PrintSetupTabs::marginTyped(int side)
         if (other == side || m_settings.sameMargins) {
             m_settings.marginCm[other] = margin;
             if (other != side)
-                m_margins[other]->setText(decimalText(margin));
+                m_margins[other]->setText(DecimalText(margin));
         }
     }
     emit settingsChanged();
 }
 
-void PrintSetupTabs::setPrinters(const QStringList &entries, const QStringList &names, const QString &chosen)
+void PrintSetupTabs::setPrinters(const QList<PrintEngine::PrinterChoice> &printers, const QString &chosen)
 {
     m_printer->clear();
-    m_printerNames = names;
-    if (entries.isEmpty()) {
+    m_printers = printers;
+    if (printers.isEmpty()) {
         m_printer->addItem(tr("No printer installed"));
         m_printer->setEnabled(false);
         return;
     }
-    m_printer->addItems(entries);
-    m_printer->setCurrentIndex(std::max(0, int(names.indexOf(chosen))));
+    for (const PrintEngine::PrinterChoice &printer : printers) {
+        m_printer->addItem(printer.caption);
+        if (printer.name == chosen)
+            m_printer->setCurrentIndex(m_printer->count() - 1);
+    }
     m_printer->setEnabled(true);
 }
 

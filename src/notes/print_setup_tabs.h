@@ -1,5 +1,6 @@
 #pragma once
 
+#include "notes/print_engine.h"
 #include "notes/print_settings.h"
 
 #include <QTabWidget>
@@ -20,8 +21,8 @@ public:
     explicit PrintSetupTabs(const PrintSettings &settings, QWidget *parent = nullptr);
 
     const PrintSettings &settings() const { return m_settings; }
-    // The printers as "name On port" with their names; the chosen one is selected.
-    void setPrinters(const QStringList &entries, const QStringList &names, const QString &chosen);
+    // The printers to choose from; `chosen` (a printer's name) is selected.
+    void setPrinters(const QList<PrintEngine::PrinterChoice> &printers, const QString &chosen);
     // Shows that the margins were narrowed to leave room for the text.
     void showMarginsReduced(bool reduced);
 
@@ -38,6 +39,7 @@ private:
     void paperChosen(int index);
     void paperSizeTyped();
     void marginTyped(int side);
+    // Shows the value a decimal field stands for, as the settings keep it.
     void tidyDecimalField(QLineEdit *field);
 
     PrintSettings m_settings;
@@ -50,5 +52,5 @@ private:
     QLineEdit *m_margins[4];
     QCheckBox *m_lock;
     QLabel *m_reduced;
-    QStringList m_printerNames;
+    QList<PrintEngine::PrinterChoice> m_printers;
 };
