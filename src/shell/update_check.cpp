@@ -6,27 +6,16 @@
 
 #include <QDesktopServices>
 #include <QLocale>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 
 #include <cmath>
 
-namespace {
-
-constexpr qint64 kMaxVersionFileBytes = 64 * 1024;
-
-QString userAgent()
+UpdateCheck::UpdateCheck(QObject *parent)
+    : QObject(parent), m_downloader(new WebDownloader(WebDownloader::VersionFileLimit, this))
 {
-    return QStringLiteral("Vantora/%1.%2.%3")
-        .arg(VANTORA_VERSION_MAJOR)
-        .arg(VANTORA_VERSION_MINOR)
-        .arg(VANTORA_VERSION_PATCH);
+    connect(m_downloader, &WebDownloader::DownloadComplete, this, &UpdateCheck::onComplete);
+    // No network, no site, a missing or oversized file: no newer version, and no word of it.
+    connect(m_downloader, &WebDownloader::DownloadFailed, this, [this] { emit finished(false); });
 }
-
-} // namespace
-
-UpdateCheck::UpdateCheck(QObject *parent) : QObject(parent) {}
 
 bool UpdateCheck::isEnabled()
 {
@@ -91,30 +80,16 @@ bool UpdateCheck::isNewer(double remote, double current)
 void UpdateCheck::start(bool manual)
 {
     const QUrl url = m_testUrl.isValid() ? m_testUrl : versionFileUrl();
-    if (!url.isValid() || m_reply)
+    if (!url.isValid() || isRunning())
         return;
-    if (!m_network)
-        m_network = new QNetworkAccessManager(this);
     m_manual = manual;
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::UserAgentHeader, userAgent());
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    m_reply = m_network->get(request);
-    // A version file is a few bytes; anything much larger is not one.
-    connect(m_reply, &QNetworkReply::downloadProgress, this, [this](qint64 received, qint64 total) {
-        if (m_reply && (received > kMaxVersionFileBytes || total > kMaxVersionFileBytes))
-            m_reply->abort();
-    });
-    connect(m_reply, &QNetworkReply::finished, this, &UpdateCheck::onFinished);
+    m_downloader->DownloadStart(url.toString(QUrl::FullyEncoded));
 }
 
-void UpdateCheck::onFinished()
+void UpdateCheck::onComplete()
 {
-    QNetworkReply *reply = m_reply;
-    m_reply = nullptr;
-    reply->deleteLater();
-    const QByteArray body = reply->error() == QNetworkReply::NoError ? reply->readAll() : QByteArray();
-    if (body.isEmpty() || body.size() > kMaxVersionFileBytes) {
+    const QByteArray body = m_downloader->DataBytes();
+    if (body.isEmpty()) {
         emit finished(false);
         return;
     }

@@ -1,12 +1,10 @@
 #pragma once
 
-#include <QNetworkReply>
+#include "core/web_downloader.h"
+
 #include <QObject>
-#include <QPointer>
 #include <QUrl>
 #include <optional>
-
-class QNetworkAccessManager;
 
 // Compares the running version with a small version file on the program's web site. The site
 // address is a build option (VANTORA_WEBSITE); while it is empty the check is off and the menu
@@ -37,7 +35,7 @@ public:
     // Starts a check. Automatic checks (manual false) stay quiet unless a newer version exists;
     // manual ones also say when there is none. Does nothing while the check is off or running.
     void start(bool manual);
-    bool isRunning() const { return m_reply != nullptr; }
+    bool isRunning() const { return m_downloader->StatusBusy(); }
 
     // Tests only: fetch from this address instead of the site's version file.
     void setVersionFileUrlForTesting(const QUrl &url) { m_testUrl = url; }
@@ -47,11 +45,10 @@ signals:
     void finished(bool newerFound);
 
 private:
-    void onFinished();
+    void onComplete();
     void report(const QByteArray &body);
 
-    QNetworkAccessManager *m_network = nullptr;
-    QPointer<QNetworkReply> m_reply;
+    WebDownloader *m_downloader;
     bool m_manual = false;
     QUrl m_testUrl;
 };

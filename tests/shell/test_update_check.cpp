@@ -1,47 +1,11 @@
 #include "shell/update_check.h"
+#include "support/local_http_server.h"
 #include "support/test_home.h"
 #include "themes/message_box.h"
 
 #include <QFile>
 #include <QSignalSpy>
-#include <QTcpServer>
-#include <QTcpSocket>
 #include <QTest>
-
-namespace {
-
-// Answers every request on 127.0.0.1 with one fixed body.
-class OneFileServer : public QTcpServer
-{
-public:
-    explicit OneFileServer(const QByteArray &body) : m_body(body)
-    {
-        connect(this, &QTcpServer::newConnection, this, &OneFileServer::answer);
-        listen(QHostAddress::LocalHost);
-    }
-    QUrl url() const { return QUrl(QStringLiteral("http://127.0.0.1:%1/version.txt").arg(serverPort())); }
-
-private:
-    void answer()
-    {
-        QTcpSocket *socket = nextPendingConnection();
-        connect(socket, &QTcpSocket::readyRead, socket, [this, socket] {
-            m_request += socket->readAll();
-            if (!m_request.contains("\r\n\r\n"))
-                return;
-            socket->write(
-                "HTTP/1.1 200 OK\r\nContent-Type: text/plain\r\nConnection: close\r\nContent-Length: " +
-                QByteArray::number(m_body.size()) + "\r\n\r\n" + m_body);
-            socket->disconnectFromHost();
-        });
-        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
-    }
-
-    QByteArray m_body;
-    QByteArray m_request;
-};
-
-} // namespace
 
 class TestUpdateCheck : public QObject
 {
@@ -150,6 +114,7 @@ void TestUpdateCheck::checksAgainstServer_data()
     QTest::newRow("older, automatic: quiet") << QByteArray("0.5") << false << QStringList() << false << true;
     QTest::newRow("not a version file") << QByteArray("<html>") << false << QStringList() << false << true;
     QTest::newRow("too large") << QByteArray(70 * 1024, '9') << true << QStringList() << false << false;
+    QTest::newRow("site answers 404") << QByteArray() << true << QStringList() << false << false;
 }
 
 void TestUpdateCheck::checksAgainstServer()
@@ -160,10 +125,12 @@ void TestUpdateCheck::checksAgainstServer()
     QFETCH(bool, newer);
     QFETCH(bool, fileKept);
 
-    OneFileServer server(body);
+    LocalHttpServer server;
     QVERIFY(server.isListening());
+    if (!body.isEmpty())
+        server.setBody("/version.txt", body); // else 404
     UpdateCheck check;
-    check.setVersionFileUrlForTesting(server.url());
+    check.setVersionFileUrlForTesting(server.url("/version.txt"));
     QSignalSpy finished(&check, &UpdateCheck::finished);
     check.start(manual);
     QVERIFY(check.isRunning());
@@ -173,6 +140,8 @@ void TestUpdateCheck::checksAgainstServer()
     QCOMPARE(m_messages, messages);
     QCOMPARE(QFile::exists(UpdateCheck::localVersionFile()), fileKept);
     QVERIFY(!check.isRunning());
+    QCOMPARE(server.requestCount("/version.txt"), 1);
+    QCOMPARE(server.requests().first().headers.value("user-agent"), WebDownloader::userAgent());
 }
 
 QTEST_GUILESS_MAIN(TestUpdateCheck)

@@ -8,6 +8,8 @@ TestHome::TestHome()
     if (!m_dir.isValid())
         qFatal("TestHome: cannot create a temporary folder");
     qputenv("VANTORA_HOME", m_dir.path().toLocal8Bit());
+    // Only this computer's addresses may be read from here on (see core/network_policy.h).
+    qputenv("VANTORA_OFFLINE", "1");
 }
 
 TestHome::~TestHome()

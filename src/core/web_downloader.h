@@ -1,0 +1,89 @@
+#pragma once
+
+#include <QByteArray>
+#include <QElapsedTimer>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+
+class InProcessReply;
+class QNetworkAccessManager;
+class QNetworkReply;
+class QUrl;
+
+// The downloader control ("uctl_WEB"): fetches one address at a time in the background and
+// hands the bytes to the window that hosts it. Every host names its instance "cls_dlmgr1".
+//
+// Reads go through a QNetworkAccessManager of the control's own, or to an in-process host
+// (see in_process_host.h) when the address names one. Completion is delivered on the thread
+// that owns the control (the UI thread). A reply larger than the control's limit is a failure
+// and its bytes are dropped. There is no time limit: a host that wants one watches
+// StatusBusy and Duration from its own timer.
+class WebDownloader : public QObject
+{
+    Q_OBJECT
+    Q_PROPERTY(QByteArray DataBytes READ DataBytes)
+    Q_PROPERTY(int Duration READ Duration)
+    Q_PROPERTY(bool StatusBusy READ StatusBusy)
+public:
+    // Options of DownloadStart: 16 always fetches from the network, never from a cache.
+    static constexpr int ForceFetch = 16;
+
+    // Reply limits of the hosts.
+    static constexpr qint64 WeatherReplyLimit = 1024 * 1024;
+    static constexpr qint64 SnapshotReplyLimit = 20 * 1024 * 1024;
+    static constexpr qint64 VersionFileLimit = 64 * 1024;
+
+    explicit WebDownloader(qint64 replyLimit, QObject *parent = nullptr);
+    ~WebDownloader() override;
+
+    // Nothing happens for an empty address. Otherwise a running read is cancelled first, the
+    // duration goes to 0 and a new read starts under a new request key.
+    void DownloadStart(const QString &url, int options = 0);
+    // Cancels the running read. The request key stays, so StatusBusy stays true until the next
+    // start; a cancelled read never completes.
+    void DownloadCancel();
+
+    QByteArray DataBytes() const { return m_data; }
+    int Duration() const { return m_duration; }
+    bool StatusBusy() const { return m_requestKey != 0; }
+    // Milliseconds since the system started, taken when the running read began; 0 when idle.
+    quint32 requestKey() const { return m_requestKey; }
+    qint64 replyLimit() const { return m_replyLimit; }
+
+    // "Vantora/<version>", sent with every read.
+    static QByteArray userAgent();
+
+signals:
+    // The read finished and delivered its bytes (possibly none).
+    void DownloadComplete(int byteCount);
+    // The read failed. errorNumber is the HTTP status when the server answered with an error
+    // status, else the QNetworkReply::NetworkError code (for an in-process host, its own
+    // number); description is a sentence for the user.
+    void DownloadFailed(int errorNumber, const QString &description);
+    // Declared for hosts; never raised.
+    void DownloadProgress();
+
+private:
+    void cancelRead();
+    void startNetworkRead(const QUrl &url, int options);
+    void startInProcessRead(InProcessReply *reply);
+    // Aborts the running network read when its announced or received size is over the limit.
+    void checkNetworkSize(QNetworkReply *reply, qint64 size);
+    void onNetworkFinished(QNetworkReply *reply);
+    void onInProcessFinished(InProcessReply *reply);
+    // Ends the running read: duration measured, key back to 0.
+    void settle();
+    void complete(const QByteArray &data);
+    void fail(int errorNumber, const QString &description);
+    void failTooLarge();
+
+    QNetworkAccessManager *m_network = nullptr;
+    QPointer<QNetworkReply> m_reply;
+    QPointer<InProcessReply> m_inProcess;
+    QElapsedTimer m_started;
+    QByteArray m_data;
+    qint64 m_replyLimit;
+    quint32 m_requestKey = 0;
+    int m_duration = 0;
+};
