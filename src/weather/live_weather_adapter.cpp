@@ -1,0 +1,345 @@
+#include "weather/live_weather_adapter.h"
+
+#include "core/clock_source.h"
+#include "core/in_process_host.h"
+#include "core/network_policy.h"
+#include "core/web_downloader.h"
+#include "weather/location_catalogue.h"
+
+#include <QCoreApplication>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLocale>
+#include <QNetworkAccessManager>
+#include <QNetworkReply>
+#include <QNetworkRequest>
+#include <QRegularExpression>
+#include <QUrlQuery>
+
+// What one source said: conditions, or a short phrase saying what went wrong.
+struct WeatherSourceResult
+{
+    std::optional<CurrentConditions> conditions;
+    QString problem;        // "too many requests (429)"
+    bool unreached = false; // the request never reached a server
+};
+
+namespace {
+
+constexpr int SourceTimeoutMs = 20 * 1000;
+constexpr qint64 SourceReplyLimit = 1024 * 1024;
+// A failure that never reached a server (no network, a refused connection) costs the sources
+// nothing, so it may be retried sooner than the 15 minutes of their terms.
+constexpr int UnreachedRetrySeconds = 60;
+constexpr int NotFoundError = 404;
+constexpr int SourcesFailedError = 503;
+constexpr const char *TooLargeProperty = "vantoraTooLarge";
+constexpr const char *RefusedProperty = "vantoraRefused";
+
+// The User-Agent of every source request: "Vantora/1.0.0 (+<contact>)". met.no refuses
+// requests that do not name the application, its version and a contact address.
+QByteArray sourceUserAgent()
+{
+    const QByteArray website = QByteArray(VANTORA_WEBSITE).trimmed();
+    const QByteArray contact = website.isEmpty() ? QByteArray("https://github.com/vantora") : website;
+    return WebDownloader::userAgent() + " (+" + contact + ')';
+}
+
+QString coordinate(double degrees)
+{
+    // met.no takes at most four decimals; four are about 10 m, plenty for the weather.
+    return QString::number(degrees, 'f', 4);
+}
+
+QUrl sourceUrl(QUrl base, const QString &path, const QUrlQuery &query)
+{
+    QString basePath = base.path();
+    while (basePath.endsWith(QLatin1Char('/')))
+        basePath.chop(1);
+    base.setPath(basePath + path);
+    base.setQuery(query);
+    return base;
+}
+
+// "The reply is not JSON." -> "the reply is not JSON", to stand inside a longer sentence.
+QString phrase(QString sentence)
+{
+    sentence = sentence.trimmed();
+    while (sentence.endsWith(QLatin1Char('.')))
+        sentence.chop(1);
+    if (sentence.size() > 1 && sentence.at(1).isLower())
+        sentence[0] = sentence.at(0).toLower();
+    return sentence;
+}
+
+QString statusPhrase(int status, const QByteArray &body)
+{
+    if (status == 429)
+        return QStringLiteral("too many requests (429)");
+    if (status == 400) {
+        // Open-Meteo says why in {"error":true,"reason":"..."}.
+        QString reason =
+            QJsonDocument::fromJson(body).object().value(QLatin1String("reason")).toString().trimmed();
+        while (reason.endsWith(QLatin1Char('.')))
+            reason.chop(1);
+        return reason.isEmpty() ? QStringLiteral("request refused (400)")
+                                : QStringLiteral("request refused (400: %1)").arg(reason);
+    }
+    if (status == 403)
+        return QStringLiteral("access refused (403)");
+    if (status >= 500)
+        return QStringLiteral("server error (%1)").arg(status);
+    return QStringLiteral("unexpected answer (%1)").arg(status);
+}
+
+WeatherSourceResult networkProblem(const QNetworkReply *reply)
+{
+    switch (reply->error()) {
+    case QNetworkReply::HostNotFoundError:
+        return {std::nullopt, QStringLiteral("server not found"), true};
+    case QNetworkReply::ConnectionRefusedError:
+        return {std::nullopt, QStringLiteral("connection refused"), true};
+    case QNetworkReply::TimeoutError:
+    case QNetworkReply::OperationCanceledError: // the transfer timeout cancels the request
+        return {std::nullopt, QStringLiteral("no answer within 20 seconds"), true};
+    case QNetworkReply::NetworkSessionFailedError:
+    case QNetworkReply::TemporaryNetworkFailureError:
+    case QNetworkReply::UnknownNetworkError:
+        return {std::nullopt, QStringLiteral("no network connection"), true};
+    case QNetworkReply::RemoteHostClosedError:
+        return {std::nullopt, QStringLiteral("the server closed the connection"), false};
+    default:
+        return {std::nullopt, QStringLiteral("network error (%1)").arg(phrase(reply->errorString())), false};
+    }
+}
+
+// The outcome of a finished source request whose body `parse` reads.
+template <typename Parse> WeatherSourceResult readSourceReply(QNetworkReply *reply, Parse parse)
+{
+    if (reply->property(TooLargeProperty).toBool())
+        return {std::nullopt, QStringLiteral("reply larger than 1 MiB"), false};
+    if (reply->property(RefusedProperty).toBool())
+        return {std::nullopt, QStringLiteral("network reads are switched off"), true};
+    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+    const QByteArray body = reply->readAll();
+    if (status >= 400)
+        return {std::nullopt, statusPhrase(status, body), false};
+    if (reply->error() != QNetworkReply::NoError || status == 0)
+        return networkProblem(reply);
+    QString problem;
+    std::optional<CurrentConditions> conditions = parse(body, &problem);
+    return {conditions, conditions ? QString() : phrase(problem), false};
+}
+
+// An HTTP date ("Sat, 18 May 2024 12:30:00 GMT"); invalid when it is none.
+QDateTime httpDate(const QByteArray &text)
+{
+    QDateTime date = QLocale::c().toDateTime(QString::fromLatin1(text.trimmed()),
+                                             QStringLiteral("ddd, dd MMM yyyy HH:mm:ss 'GMT'"));
+    date.setTimeSpec(Qt::UTC);
+    return date;
+}
+
+} // namespace
+
+LiveWeatherAdapter::LiveWeatherAdapter(QObject *parent)
+    : QObject(parent), m_openMeteoBase(QStringLiteral("https://api.open-meteo.com")),
+      m_metNoBase(QStringLiteral("https://api.met.no"))
+{
+}
+
+LiveWeatherAdapter::~LiveWeatherAdapter()
+{
+    for (const PlaceRecord &record : std::as_const(m_places))
+        for (const Waiting &waiting : record.waiting)
+            if (waiting.reply)
+                waiting.reply->fail(SourcesFailedError, QStringLiteral("The weather service has stopped."));
+}
+
+LiveWeatherAdapter *LiveWeatherAdapter::shared()
+{
+    static QPointer<LiveWeatherAdapter> adapter;
+    if (!adapter)
+        adapter = new LiveWeatherAdapter(QCoreApplication::instance());
+    return adapter;
+}
+
+void LiveWeatherAdapter::installBuiltInHost()
+{
+    RegisterInProcessHost(QString::fromLatin1(BuiltInHost),
+                          [](const QUrl &url, int options) { return shared()->answer(url, options); });
+}
+
+InProcessReply *LiveWeatherAdapter::answer(const QUrl &feedUrl, int options)
+{
+    // The options are not consulted: even a forced read (16) is answered from the record
+    // within RefreshSeconds, because that limit is the sources' terms, not a cache setting.
+    Q_UNUSED(options);
+    auto *reply = new InProcessReply;
+    static const QRegularExpression codePattern(QStringLiteral("^[A-Z]{4}[0-9]{4}$"));
+    const QString code = feedUrl.path().section(QLatin1Char('/'), -1).toUpper();
+    if (!codePattern.match(code).hasMatch()) {
+        reply->fail(NotFoundError, QStringLiteral("The feed address names no location code."));
+        return reply;
+    }
+    const std::optional<LocationCatalogue::Place> place = LocationCatalogue::PlaceForCode(code);
+    if (!place || !place->hasCoordinates) {
+        reply->fail(NotFoundError, QStringLiteral("No coordinates are known for the place %1.").arg(code));
+        return reply;
+    }
+
+    PlaceRecord &record = m_places[code];
+    record.name = place->name;
+    record.region = place->region;
+    const QString host = feedUrl.host().isEmpty() ? QString::fromLatin1(BuiltInHost) : feedUrl.host();
+    if (record.busy) {
+        record.waiting.append({reply, host});
+        return reply;
+    }
+    const QDateTime now = ClockSource::now();
+    if (record.lastAsked.isValid() && record.lastAsked <= now && now < nextTry(record)) {
+        serve(record, reply, host, true);
+        return reply;
+    }
+    record.busy = true;
+    record.lastAsked = now;
+    record.waiting.append({reply, host});
+    askOpenMeteo(code, *place);
+    return reply;
+}
+
+void LiveWeatherAdapter::setSourceAddressesForTesting(const QUrl &openMeteoBase, const QUrl &metNoBase)
+{
+    m_openMeteoBase = openMeteoBase;
+    m_metNoBase = metNoBase;
+}
+
+void LiveWeatherAdapter::clearCacheForTesting()
+{
+    // Replies still waiting for a source keep their place so that they are answered.
+    for (auto it = m_places.begin(); it != m_places.end();) {
+        if (it->busy)
+            ++it;
+        else
+            it = m_places.erase(it);
+    }
+}
+
+QDateTime LiveWeatherAdapter::nextTry(const PlaceRecord &record) const
+{
+    const bool quickRetry = !record.failure.isEmpty() && record.unreached;
+    return record.lastAsked.addSecs(quickRetry ? UnreachedRetrySeconds : RefreshSeconds);
+}
+
+void LiveWeatherAdapter::serve(const PlaceRecord &record, InProcessReply *reply, const QString &host,
+                               bool fromRecord) const
+{
+    if (record.conditions) {
+        reply->finish(RenderFeedDocument(record.name, record.region, *record.conditions, host));
+        return;
+    }
+    QString failure = record.failure;
+    if (fromRecord)
+        failure +=
+            QStringLiteral(" Next try after %1.").arg(nextTry(record).toString(QStringLiteral("HH:mm")));
+    reply->fail(SourcesFailedError, failure);
+}
+
+QNetworkReply *LiveWeatherAdapter::get(const QUrl &url, const QByteArray &ifModifiedSince)
+{
+    if (!m_network)
+        m_network = new QNetworkAccessManager(this);
+    QNetworkRequest request(url);
+    request.setHeader(QNetworkRequest::UserAgentHeader, sourceUserAgent());
+    request.setRawHeader("Accept", "application/json");
+    if (!ifModifiedSince.isEmpty())
+        request.setRawHeader("If-Modified-Since", ifModifiedSince);
+    request.setTransferTimeout(SourceTimeoutMs);
+    // A refused address is swapped for one no scheme handles, so the refusal arrives like any
+    // other failed read, later and through the same path.
+    const bool refused = !NetworkReadAllowed(url);
+    if (refused)
+        request.setUrl(QUrl(QStringLiteral("refused:")));
+    QNetworkReply *reply = m_network->get(request);
+    reply->setProperty(RefusedProperty, refused);
+    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64 total) {
+        if (received > SourceReplyLimit || total > SourceReplyLimit) {
+            reply->setProperty(TooLargeProperty, true);
+            reply->abort();
+        }
+    });
+    return reply;
+}
+
+void LiveWeatherAdapter::askOpenMeteo(const QString &code, const LocationCatalogue::Place &place)
+{
+    QUrlQuery query;
+    query.addQueryItem(QStringLiteral("latitude"), coordinate(place.latitude));
+    query.addQueryItem(QStringLiteral("longitude"), coordinate(place.longitude));
+    query.addQueryItem(QStringLiteral("current"), QStringLiteral("temperature_2m,weather_code,is_day"));
+    query.addQueryItem(QStringLiteral("temperature_unit"), QStringLiteral("fahrenheit"));
+    query.addQueryItem(QStringLiteral("timezone"), QStringLiteral("auto"));
+    query.addQueryItem(QStringLiteral("forecast_days"), QStringLiteral("1"));
+    QNetworkReply *reply = get(sourceUrl(m_openMeteoBase, QStringLiteral("/v1/forecast"), query));
+    connect(reply, &QNetworkReply::finished, this, [this, reply, code, place] {
+        reply->deleteLater();
+        const WeatherSourceResult result = readSourceReply(reply, ParseOpenMeteoReply);
+        if (result.conditions)
+            conclude(code, result, {});
+        else
+            askMetNo(code, place, result);
+    });
+}
+
+void LiveWeatherAdapter::askMetNo(const QString &code, const LocationCatalogue::Place &place,
+                                  const WeatherSourceResult &openMeteo)
+{
+    PlaceRecord &record = m_places[code];
+    // met.no asks not to be asked again before its Expires time; its last answer holds till then.
+    if (record.metNoConditions && ClockSource::now() < record.metNoExpires) {
+        conclude(code, openMeteo, {record.metNoConditions, {}, false});
+        return;
+    }
+    QUrlQuery query;
+    query.addQueryItem(QStringLiteral("lat"), coordinate(place.latitude));
+    query.addQueryItem(QStringLiteral("lon"), coordinate(place.longitude));
+    const QByteArray since = record.metNoConditions ? record.metNoLastModified : QByteArray();
+    QNetworkReply *reply =
+        get(sourceUrl(m_metNoBase, QStringLiteral("/weatherapi/locationforecast/2.0/compact"), query), since);
+    connect(reply, &QNetworkReply::finished, this, [this, reply, code, openMeteo] {
+        reply->deleteLater();
+        PlaceRecord &record = m_places[code];
+        const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        WeatherSourceResult result;
+        if (status == 304 && record.metNoConditions)
+            result.conditions = record.metNoConditions;
+        else
+            result = readSourceReply(reply, ParseMetNoReply);
+        if (result.conditions) {
+            record.metNoConditions = result.conditions;
+            if (status != 304)
+                record.metNoLastModified = reply->rawHeader("Last-Modified");
+            record.metNoExpires = httpDate(reply->rawHeader("Expires"));
+        }
+        conclude(code, openMeteo, result);
+    });
+}
+
+void LiveWeatherAdapter::conclude(const QString &code, const WeatherSourceResult &openMeteo,
+                                  const WeatherSourceResult &metNo)
+{
+    PlaceRecord &record = m_places[code];
+    record.busy = false;
+    record.conditions = openMeteo.conditions ? openMeteo.conditions : metNo.conditions;
+    if (record.conditions) {
+        record.failure.clear();
+        record.unreached = false;
+    } else {
+        record.failure = QStringLiteral("Open-Meteo: %1; met.no: %2.").arg(openMeteo.problem, metNo.problem);
+        record.unreached = openMeteo.unreached && metNo.unreached;
+    }
+    const QList<Waiting> waiting = std::exchange(record.waiting, {});
+    for (const Waiting &each : waiting)
+        if (each.reply)
+            serve(record, each.reply, each.host, false);
+}

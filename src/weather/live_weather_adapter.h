@@ -1,0 +1,91 @@
+#pragma once
+
+#include "weather/weather_conditions.h"
+
+#include <QByteArray>
+#include <QDateTime>
+#include <QHash>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QUrl>
+#include <optional>
+
+class InProcessReply;
+class QNetworkAccessManager;
+class QNetworkReply;
+namespace LocationCatalogue {
+struct Place;
+}
+struct WeatherSourceResult; // what one source said (live_weather_adapter.cpp)
+
+// The built-in answer to the weather feed's requests: for the location code in the request
+// path it looks up the place's coordinates, asks Open-Meteo for the current temperature and
+// condition (met.no when that fails) and renders the feed document. A place is asked for at
+// most once every 15 minutes, however often the feed is read (the sources' terms); within
+// that time the last answer is served again. Failures come back as the reply's failure with a
+// sentence saying why.
+class LiveWeatherAdapter : public QObject
+{
+    Q_OBJECT
+public:
+    // The feed host that the adapter answers (reserved; it never resolves on a network).
+    static constexpr const char *BuiltInHost = "weather.vantora.invalid";
+    static constexpr int RefreshSeconds = 15 * 60;
+
+    explicit LiveWeatherAdapter(QObject *parent = nullptr);
+    ~LiveWeatherAdapter() override;
+
+    // The adapter that the program registers for BuiltInHost on first use.
+    static LiveWeatherAdapter *shared();
+    // Registers shared() as the in-process host BuiltInHost (once).
+    static void installBuiltInHost();
+
+    // Answers one feed request ("/wxdata/weather/rss/local/UKXX0085?...").
+    InProcessReply *answer(const QUrl &feedUrl, int options);
+
+    // Tests: where the sources are (the defaults are the public services).
+    void setSourceAddressesForTesting(const QUrl &openMeteoBase, const QUrl &metNoBase);
+    // Forgets every remembered answer (tests).
+    void clearCacheForTesting();
+
+private:
+    // A reply that waits for the sources, with the feed host its picture address names.
+    struct Waiting
+    {
+        QPointer<InProcessReply> reply;
+        QString host;
+    };
+
+    // What the adapter remembers of one location code.
+    struct PlaceRecord
+    {
+        QDateTime lastAsked;                         // when the sources were last asked
+        std::optional<CurrentConditions> conditions; // the last answer, when it succeeded
+        QString failure;                             // the last answer's sentence, when it failed
+        bool unreached = false;                      // the last failure never reached a server
+        QByteArray metNoLastModified;
+        QDateTime metNoExpires;
+        std::optional<CurrentConditions> metNoConditions;
+        QString name; // the place and region, as the catalogue has them
+        QString region;
+        bool busy = false;      // the sources are being asked
+        QList<Waiting> waiting; // replies that wait for the sources
+    };
+
+    // When the sources may be asked again for a place.
+    QDateTime nextTry(const PlaceRecord &record) const;
+    void serve(const PlaceRecord &record, InProcessReply *reply, const QString &host, bool fromRecord) const;
+    void askOpenMeteo(const QString &code, const LocationCatalogue::Place &place);
+    void askMetNo(const QString &code, const LocationCatalogue::Place &place,
+                  const WeatherSourceResult &openMeteo);
+    void conclude(const QString &code, const WeatherSourceResult &openMeteo,
+                  const WeatherSourceResult &metNo);
+    QNetworkReply *get(const QUrl &url, const QByteArray &ifModifiedSince = {});
+
+    QNetworkAccessManager *m_network = nullptr;
+    QUrl m_openMeteoBase;
+    QUrl m_metNoBase;
+    QHash<QString, PlaceRecord> m_places;
+};
