@@ -115,6 +115,7 @@ Sample runChild(const QString &home)
     QProcess child;
     QProcessEnvironment env = QProcessEnvironment::systemEnvironment();
     env.insert(QStringLiteral("VANTORA_HOME"), home);
+    env.insert(QStringLiteral("VANTORA_OFFLINE"), QStringLiteral("1")); // the dashboard fetches the weather
     if (!env.contains(QStringLiteral("DISPLAY")) && !env.contains(QStringLiteral("WAYLAND_DISPLAY")))
         env.insert(QStringLiteral("QT_QPA_PLATFORM"), QStringLiteral("offscreen"));
     child.setProcessEnvironment(env);

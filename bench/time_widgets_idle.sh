@@ -62,7 +62,7 @@ if [[ -z $display ]]; then
     exit 1
 fi
 
-VANTORA_HOME=$home DISPLAY=:$display QT_QPA_PLATFORM=xcb QT_LOGGING_RULES='qt.multimedia*=false' \
+VANTORA_HOME=$home VANTORA_OFFLINE=1 DISPLAY=:$display QT_QPA_PLATFORM=xcb QT_LOGGING_RULES='qt.multimedia*=false' \
     "$program" >/dev/null 2>&1 &
 program_pid=$!
 

@@ -7,6 +7,7 @@
 #include "time/clock_widget.h"
 #include "time/countdown_widget.h"
 #include "time/stopwatch_widget.h"
+#include "weather/weather_widget.h"
 
 void RegisterBuiltInWidgets()
 {
@@ -16,4 +17,5 @@ void RegisterBuiltInWidgets()
     registry.registerWidget(WidgetNotes, [] { return new NotesEditor; });
     registry.registerWidget(WidgetStopwatch, [] { return new StopwatchWidget; });
     registry.registerWidget(WidgetTimer, [] { return new CountdownWidget; });
+    registry.registerWidget(WidgetWeather, [] { return new WeatherWidget; });
 }

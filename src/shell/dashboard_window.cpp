@@ -1,6 +1,7 @@
 #include "shell/dashboard_window.h"
 
 #include "core/settings_store.h"
+#include "core/shipped_data.h"
 #include "core/widget_index.h"
 #include "core/window_placement.h"
 #include "shell/about_dialog.h"
@@ -16,6 +17,7 @@
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 #include "themes/widget_window.h"
+#include "weather/weather_station.h"
 
 #include <QApplication>
 #include <QCloseEvent>
@@ -31,6 +33,7 @@
 namespace {
 
 constexpr int kColumns = 4;
+constexpr int kWeatherDelayMs = 1000;
 const QString kSettings = QStringLiteral("mdb_SET");
 
 enum ShowHideMode
@@ -168,18 +171,7 @@ void DashboardWindow::buildBody()
     names->addWidget(m_subtitle);
     barLayout->addLayout(names);
     barLayout->addStretch(1);
-    auto *weather = new QVBoxLayout;
-    weather->setSpacing(0);
-    m_weatherTemp = new QLabel;
-    m_weatherTemp->setObjectName(QStringLiteral("lblWEATHERTEMP"));
-    m_weatherTemp->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    m_weatherDesc = new QLabel;
-    m_weatherDesc->setObjectName(QStringLiteral("lblWEATHERDESC"));
-    m_weatherDesc->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
-    weather->addWidget(m_weatherTemp);
-    weather->addWidget(m_weatherDesc);
-    barLayout->addLayout(weather);
-    setWeatherSummary(QString(), QString());
+    barLayout->addWidget(buildWeather());
     layout->addWidget(m_bar);
 
     m_panel = new PaintedFrame(QStringLiteral("pfrPANEL"));
@@ -301,6 +293,9 @@ void DashboardWindow::loadDashboard(int choice)
     m_startHidden = plan.startHidden;
     setIndxSel(m_indxSel);
     ApplyTheme(this);
+    // Loading the dashboard fetches the weather; a moment later, so that the first window does
+    // not wait for the network machinery.
+    QTimer::singleShot(kWeatherDelayMs, WeatherStation::shared(), &WeatherStation::GetWeatherData);
 }
 
 void DashboardWindow::handOver(int choice)
@@ -347,12 +342,52 @@ void DashboardWindow::attachContextMenu(WidgetContextMenu *menu)
     connect(menu, &WidgetContextMenu::exitChosen, this, &DashboardWindow::exitProgram);
 }
 
-void DashboardWindow::setWeatherSummary(const QString &temperature, const QString &description)
+QWidget *DashboardWindow::buildWeather()
 {
-    m_weatherTemp->setText(temperature);
-    m_weatherDesc->setText(description);
-    m_weatherTemp->setVisible(!temperature.isEmpty());
-    m_weatherDesc->setVisible(!description.isEmpty());
+    m_weather = new QWidget;
+    m_weather->setObjectName(QStringLiteral("pfrWEATHER"));
+    auto label = [](const char *name, Qt::Alignment alignment) {
+        auto *l = new QLabel;
+        l->setObjectName(QString::fromLatin1(name));
+        l->setAlignment(alignment);
+        return l;
+    };
+    m_weatherPicture = label("lblWEATHERPIC", Qt::AlignCenter);
+    m_weatherTemp = label("lblWEATHERTEMP", Qt::AlignLeft | Qt::AlignVCenter);
+    m_weatherPlace = label("lblWEATHERPLACE", Qt::AlignLeft | Qt::AlignBottom);
+    m_weatherDesc = label("lblWEATHERDESC", Qt::AlignLeft | Qt::AlignVCenter);
+    m_weatherText = label("lblWEATHERTEXT", Qt::AlignLeft | Qt::AlignTop);
+    auto *lines = new QVBoxLayout;
+    lines->setSpacing(0);
+    lines->addWidget(m_weatherPlace);
+    lines->addWidget(m_weatherDesc);
+    lines->addWidget(m_weatherText);
+    auto *row = new QHBoxLayout(m_weather);
+    row->setContentsMargins(0, 0, 0, 0);
+    row->addWidget(m_weatherPicture);
+    row->addWidget(m_weatherTemp);
+    row->addLayout(lines);
+    m_weather->hide();
+
+    WeatherStation *station = WeatherStation::shared();
+    connect(station, &WeatherStation::readoutChanged, this, &DashboardWindow::showWeather);
+    connect(station, &WeatherStation::statusChanged, this,
+            [this, station] { m_weather->setToolTip(station->statusText()); });
+    return m_weather;
+}
+
+void DashboardWindow::showWeather()
+{
+    const WeatherStation *station = WeatherStation::shared();
+    const WeatherReadout &r = station->readout();
+    m_weatherPicture->setText(station->pictureGlyph());
+    if (station->hasReadout()) {
+        m_weatherTemp->setText(r.number);
+        m_weatherPlace->setText(r.place);
+        m_weatherDesc->setText(r.description);
+        m_weatherText->setText(r.temperatureText);
+    }
+    m_weather->setVisible(station->hasReadout() || !station->pictureGlyph().isEmpty());
 }
 
 void DashboardWindow::setNotice(const QString &text)
@@ -535,7 +570,13 @@ void DashboardWindow::ThemeElementsUpdate()
     barFont.setFamily(theme.BarFont);
     m_subtitle->setFont(barFont);
     m_weatherDesc->setFont(barFont);
-    for (QLabel *label : {m_title, m_subtitle, m_weatherTemp, m_weatherDesc})
+    m_weatherPlace->setFont(barFont);
+    m_weatherText->setFont(barFont);
+    QFont pictureFont(ShippedData::weatherFontFamily());
+    pictureFont.setPixelSize(fontMetrics().height() * 5 / 2);
+    m_weatherPicture->setFont(pictureFont);
+    for (QLabel *label : {m_title, m_subtitle, m_weatherTemp, m_weatherDesc, m_weatherPicture, m_weatherPlace,
+                          m_weatherText})
         setTextColor(label, barText);
 
     QFont panelFont = font();

@@ -52,9 +52,9 @@ public:
     static MenuColours menuColoursFor(const Theme &theme);
 
 public slots:
-    // The weather widget's summary in the dashboard's bar; empty texts hide it. A slot, so the
-    // weather widget can call it by name on the "mdb_IDX" window.
-    void setWeatherSummary(const QString &temperature, const QString &description);
+    // The weather in the dashboard's bar, from the shared weather station; hidden until the
+    // first report.
+    void showWeather();
     void showDashboard();
     void hideDashboard();
     void openSelectedWidget();
@@ -88,6 +88,7 @@ private:
     void buildMenus();
     void themeMenus();
     void buildBody();
+    QWidget *buildWeather();
     void refreshState();
     void moveSelection(int from, int dx, int dy);
     void runWizardChoice(int choice);
@@ -99,8 +100,12 @@ private:
     PaintedFrame *m_panel = nullptr;
     QLabel *m_title = nullptr;
     QLabel *m_subtitle = nullptr;
-    QLabel *m_weatherTemp = nullptr;
-    QLabel *m_weatherDesc = nullptr;
+    QLabel *m_weatherPicture = nullptr; // lblWEATHERPIC, in the weather font
+    QLabel *m_weatherTemp = nullptr;    // lblWEATHERTEMP, the widget's large temperature
+    QLabel *m_weatherPlace = nullptr;   // lblWEATHERPLACE
+    QLabel *m_weatherDesc = nullptr;    // lblWEATHERDESC
+    QLabel *m_weatherText = nullptr;    // lblWEATHERTEXT, the full temperature text
+    QWidget *m_weather = nullptr;
     QLabel *m_hint = nullptr;
     QLabel *m_notice = nullptr;
     QPushButton *m_open = nullptr;

@@ -8,12 +8,15 @@
 #include "shell/tray_icon.h"
 #include "shell/update_check.h"
 #include "shell/widget_registry.h"
+#include "support/local_http_server.h"
 #include "support/test_home.h"
 #include "themes/theme_colors.h"
 #include "themes/message_box.h"
 #include "themes/theme.h"
 #include "themes/widget_window.h"
+#include "weather/weather_station.h"
 
+#include <QLabel>
 #include <QMenuBar>
 #include <QSignalSpy>
 #include <QTest>
@@ -73,6 +76,7 @@ private slots:
     void handOverOfMissingWidgetShowsDashboard();
     void menusFollowTheThemeAndRead_data();
     void menusFollowTheThemeAndRead();
+    void loadingFetchesAndShowsTheWeather();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -374,6 +378,30 @@ void TestDashboard::menusFollowTheThemeAndRead()
     SetCurrentTheme(before);
     // The free end of the bar, right of the menu titles.
     QCOMPARE(QColor(bar.pixel(bar.width() - 3, bar.height() / 2)).name(), c.bar.name());
+}
+
+void TestDashboard::loadingFetchesAndShowsTheWeather()
+{
+    LocalHttpServer server;
+    server.setBody("/wxdata/weather/rss/local/UKXX0085",
+                   "<rss><channel><item><title><![CDATA[Current Weather Conditions In London, United Kingdom]]>"
+                   "</title><description><![CDATA[<img src=\"http://h/images/open-meteo/26.gif?\" alt=\"\" /> "
+                   "Cloudy, and 57 F. <br/>For more details see open-meteo.com.]]></description></item></channel></rss>");
+    WriteDetail(QStringLiteral("fwth_SET"), QStringLiteral("Weather Feed Host"),
+                QStringLiteral("127.0.0.1:%1").arg(server.serverPort()));
+    DashboardWindow d;
+    auto *weather = d.findChild<QWidget *>(QStringLiteral("pfrWEATHER"));
+    QVERIFY(weather->isHidden()); // nothing to show before the first report
+    d.loadDashboard(WidgetAll);
+    QTRY_COMPARE_WITH_TIMEOUT(server.requestCount("/wxdata/weather/rss/local/UKXX0085"), 1, 5000);
+    auto text = [&d](const char *name) { return d.findChild<QLabel *>(QString::fromLatin1(name))->text(); };
+    QTRY_COMPARE_WITH_TIMEOUT(text("lblWEATHERTEMP"), QStringLiteral("14C"), 5000);
+    QCOMPARE(text("lblWEATHERPLACE"), QStringLiteral("London"));
+    QCOMPARE(text("lblWEATHERDESC"), QStringLiteral("Cloudy"));
+    QCOMPARE(text("lblWEATHERTEXT"), QStringLiteral("57F 13.9C"));
+    QVERIFY(!text("lblWEATHERPIC").isEmpty());
+    QVERIFY(!weather->isHidden());
+    QVERIFY(weather->toolTip().contains(QStringLiteral("Open-Meteo")));
 }
 
 QTEST_MAIN(TestDashboard)

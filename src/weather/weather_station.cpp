@@ -1,0 +1,157 @@
+#include "weather/weather_station.h"
+
+#include "core/app_paths.h"
+#include "core/clock_source.h"
+#include "core/settings_store.h"
+#include "core/shipped_data.h"
+#include "core/web_downloader.h"
+#include "weather/live_weather_adapter.h"
+#include "weather/location_catalogue.h"
+#include "weather/weather_settings.h"
+
+#include <QLocale>
+
+namespace {
+constexpr int kNotAvailableCode = 3200;
+
+// The picture's address names the source that answered: ".../images/<source>/26.gif".
+QString SourceOfIconAddress(const QString &address)
+{
+    if (address.contains(QLatin1String("/open-meteo/")))
+        return QStringLiteral("Open-Meteo");
+    if (address.contains(QLatin1String("/met.no/")))
+        return QStringLiteral("met.no");
+    return QString();
+}
+
+QString ShortTime(const QDateTime &when)
+{
+    return QLocale().toString(when.time(), QLocale::ShortFormat);
+}
+} // namespace
+
+QString WeatherStation::settingsWindow()
+{
+    return WeatherSettings::windowName();
+}
+
+WeatherStation::WeatherStation(QObject *parent)
+    : QObject(parent), m_downloader(new WebDownloader(WebDownloader::WeatherReplyLimit, this))
+{
+    connect(m_downloader, &WebDownloader::DownloadComplete, this, &WeatherStation::onComplete);
+    connect(m_downloader, &WebDownloader::DownloadFailed, this, &WeatherStation::onFailed);
+}
+
+WeatherStation *WeatherStation::shared()
+{
+    static WeatherStation *station = new WeatherStation;
+    return station;
+}
+
+QString WeatherStation::BuildFeedUrl(const QString &code)
+{
+    return QStringLiteral("http://") + feedHost() + QStringLiteral("/wxdata/weather/rss/local/") + code +
+           QStringLiteral("?lngCM_ven=LWO&lngCM_cat=rss");
+}
+
+QString WeatherStation::feedHost()
+{
+    return WeatherSettings::load().feedHost;
+}
+
+QString WeatherStation::locationCode()
+{
+    if (m_code.isEmpty())
+        m_code = WeatherSettings::load().resolvedCode();
+    return m_code;
+}
+
+void WeatherStation::setLocationCode(const QString &code)
+{
+    m_code = code;
+}
+
+void WeatherStation::GetWeatherData()
+{
+    const QString host = feedHost();
+    if (host.compare(QLatin1String(LiveWeatherAdapter::BuiltInHost), Qt::CaseInsensitive) == 0)
+        LiveWeatherAdapter::installBuiltInHost();
+    // "webpagedata.txt" in the program's folder is a reserved name; nothing reads or writes it.
+    m_downloader->DownloadStart(BuildFeedUrl(locationCode()), WebDownloader::ForceFetch);
+    emit statusChanged();
+}
+
+QString WeatherStation::pictureGlyph() const
+{
+    const WeatherReadout &r = m_parser.readout();
+    if (!r.glyph.isEmpty() || r.iconNumber < 0)
+        return r.glyph;
+    return ShippedData::weatherGlyph(kNotAvailableCode);
+}
+
+bool WeatherStation::isFetching() const
+{
+    return m_downloader->StatusBusy();
+}
+
+void WeatherStation::onComplete()
+{
+    m_txtData = NormaliseFeedReply(m_downloader->DataBytes(), AppPaths::dataPath(QStringLiteral("web.txt")));
+    if (parse().labels) {
+        m_lastSuccess = ClockSource::now();
+        m_lastProblem.clear();
+    } else {
+        m_lastFailure = ClockSource::now();
+        m_lastProblem = tr("the answer held no weather report.");
+    }
+    emit statusChanged();
+}
+
+void WeatherStation::onFailed(int, const QString &description)
+{
+    // The labels keep what they show; only the tooltip tells what happened.
+    m_lastFailure = ClockSource::now();
+    m_lastProblem = description;
+    emit statusChanged();
+}
+
+void WeatherStation::DataCurrent()
+{
+    parse();
+}
+
+WeatherFeedParser::Outcome WeatherStation::parse()
+{
+    const WeatherReadout before = m_parser.readout();
+    const WeatherFeedParser::Outcome outcome = m_parser.DataCurrent(m_txtData, WeatherSettings::load().fahrenheit);
+    m_hasLabels = m_hasLabels || outcome.labels;
+    const WeatherReadout &after = m_parser.readout();
+    if (after.glyph != before.glyph || after.summary != before.summary || after.number != before.number ||
+        after.location != before.location || after.temperatureText != before.temperatureText)
+        emit readoutChanged();
+    return outcome;
+}
+
+QString WeatherStation::dataSource() const
+{
+    return SourceOfIconAddress(m_parser.iconAddress());
+}
+
+QString WeatherStation::statusText() const
+{
+    QString text;
+    if (m_downloader->StatusBusy())
+        text = tr("Fetching the weather...");
+    else if (!m_lastProblem.isEmpty())
+        text = tr("The weather could not be updated at %1: %2").arg(ShortTime(m_lastFailure), m_lastProblem);
+    if (m_lastSuccess.isValid()) {
+        const QString source = dataSource();
+        const QString updated = source.isEmpty()
+                                    ? tr("Updated at %1.").arg(ShortTime(m_lastSuccess))
+                                    : tr("Updated at %1 from %2.").arg(ShortTime(m_lastSuccess), source);
+        text = text.isEmpty() ? updated : text + QLatin1Char('\n') + tr("Last updated at %1.").arg(ShortTime(m_lastSuccess));
+    } else if (text.isEmpty()) {
+        text = tr("No weather has been fetched yet.");
+    }
+    return text;
+}
