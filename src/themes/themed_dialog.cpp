@@ -132,6 +132,13 @@ void ThemedDialog::showEvent(QShowEvent *event)
         RestoreWindowPlacement(this, false);
         KeepInsideScreen(this);
         ApplyTheme(this);
+        // The theme's button style is larger than the desktop's, and the size above was taken
+        // before it applied: grow so that no row of the layout is squeezed below its controls.
+        const QSize wanted = size().expandedTo(sizeHint());
+        if (wanted != size()) {
+            resize(wanted);
+            KeepInsideScreen(this);
+        }
         focusFirstPanelControl();
     }
 }
