@@ -55,6 +55,7 @@ private slots:
     void refreshRedrawsAndSaysUpdated();
     void applyStoresThePlaceAndFetchesIt();
     void findNarrowsThePlaceList();
+    void switchingCataloguesWaitsForLoadCountry();
 
 private:
     void useServer() { WriteDetail(QStringLiteral("fwth_SET"), QStringLiteral("Weather Feed Host"),
@@ -213,6 +214,37 @@ void TestWeatherWidget::findNarrowsThePlaceList()
     QCOMPARE(place->currentText(), QStringLiteral("London"));
     for (int i = 0; i < place->count(); ++i)
         QVERIFY(place->itemText(i).contains(QStringLiteral("London"), Qt::CaseInsensitive));
+}
+
+// The option refills only the country list; the places are read again when the user asks.
+void TestWeatherWidget::switchingCataloguesWaitsForLoadCountry()
+{
+    WeatherSettingsDialog dialog;
+    auto *country = dialog.findChild<QComboBox *>(QStringLiteral("cboCOUNTRY"));
+    auto *place = dialog.findChild<QComboBox *>(QStringLiteral("cboCOUNTRYAREA"));
+    const QStringList britishPlaces = [place] {
+        QStringList items;
+        for (int i = 0; i < place->count(); ++i)
+            items << place->itemText(i);
+        return items;
+    }();
+    QVERIFY(britishPlaces.contains(QStringLiteral("London")));
+
+    dialog.findChild<QRadioButton *>(QStringLiteral("optLOCATIONS_1"))->click();
+    QCOMPARE(country->count(), 62);
+    QCOMPARE(country->itemText(0), QStringLiteral("AA"));
+    QCOMPARE(place->count(), britishPlaces.size());
+    QCOMPARE(place->itemText(0), britishPlaces.first());
+
+    country->setCurrentText(QStringLiteral("CO"));
+    dialog.findChild<QPushButton *>(QStringLiteral("btnSEARCH"))->click();
+    QVERIFY(place->findText(QStringLiteral("Boulder")) >= 0);
+    QCOMPARE(place->findText(QStringLiteral("London")), -1);
+
+    // Back to the world: the Colorado places stay until Load Country is pressed again.
+    dialog.findChild<QRadioButton *>(QStringLiteral("optLOCATIONS_0"))->click();
+    QCOMPARE(country->itemText(0), QStringLiteral("Aruba"));
+    QVERIFY(place->findText(QStringLiteral("Boulder")) >= 0);
 }
 
 QTEST_MAIN(TestWeatherWidget)
