@@ -15,6 +15,7 @@ packages=(
   fonts-dejavu-core
   poppler-utils
   tzdata
+  libglib2.0-bin gsettings-desktop-schemas
 )
 
 missing=()
