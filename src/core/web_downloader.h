@@ -2,6 +2,8 @@
 
 #include <QByteArray>
 #include <QElapsedTimer>
+#include <QList>
+#include <QPair>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -44,6 +46,10 @@ public:
     // start; a cancelled read never completes.
     void DownloadCancel();
 
+    // Headers sent with every following read besides the User-Agent, for servers that want a
+    // Referer or refuse an unknown client; a "User-Agent" here replaces the program's own.
+    void setExtraHeaders(const QList<QPair<QByteArray, QByteArray>> &headers) { m_extraHeaders = headers; }
+
     QByteArray DataBytes() const { return m_data; }
     int Duration() const { return m_duration; }
     bool StatusBusy() const { return m_requestKey != 0; }
@@ -83,6 +89,7 @@ private:
     QPointer<InProcessReply> m_inProcess;
     QElapsedTimer m_started;
     QByteArray m_data;
+    QList<QPair<QByteArray, QByteArray>> m_extraHeaders;
     qint64 m_replyLimit;
     quint32 m_requestKey = 0;
     int m_duration = 0;

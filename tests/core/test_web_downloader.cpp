@@ -337,14 +337,26 @@ void TestWebDownloader::failures()
 void TestWebDownloader::sendsHeaders_data()
 {
     QTest::addColumn<int>("options");
-    QTest::newRow("plain") << 0;
-    QTest::newRow("force fetch") << int(WebDownloader::ForceFetch);
+    QTest::addColumn<QByteArray>("agent"); // replaces the program's own when set
+    QTest::addColumn<QByteArray>("referer");
+    QTest::newRow("plain") << 0 << QByteArray() << QByteArray();
+    QTest::newRow("force fetch") << int(WebDownloader::ForceFetch) << QByteArray() << QByteArray();
+    QTest::newRow("operator's agent") << 0 << QByteArray("Mozilla/5.0 (X11) Vantora") << QByteArray();
+    QTest::newRow("operator's referer") << 0 << QByteArray() << QByteArray("https://example.org/cams/");
 }
 
 void TestWebDownloader::sendsHeaders()
 {
     QFETCH(int, options);
+    QFETCH(QByteArray, agent);
+    QFETCH(QByteArray, referer);
     WebDownloader downloader(WebDownloader::WeatherReplyLimit);
+    QList<QPair<QByteArray, QByteArray>> extra;
+    if (!agent.isEmpty())
+        extra.append({"User-Agent", agent});
+    if (!referer.isEmpty())
+        extra.append({"Referer", referer});
+    downloader.setExtraHeaders(extra);
     QSignalSpy complete(&downloader, &WebDownloader::DownloadComplete);
     const QByteArray path = "/hello?options=" + QByteArray::number(options);
     downloader.DownloadStart(m_server->url(QString::fromLatin1(path)).toString(), options);
@@ -355,7 +367,8 @@ void TestWebDownloader::sendsHeaders()
                                    [&path](const LocalHttpServer::Request &r) { return r.path == path; });
     QVERIFY(sent != requests.rend());
     QCOMPARE(sent->method, QByteArray("GET"));
-    QCOMPARE(sent->headers.value("user-agent"), WebDownloader::userAgent());
+    QCOMPARE(sent->headers.value("user-agent"), agent.isEmpty() ? WebDownloader::userAgent() : agent);
+    QCOMPARE(sent->headers.value("referer"), referer);
     const bool force = options == WebDownloader::ForceFetch;
     QCOMPARE(sent->headers.value("cache-control") == "no-cache", force);
     QCOMPARE(sent->headers.value("pragma") == "no-cache", force);
