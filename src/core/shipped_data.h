@@ -24,7 +24,9 @@ public:
     static constexpr const char *WeatherFont = ":/fonts/weathericons-regular-webfont.ttf";
     static constexpr const char *WeatherGlyphList = ":/weather/glyphs.txt";
 
-    // Webcam viewer: "name|url" per camera in list order, url empty where none is known.
+    // Webcam viewer, one camera per line in list order: "name|url|credit|credit page|header",
+    // url empty where none is known (and nothing after it); header ("Name: value") only where
+    // the operator's server wants one.
     static constexpr const char *WebcamTable = ":/webcams/webcams.txt";
 
     // The built-in "BELL" sound (for QSoundEffect use the URL form "qrc:/sounds/bell.wav").
