@@ -1,7 +1,7 @@
 #include "weather/weather_settings_dialog.h"
 
 #include "themes/painted_frame.h"
-#include "weather/weather_credit.h"
+#include "themes/credit_link.h"
 #include "weather/weather_settings.h"
 #include "weather/weather_station.h"
 

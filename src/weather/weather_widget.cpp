@@ -5,7 +5,7 @@
 #include "core/widget_index.h"
 #include "themes/message_box.h"
 #include "themes/painted_frame.h"
-#include "weather/weather_credit.h"
+#include "themes/credit_link.h"
 #include "weather/weather_settings.h"
 #include "weather/weather_settings_dialog.h"
 #include "weather/weather_station.h"
