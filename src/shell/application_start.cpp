@@ -21,6 +21,7 @@
 #include "themes/theme_editor.h"
 #include "themes/theme_presets.h"
 #include "time/scheduler_window.h"
+#include "webcam/webcam_viewer.h"
 
 #include <QApplication>
 #include <QTimer>
@@ -125,9 +126,7 @@ void ApplicationStart::registerTools()
 {
     ShellTools::setLauncher(ShellTools::ThemeEditor, [](QWidget *) { ThemeEditor::showEditor(); });
     ShellTools::setLauncher(ShellTools::ShareTheme, [](QWidget *) { ShareThemeDialog::showDialog(); });
-    // TODO(webcam): the webcam viewer (mdb_WCM) is not in this build yet. Its part registers
-    // ShellTools::WebcamViewer here; until then the Webcam items stay disabled and a stored
-    // "Start-Webcam" opens nothing.
+    ShellTools::setLauncher(ShellTools::WebcamViewer, [](QWidget *) { WebcamViewer::showViewer(); });
 }
 
 bool ApplicationStart::eventFilter(QObject *watched, QEvent *event)

@@ -2,6 +2,7 @@
 
 #include "core/platform/autostart.h"
 #include "core/settings_store.h"
+#include "webcam/webcam_refresh_counter.h"
 
 #include <array>
 
@@ -24,13 +25,10 @@ constexpr std::array<Interval, 5> kIntervals{{
     {"30 Minutes", 1800},
 }};
 
-int g_webcamIntervalSeconds = 60;
-
 bool readSwitch(const QString &window, const QString &name, bool defaultOn)
 {
     return ReadIntDetail(window, name, defaultOn ? 1 : 0) == 1;
 }
-
 
 } // namespace
 
@@ -84,6 +82,8 @@ void ProgramSettingsModel::save(const Values &v, const Writer &writer)
     write(kSettings, QStringLiteral("On-Top"), SettingFromBool(v.onTop));
     write(kWebcam, QStringLiteral("Timer-Interval"), v.timerInterval);
     write(kWebcam, QStringLiteral("Play-Last"), SettingFromBool(v.playLast));
+    // The viewer reads its own copy of the switch; this box is the only place the user sets it.
+    write(kWebcam, QStringLiteral("Cam Play-Last"), v.playLast ? QStringLiteral("1") : QStringLiteral("0"));
     setWebcamIntervalSeconds(intervalSeconds(v.timerInterval));
     // The entry follows the stored preference, as it does at every later OK.
     Autostart::apply(ReadIntDetail(kSettings, QStringLiteral("Program Launch"), 1) == 1);
@@ -97,10 +97,10 @@ void ProgramSettingsModel::setLaunchWithSystem(bool on)
 
 int ProgramSettingsModel::webcamIntervalSeconds()
 {
-    return g_webcamIntervalSeconds;
+    return WebcamRefreshCounter::programPeriod();
 }
 
 void ProgramSettingsModel::setWebcamIntervalSeconds(int seconds)
 {
-    g_webcamIntervalSeconds = seconds;
+    WebcamRefreshCounter::setProgramPeriod(seconds);
 }

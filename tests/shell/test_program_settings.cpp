@@ -98,6 +98,7 @@ void TestProgramSettings::okWritesInOrder()
         "mdb_SET\\On-Top=1",
         "mdb_WCM\\Timer-Interval=5 Minutes",
         "mdb_WCM\\Play-Last=0",
+        "mdb_WCM\\Cam Play-Last=0", // the copy the viewer reads
     };
     QCOMPARE(writes, expected);
 }
