@@ -77,7 +77,7 @@ WebcamViewer::WebcamViewer(QWidget *parent)
         m_notice->setText(m_catalogue.loadProblem());
     if (WebcamSession::playLastOnOpen() && lastCamera)
         m_session->chooseCamera(*lastCamera);
-    m_session->setAutoRefresh(ReadBoolDetail(WebcamSession::WindowName, kAutoRefresh, false));
+    m_session->setAutoRefresh(m_autoRefresh->isChecked());
 }
 
 WebcamViewer::~WebcamViewer() = default;
@@ -301,10 +301,15 @@ void WebcamViewer::showPicture()
         pixmap.setDevicePixelRatio(ratio);
         m_picture->setPixmap(pixmap);
     }
+    showCredit();
+    showStatus();
+}
+
+void WebcamViewer::showCredit()
+{
     const WebcamCamera &camera = m_session->pictureCamera();
     m_credit->setText(camera.credit.isEmpty() ? QString() : CreditLink(m_credit, camera.creditPage, camera.credit));
     m_credit->setToolTip(camera.creditPage);
-    showStatus();
 }
 
 void WebcamViewer::showStatus()
@@ -344,7 +349,7 @@ void WebcamViewer::ThemeElementsUpdate()
 {
     ThemedDialog::ThemeElementsUpdate();
     if (m_credit)
-        showPicture(); // the credit link takes the theme's text colour
+        showCredit(); // the link takes the theme's text colour
 }
 
 void WebcamViewer::showEvent(QShowEvent *event)

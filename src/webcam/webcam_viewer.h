@@ -48,6 +48,7 @@ private:
     const WebcamCamera *selectedOwnCamera() const;
     void updateCameraButtons();
     void showPicture();
+    void showCredit();
     void showStatus();
     void setWallpaper();
     void storeValues();
