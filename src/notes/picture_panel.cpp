@@ -1,6 +1,6 @@
 #include "notes/picture_panel.h"
 
-#include "notes/folder_browser.h"
+#include "themes/folder_browser.h"
 
 #include <QFileInfo>
 #include <QImageReader>

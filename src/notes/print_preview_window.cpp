@@ -1,10 +1,10 @@
 #include "notes/print_preview_window.h"
 
-#include "notes/panel_style.h"
 #include "notes/print_engine.h"
 #include "notes/print_page_view.h"
 #include "notes/print_setup_tabs.h"
 #include "themes/painted_frame.h"
+#include "themes/panel_tool_style.h"
 #include "themes/theme.h"
 #include "themes/theme_painter.h"
 

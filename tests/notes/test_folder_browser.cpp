@@ -1,6 +1,6 @@
-#include "notes/folder_browser.h"
 #include "notes/picture_panel.h"
 #include "support/test_home.h"
+#include "themes/folder_browser.h"
 
 #include <QComboBox>
 #include <QDir>

@@ -1,4 +1,4 @@
-#include "notes/folder_browser.h"
+#include "themes/folder_browser.h"
 
 #include "core/file_helpers.h"
 
@@ -102,6 +102,10 @@ FolderBrowser::FolderBrowser(Kind kind, QWidget *parent) : QWidget(parent)
     layout->addWidget(m_folders, 2);
     layout->addWidget(m_files, 3);
     layout->addWidget(m_problem);
+    if (kind == Folders) {
+        m_files->hide();
+        layout->setStretchFactor(m_folders, 1);
+    }
 
     connect(m_drives, &QComboBox::activated, this,
             [this](int index) { setFolder(m_drives->itemData(index).toString()); });

@@ -1,4 +1,4 @@
-#include "notes/panel_style.h"
+#include "themes/panel_tool_style.h"
 
 #include <QColor>
 #include <QPalette>

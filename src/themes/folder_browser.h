@@ -9,9 +9,9 @@ class QLabel;
 class QListWidget;
 class QListWidgetItem;
 
-// One browser of the editor's side panel: a drive list, the sub-folders of the current folder
-// ("..", first, goes up) and the files of that folder that the browser shows. Documents list
-// every file; pictures only the picture types that can be inserted.
+// A folder browser: a drive list, the sub-folders of the current folder ("..", first, goes up)
+// and the files of that folder that the browser shows. Documents list every file; pictures only
+// the picture types that can be inserted; folders no files at all (choosing where things go).
 class FolderBrowser : public QWidget
 {
     Q_OBJECT
@@ -20,6 +20,7 @@ public:
     {
         Documents, // drvFOLDERS, dirFOLDERS, flbLIST
         Pictures,  // drvPICTURES, dirPICTURES, flbLISTPICS
+        Folders,   // drvFOLDERS, dirFOLDERS, and no file list
     };
 
     // A place the drive list offers: what it shows and the folder it opens.
