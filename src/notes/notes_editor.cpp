@@ -1,6 +1,7 @@
 #include "notes/notes_editor.h"
 
 #include "core/app_paths.h"
+#include "core/recovery_store.h"
 #include "core/settings_store.h"
 #include "core/widget_index.h"
 #include "notes/document_file.h"
@@ -15,7 +16,6 @@
 #include "notes/picture_panel.h"
 #include "notes/print_engine.h"
 #include "notes/print_preview_window.h"
-#include "notes/recovery_store.h"
 #include "notes/spell_checker.h"
 #include "notes/spell_panel.h"
 #include "notes/text_statistics.h"
@@ -190,14 +190,8 @@ void NotesEditor::buildCommandRow(QWidget *row)
 QToolButton *NotesEditor::addCommand(QWidget *row, const QString &name, const QString &caption,
                                      const QString &toolTip, const std::function<void()> &action)
 {
-    auto *button = new QToolButton(row);
-    button->setObjectName(name);
-    button->setText(caption);
-    button->setToolTip(toolTip);
-    button->setAutoRaise(true);
-    button->setFocusPolicy(Qt::TabFocus);
+    QToolButton *button = AddPanelCommand(row, name, caption, toolTip);
     connect(button, &QToolButton::clicked, this, action);
-    row->layout()->addWidget(button);
     return button;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "notes/document_table.h"
-#include "notes/recovery_debounce.h"
+#include "core/recovery_debounce.h"
 #include "themes/widget_window.h"
 
 #include <QHash>

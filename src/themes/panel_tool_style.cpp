@@ -1,7 +1,9 @@
 #include "themes/panel_tool_style.h"
 
 #include <QColor>
+#include <QLayout>
 #include <QPalette>
+#include <QToolButton>
 
 QString PanelToolStyleSheet(const QColor &text, const QPalette &page)
 {
@@ -17,7 +19,22 @@ QString PanelToolStyleSheet(const QColor &text, const QPalette &page)
                           "  border-top-left-radius: 4px; border-top-right-radius: 4px; padding: 3px 8px; margin-right: 2px; }"
                           "QTabBar::tab:hover { background: %4; }"
                           "QTabBar::tab:selected { color: %6; background: %7; }"
-                          "QTabWidget::pane { border: none; }")
+                          "QTabWidget::pane { border: none; }"
+                          // A style sheet on the panel stops its text colour reaching the labels
+                          // through the palette; they are given it here.
+                          "QLabel { color: %1; }")
         .arg(text.name(), tint(110), tint(40), tint(70), tint(120), page.color(QPalette::Text).name(),
              page.color(QPalette::Base).name());
+}
+
+QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip)
+{
+    auto *button = new QToolButton(row);
+    button->setObjectName(name);
+    button->setText(caption);
+    button->setToolTip(toolTip);
+    button->setAutoRaise(true);
+    button->setFocusPolicy(Qt::TabFocus);
+    row->layout()->addWidget(button);
+    return button;
 }

@@ -4,9 +4,15 @@
 
 class QColor;
 class QPalette;
+class QToolButton;
+class QWidget;
 
-// The style of tool buttons and tabs on a painted panel (the notes editor, the whiteboard): flat, tinted
-// with the panel's text colour `text` under the mouse and when switched on, so they read on
-// light and dark themes alike. The chosen tab takes the colours of `page`, so it reads as the
-// front of that page.
+// The style of tool buttons, tabs and labels on a painted panel (the notes editor, the
+// whiteboard): flat buttons tinted with the panel's text colour `text` under the mouse and when
+// switched on, so they read on light and dark themes alike; labels in `text`. The chosen tab
+// takes the colours of `page`, so it reads as the front of that page.
 QString PanelToolStyleSheet(const QColor &text, const QPalette &page);
+
+// A flat command button ("New", "Save") added to the layout of `row`, a row of such buttons on
+// a painted panel: reached with Tab but not taking the focus from the page when clicked.
+QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip);

@@ -1,4 +1,4 @@
-#include "notes/recovery_store.h"
+#include "core/recovery_store.h"
 
 #include "core/file_helpers.h"
 #include "core/safe_file_write.h"
@@ -51,7 +51,7 @@ QByteArray Describe(const RecoveryEntry &entry, const QString &contentName)
 }
 
 // The entry a description and its content file make, or nothing when either is damaged.
-std::optional<RecoveryEntry> ReadEntry(const QDir &folder, const QString &descriptionName)
+std::optional<RecoveryEntry> ReadEntry(const QDir &folder, const QString &descriptionName, const QStringList &types)
 {
     const QJsonObject json =
         QJsonDocument::fromJson(ReadFile(folder.filePath(descriptionName), kLargestDescription)).object();
@@ -63,7 +63,7 @@ std::optional<RecoveryEntry> ReadEntry(const QDir &folder, const QString &descri
     entry.savedAt = QDateTime::fromString(json.value(QLatin1String("saved")).toString(), Qt::ISODateWithMs);
     const QString contentName = json.value(QLatin1String("content")).toString();
     const bool described = RecoveryStore::isValidId(entry.id) && descriptionName == entry.id + kDescriptionSuffix
-        && (entry.type == QLatin1String("RTF") || entry.type == QLatin1String("TXT")) && entry.savedAt.isValid()
+        && types.contains(entry.type) && entry.savedAt.isValid()
         && contentName.startsWith(entry.id + u'.') && contentName.endsWith(kContentSuffix)
         && !contentName.contains(u'/') && !contentName.contains(u'\\');
     if (!described)
@@ -79,8 +79,9 @@ std::optional<RecoveryEntry> ReadEntry(const QDir &folder, const QString &descri
 
 } // namespace
 
-RecoveryStore::RecoveryStore(const QString &folder)
+RecoveryStore::RecoveryStore(const QString &folder, const QStringList &types)
     : m_folder(folder)
+    , m_types(types)
 {
 }
 
@@ -142,7 +143,7 @@ QList<RecoveryEntry> RecoveryStore::entries() const
     const QDir folder(m_folder);
     QList<RecoveryEntry> found;
     for (const QString &name : folder.entryList({u'*' + kDescriptionSuffix}, QDir::Files)) {
-        if (std::optional<RecoveryEntry> entry = ReadEntry(folder, name))
+        if (std::optional<RecoveryEntry> entry = ReadEntry(folder, name, m_types))
             found << *entry;
     }
     std::sort(found.begin(), found.end(),

@@ -1,4 +1,4 @@
-#include "notes/recovery_debounce.h"
+#include "core/recovery_debounce.h"
 
 void RecoveryDebounce::markChanged(const QString &id, const QDateTime &now)
 {

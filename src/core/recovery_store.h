@@ -4,20 +4,21 @@
 #include <QDateTime>
 #include <QList>
 #include <QString>
+#include <QStringList>
 
-// One document's recovery copy: what the editor needs to give the user back a document that
-// was open, changed and unsaved when the program stopped.
+// One document's recovery copy: what an editor (the notes editor, the whiteboard) needs to
+// give the user back a document that was open, changed and unsaved when the program stopped.
 struct RecoveryEntry
 {
     QString id;           // letters, digits, '-' and '_' only (see RecoveryStore::newId)
     QString caption;      // the document's caption ("RTF 3", "letter.rtf")
     QString originalPath; // its file, empty for a document never saved
-    QString type;         // "RTF" or "TXT"
+    QString type;         // the kind of content: "RTF" or "TXT" for notes, "PNG" for a board
     QDateTime savedAt;    // when the copy was taken
-    QByteArray content;   // the document as RTF or plain-text bytes
+    QByteArray content;   // the document's bytes in that kind
 };
 
-// Recovery copies of the notes editor's documents, in one folder.
+// Recovery copies of an editor's documents, in one folder of its own.
 //
 // Each copy is a content file, "<id>.<unique>.content", and a small description,
 // "<id>.entry", that names the content file and holds its size and checksum. Both are written
@@ -28,7 +29,9 @@ struct RecoveryEntry
 class RecoveryStore
 {
 public:
-    explicit RecoveryStore(const QString &folder);
+    // `types` are the kinds of content the editor can take back; a copy of another kind is
+    // not listed (it is damaged, or not the editor's).
+    explicit RecoveryStore(const QString &folder, const QStringList &types = {QStringLiteral("RTF"), QStringLiteral("TXT")});
 
     // A fresh id for a document of this run that no earlier run has used.
     static QString newId();
@@ -56,4 +59,5 @@ private:
     void removeContentFilesExcept(const QString &id, const QString &keep) const;
 
     QString m_folder;
+    QStringList m_types;
 };

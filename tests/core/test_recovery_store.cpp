@@ -1,5 +1,5 @@
-#include "notes/recovery_debounce.h"
-#include "notes/recovery_store.h"
+#include "core/recovery_debounce.h"
+#include "core/recovery_store.h"
 #include "support/test_home.h"
 
 #include <QCoreApplication>

@@ -7,7 +7,7 @@
 
 #include <optional>
 
-// When the notes editor takes recovery copies: a document's changes are copied no later than
+// When an editor takes recovery copies: a document's changes are copied no later than
 // 30 seconds after they were made, even while the user keeps typing. The clock starts at the
 // first change not yet copied (later changes do not push it back) and stops when the document
 // is copied or saved. Times are passed in, so the rule is testable without waiting.
