@@ -178,4 +178,9 @@ void ThemedDialog::done(int result)
     if (m_placed)
         SaveWindowPlacement(this, false);
     QDialog::done(result);
+    // The keyboard goes back to the window the dialog was opened over. Window managers mostly
+    // do this themselves, but not for tool windows (every widget is one), and without a window
+    // manager nobody does: keys typed next would be lost.
+    if (QWidget *owner = parentWidget() ? parentWidget()->window() : nullptr; owner && owner->isVisible())
+        owner->activateWindow();
 }
