@@ -4,7 +4,8 @@
 
 #include <QResizeEvent>
 
-DrawingArea::DrawingArea(DrawingLayer *layer, QWidget *parent) : QScrollArea(parent), m_canvas(new InkCanvas(layer))
+DrawingArea::DrawingArea(DrawingLayer *layer, QWidget *parent)
+    : QScrollArea(parent), m_canvas(new InkCanvas(layer))
 {
     setFrameShape(QFrame::NoFrame);
     setWidgetResizable(false);

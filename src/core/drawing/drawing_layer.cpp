@@ -39,9 +39,7 @@ QImage emptyLayer(const QSize &size)
 
 } // namespace
 
-DrawingLayer::DrawingLayer(QObject *parent) : QObject(parent), m_image(emptyLayer(QSize(1, 1)))
-{
-}
+DrawingLayer::DrawingLayer(QObject *parent) : QObject(parent), m_image(emptyLayer(QSize(1, 1))) {}
 
 void DrawingLayer::ensureSize(const QSize &size)
 {
@@ -265,6 +263,12 @@ bool DrawingLayer::isClean() const
 void DrawingLayer::setClean()
 {
     m_clean = m_applied;
+    emit historyChanged();
+}
+
+void DrawingLayer::forgetCleanState()
+{
+    m_clean = -1;
     emit historyChanged();
 }
 

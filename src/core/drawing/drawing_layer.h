@@ -70,6 +70,9 @@ public:
     // Clean: the pixels are those of the last setClean() (the board as last saved or opened).
     bool isClean() const;
     void setClean();
+    // No state in the history is clean any more (a board brought back after a crash, whose
+    // pixels were never saved).
+    void forgetCleanState();
 
     // The layer laid on `background`, opaque: what the board looks like, for saving and copying.
     QImage flattened(const QColor &background) const;

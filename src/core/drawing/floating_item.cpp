@@ -123,7 +123,8 @@ QRectF FloatingItem::draggedRect(const QRectF &start, Handle handle, const QPoin
     const qreal towardsY = cornerOf(start, handle).y() >= anchor.y() ? 1 : -1;
     // The scale is how far the corner went along the item's diagonal, so a drag that is not
     // quite diagonal still scales smoothly.
-    const qreal along = (corner.x() - anchor.x()) * towardsX * start.width() + (corner.y() - anchor.y()) * towardsY * start.height();
+    const qreal along = (corner.x() - anchor.x()) * towardsX * start.width() +
+                        (corner.y() - anchor.y()) * towardsY * start.height();
     const qreal diagonal = start.width() * start.width() + start.height() * start.height();
     const qreal least = smallestSide / qMin(start.width(), start.height());
     const qreal scale = qMax(least, along / diagonal);

@@ -100,7 +100,8 @@ QRect InkCanvas::toWidget(const QRect &layerArea) const
 void InkCanvas::growToCover(const QSize &widgetSize)
 {
     const qreal scale = layerScale();
-    m_layer->ensureSize(QSize(int(std::ceil(widgetSize.width() * scale)), int(std::ceil(widgetSize.height() * scale))));
+    m_layer->ensureSize(
+        QSize(int(std::ceil(widgetSize.width() * scale)), int(std::ceil(widgetSize.height() * scale))));
 }
 
 void InkCanvas::matchLayerSize()
@@ -277,14 +278,16 @@ void InkCanvas::pointerPressed(const QPointF &widgetPos, qreal pressure, Qt::Key
     if (eraserEnd)
         pen.kind = InkKind::Eraser;
     m_stroke = std::make_unique<InkStroke>(*m_layer, pen, shapeFor(modifiers), InkPoint{at, pressure});
-    updateLayerArea(QRectF(at, QSizeF(1, 1)).adjusted(-pen.width, -pen.width, pen.width, pen.width).toAlignedRect());
+    updateLayerArea(
+        QRectF(at, QSizeF(1, 1)).adjusted(-pen.width, -pen.width, pen.width, pen.width).toAlignedRect());
 }
 
 void InkCanvas::pointerMoved(const QPointF &widgetPos, qreal pressure, Qt::KeyboardModifiers modifiers)
 {
     const QPointF at = toLayer(widgetPos);
     if (m_dragHandle != FloatingItem::Handle::None) {
-        setPlacedRect(FloatingItem::draggedRect(m_dragStartRect, m_dragHandle, at - m_dragStartPos, kSmallestItem));
+        setPlacedRect(
+            FloatingItem::draggedRect(m_dragStartRect, m_dragHandle, at - m_dragStartPos, kSmallestItem));
         return;
     }
     if (!m_stroke)
@@ -439,8 +442,9 @@ void InkCanvas::changeEvent(QEvent *event)
 void InkCanvas::updateCursor(const QPointF &widgetPos)
 {
     if (hasPlacedItem()) {
-        const FloatingItem::Handle handle =
-            m_dragHandle != FloatingItem::Handle::None ? m_dragHandle : m_placed.handleAt(toLayer(widgetPos), grabDistance());
+        const FloatingItem::Handle handle = m_dragHandle != FloatingItem::Handle::None
+                                                ? m_dragHandle
+                                                : m_placed.handleAt(toLayer(widgetPos), grabDistance());
         setCursor(cursorFor(handle));
         return;
     }

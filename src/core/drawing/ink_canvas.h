@@ -96,7 +96,8 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
-    void pointerPressed(const QPointF &widgetPos, qreal pressure, Qt::KeyboardModifiers modifiers, bool eraserEnd);
+    void pointerPressed(const QPointF &widgetPos, qreal pressure, Qt::KeyboardModifiers modifiers,
+                        bool eraserEnd);
     void pointerMoved(const QPointF &widgetPos, qreal pressure, Qt::KeyboardModifiers modifiers);
     void pointerReleased();
     void followModifiers(Qt::KeyboardModifiers modifiers);

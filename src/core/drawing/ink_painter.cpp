@@ -59,11 +59,13 @@ void PaintInkSegment(QPainter &painter, const InkSegment &segment, const InkPen 
     painter.restore();
 }
 
-void PaintInkShape(QPainter &painter, InkShape shape, const QPointF &from, const QPointF &to, const InkPen &pen)
+void PaintInkShape(QPainter &painter, InkShape shape, const QPointF &from, const QPointF &to,
+                   const InkPen &pen)
 {
     painter.save();
     preparePainter(painter, pen);
-    const QPen line(inkColor(pen), pen.width, Qt::SolidLine, shape == InkShape::Line ? Qt::RoundCap : Qt::SquareCap,
+    const QPen line(inkColor(pen), pen.width, Qt::SolidLine,
+                    shape == InkShape::Line ? Qt::RoundCap : Qt::SquareCap,
                     shape == InkShape::Line ? Qt::RoundJoin : Qt::MiterJoin);
     const QRectF area = QRectF(from, to).normalized();
     if (shape == InkShape::Line || shape == InkShape::Freehand) {

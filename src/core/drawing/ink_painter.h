@@ -16,7 +16,8 @@ void PaintInkSegment(QPainter &painter, const InkSegment &segment, const InkPen 
 
 // Draws a straight line or a rectangle from `from` to `to`. A rectangle of the pen is an
 // outline; of the highlighter and the eraser a filled area (a highlighted block, a cleared one).
-void PaintInkShape(QPainter &painter, InkShape shape, const QPointF &from, const QPointF &to, const InkPen &pen);
+void PaintInkShape(QPainter &painter, InkShape shape, const QPointF &from, const QPointF &to,
+                   const InkPen &pen);
 
 // The pixels a piece or a shape can touch, anti-aliasing included.
 QRect InkSegmentBounds(const InkSegment &segment, const InkPen &pen);

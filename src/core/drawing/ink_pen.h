@@ -30,7 +30,10 @@ struct InkPen
 
     // The width at a pointer pressure from 0 to 1. A mouse always presses at 1; a tablet pen
     // pressed lightly still leaves a visible line.
-    qreal widthAt(qreal pressure) const { return qMax(0.5, width * (0.25 + 0.75 * qBound(0.0, pressure, 1.0))); }
+    qreal widthAt(qreal pressure) const
+    {
+        return qMax(0.5, width * (0.25 + 0.75 * qBound(0.0, pressure, 1.0)));
+    }
 
     bool operator==(const InkPen &) const = default;
 };

@@ -21,7 +21,9 @@ InkSegment StrokeSmoother::begin(const InkPoint &point)
 QList<InkSegment> StrokeSmoother::add(const InkPoint &point)
 {
     m_lastRaw = point;
-    const InkPoint next = between(m_smoothed, point, kFollow);
+    const qreal distance = QLineF(m_smoothed.pos, point.pos).length();
+    const qreal follow = qMin(1.0, kFollow + (1 - kFollow) * distance / kFullFollowDistance);
+    const InkPoint next = between(m_smoothed, point, follow);
     if (QLineF(m_smoothed.pos, next.pos).length() < kMinimumStep)
         return {};
     const InkPoint mid = between(m_smoothed, next, 0.5);
@@ -36,7 +38,8 @@ QList<InkSegment> StrokeSmoother::finish()
 {
     if (!m_moved && QLineF(m_midpoint.pos, m_lastRaw.pos).length() < kMinimumStep)
         return {};
-    const InkSegment last{m_midpoint.pos, m_smoothed.pos, m_lastRaw.pos, m_midpoint.pressure, m_lastRaw.pressure};
+    const InkSegment last{m_midpoint.pos, m_smoothed.pos, m_lastRaw.pos, m_midpoint.pressure,
+                          m_lastRaw.pressure};
     m_midpoint = m_lastRaw;
     m_smoothed = m_lastRaw;
     return {last};

@@ -25,15 +25,19 @@ struct InkSegment
 // stroke can be drawn while the user is still moving.
 //
 // Each sample is first pulled part of the way towards the previous one, which takes out the
-// tremor of a hand and the staircase of a mouse on the pixel grid. The line then runs through
+// tremor of a hand and the staircase of a mouse on the pixel grid; the further it is from the
+// previous one, the less it is pulled. The line then runs through
 // the midpoints between successive samples as quadratic curves, bent by the samples themselves,
 // so it has no corners where the pointer happened to be sampled. finish() runs the line on to
 // the last real sample, so the stroke ends where the pointer was let go.
 class StrokeSmoother
 {
 public:
-    // How far each sample goes towards where the pointer really is (1: no smoothing).
+    // How far a sample close to the previous one goes towards where the pointer really is
+    // (1: no smoothing). Jitter is small; samples further apart (a quick move, a slow device)
+    // are followed more closely, so a fast stroke keeps its shape and does not lag behind.
     static constexpr qreal kFollow = 0.55;
+    static constexpr qreal kFullFollowDistance = 24;
     // Samples closer than this to the previous one (in layer pixels) add nothing but noise.
     static constexpr qreal kMinimumStep = 0.75;
 
@@ -45,8 +49,8 @@ public:
     QList<InkSegment> finish();
 
 private:
-    InkPoint m_smoothed;    // the last sample after smoothing
-    InkPoint m_lastRaw;     // the last sample as the pointer gave it
-    InkPoint m_midpoint;    // where the line drawn so far ends
+    InkPoint m_smoothed; // the last sample after smoothing
+    InkPoint m_lastRaw;  // the last sample as the pointer gave it
+    InkPoint m_midpoint; // where the line drawn so far ends
     bool m_moved = false;
 };

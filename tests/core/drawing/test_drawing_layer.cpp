@@ -72,8 +72,8 @@ void TestDrawingLayer::undoAndRedoGiveThePixelsBack_data()
     QTest::newRow("highlighter") << QList<int>{int(Mark::Highlighter), int(Mark::Highlighter)};
     QTest::newRow("eraser over ink") << QList<int>{int(Mark::PenAcrossTiles), int(Mark::EraserOverInk)};
     QTest::newRow("rectangle over highlighter") << QList<int>{int(Mark::Highlighter), int(Mark::Rectangle)};
-    QTest::newRow("partial tiles at the edge") << QList<int>{int(Mark::NearEdge), int(Mark::PenAcrossTiles),
-                                                             int(Mark::NearEdge)};
+    QTest::newRow("partial tiles at the edge")
+        << QList<int>{int(Mark::NearEdge), int(Mark::PenAcrossTiles), int(Mark::NearEdge)};
 }
 
 void TestDrawingLayer::undoAndRedoGiveThePixelsBack()
@@ -203,7 +203,8 @@ void TestDrawingLayer::historyKeepsItsNewestSteps()
     const int steps = DrawingLayer::kMostSteps + 20;
     for (int i = 0; i < steps; ++i) {
         layer.beginEdit(QString::number(i));
-        layer.paint(QRect(i % 64, 0, 1, 1), [i](QPainter &p) { p.fillRect(i % 64, 0, 1, 1, QColor(i % 256, 0, 0)); });
+        layer.paint(QRect(i % 64, 0, 1, 1),
+                    [i](QPainter &p) { p.fillRect(i % 64, 0, 1, 1, QColor(i % 256, 0, 0)); });
         layer.commitEdit();
     }
     QCOMPARE(layer.undoSteps(), int(DrawingLayer::kMostSteps));

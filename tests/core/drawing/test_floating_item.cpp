@@ -24,7 +24,8 @@ void TestFloatingItem::dragging_data()
     QTest::addColumn<QRectF>("expected");
     // The item starts at (100, 100), 200 x 100.
     QTest::newRow("body moves") << H::Body << QPointF(-30, 12) << QRectF(70, 112, 200, 100);
-    QTest::newRow("bottom-right grows, shape kept") << H::BottomRight << QPointF(200, 100) << QRectF(100, 100, 400, 200);
+    QTest::newRow("bottom-right grows, shape kept")
+        << H::BottomRight << QPointF(200, 100) << QRectF(100, 100, 400, 200);
     QTest::newRow("top-left grows about the bottom-right")
         << H::TopLeft << QPointF(-100, -50) << QRectF(0, 50, 300, 150);
     QTest::newRow("top-right shrinks") << H::TopRight << QPointF(-100, 50) << QRectF(100, 150, 100, 50);
@@ -43,7 +44,8 @@ void TestFloatingItem::dragging()
     // Smallest side 8: the 2:1 item cannot get smaller than 16 x 8.
     const QRectF result = FloatingItem::draggedRect(QRectF(100, 100, 200, 100), handle, delta, 8);
     QVERIFY2(qAbs(result.left() - expected.left()) < 0.01 && qAbs(result.top() - expected.top()) < 0.01 &&
-                 qAbs(result.width() - expected.width()) < 0.01 && qAbs(result.height() - expected.height()) < 0.01,
+                 qAbs(result.width() - expected.width()) < 0.01 &&
+                 qAbs(result.height() - expected.height()) < 0.01,
              qPrintable(QStringLiteral("%1,%2 %3x%4")
                             .arg(result.left())
                             .arg(result.top())

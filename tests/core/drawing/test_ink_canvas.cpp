@@ -6,7 +6,9 @@
 
 #include <QApplication>
 #include <QMouseEvent>
+#include <QPointingDevice>
 #include <QSignalSpy>
+#include <QTabletEvent>
 #include <QTest>
 
 namespace {
@@ -20,9 +22,11 @@ void sendMouse(QWidget *w, QEvent::Type type, const QPointF &pos, Qt::MouseButto
 }
 
 // A left-button drag through `points`; `modifiers` are held from the point numbered `from` on.
-void drag(QWidget *w, const QList<QPointF> &points, Qt::KeyboardModifiers modifiers = Qt::NoModifier, int from = 0)
+void drag(QWidget *w, const QList<QPointF> &points, Qt::KeyboardModifiers modifiers = Qt::NoModifier,
+          int from = 0)
 {
-    sendMouse(w, QEvent::MouseButtonPress, points.first(), Qt::LeftButton, from == 0 ? modifiers : Qt::NoModifier);
+    sendMouse(w, QEvent::MouseButtonPress, points.first(), Qt::LeftButton,
+              from == 0 ? modifiers : Qt::NoModifier);
     for (int i = 1; i < points.size(); ++i)
         sendMouse(w, QEvent::MouseMove, points[i], Qt::LeftButton, i >= from ? modifiers : Qt::NoModifier);
     sendMouse(w, QEvent::MouseButtonRelease, points.last(), Qt::NoButton);
@@ -57,6 +61,7 @@ private slots:
     void undoDropsAnItemBeingPlaced();
     void textToolAsksForTextWhereClicked();
     void clearIsOneUndoStep();
+    void tabletPressureAndEraserEnd();
 
 private:
     DrawingLayer *m_layer = nullptr;
@@ -191,6 +196,46 @@ void TestInkCanvas::clearIsOneUndoStep()
     QCOMPARE(m_layer->undoLabel(), QStringLiteral("Clear Board"));
     canvas()->undo();
     QCOMPARE(m_layer->image(), drawn);
+}
+
+void TestInkCanvas::tabletPressureAndEraserEnd()
+{
+    canvas()->setPen({InkKind::Pen, Qt::black, 20});
+    QPointingDevice stylus(QStringLiteral("stylus"), 7, QInputDevice::DeviceType::Stylus,
+                           QPointingDevice::PointerType::Pen,
+                           QInputDevice::Capability::Position | QInputDevice::Capability::Pressure, 1, 3);
+    QPointingDevice rubber(QStringLiteral("stylus eraser"), 8, QInputDevice::DeviceType::Stylus,
+                           QPointingDevice::PointerType::Eraser,
+                           QInputDevice::Capability::Position | QInputDevice::Capability::Pressure, 1, 3);
+    auto stroke = [this](const QPointingDevice &device, qreal y, qreal pressure) {
+        const QList<QPointF> points = across(QPointF(20, y), QPointF(380, y));
+        for (int i = 0; i < points.size(); ++i) {
+            const QEvent::Type type = i == 0 ? QEvent::TabletPress : QEvent::TabletMove;
+            QTabletEvent event(type, &device, points[i], canvas()->mapToGlobal(points[i]), pressure, 0, 0, 0,
+                               0, 0, Qt::NoModifier, Qt::LeftButton, Qt::LeftButton);
+            QApplication::sendEvent(canvas(), &event);
+            QVERIFY(event.isAccepted()); // no mouse events are made from it, so no second line
+        }
+        QTabletEvent release(QEvent::TabletRelease, &device, points.last(),
+                             canvas()->mapToGlobal(points.last()), 0, 0, 0, 0, 0, 0, Qt::NoModifier,
+                             Qt::LeftButton, Qt::NoButton);
+        QApplication::sendEvent(canvas(), &release);
+    };
+    auto thickness = [this](int x, int from, int to) {
+        int inked = 0;
+        for (int y = from; y < to; ++y)
+            inked += alphaAt(*m_layer, x, y) > 128;
+        return inked;
+    };
+    stroke(stylus, 60, 1.0);
+    stroke(stylus, 160, 0.1);
+    QVERIFY2(thickness(200, 30, 90) >= 19, qPrintable(QString::number(thickness(200, 30, 90))));
+    QVERIFY2(thickness(200, 130, 190) < 10, qPrintable(QString::number(thickness(200, 130, 190))));
+    QCOMPARE(m_layer->undoSteps(), 2);
+    // The pen's other end rubs out, whatever tool is chosen.
+    stroke(rubber, 60, 1.0);
+    QCOMPARE(thickness(200, 30, 90), 0);
+    QCOMPARE(m_layer->undoLabel(), QStringLiteral("Eraser"));
 }
 
 QTEST_MAIN(TestInkCanvas)

@@ -10,7 +10,8 @@
 
 namespace {
 
-QImage drawStroke(const InkPen &pen, InkShape shape, const QList<QPointF> &points, QSize size = QSize(200, 200))
+QImage drawStroke(const InkPen &pen, InkShape shape, const QList<QPointF> &points,
+                  QSize size = QSize(200, 200))
 {
     DrawingLayer layer;
     layer.reset(size);
@@ -98,11 +99,12 @@ void TestInkStroke::aClickLeavesADot()
 void TestInkStroke::highlighterDoesNotDarkenWhereItCrossesItself()
 {
     // Down, across and back over the start: the line crosses itself at (50, 50).
-    const QImage image = drawStroke({InkKind::Highlighter, Qt::yellow, 16}, InkShape::Freehand,
-                                    sampled({QPointF(50, 10), QPointF(50, 90), QPointF(90, 90), QPointF(90, 50),
-                                             QPointF(20, 50)}));
+    const QImage image = drawStroke(
+        {InkKind::Highlighter, Qt::yellow, 16}, InkShape::Freehand,
+        sampled({QPointF(50, 10), QPointF(50, 90), QPointF(90, 90), QPointF(90, 50), QPointF(20, 50)}));
     const int single = alphaAt(image, 50, 75);
-    QVERIFY2(qAbs(single - qRound(255 * InkPen::kHighlighterOpacity)) <= 2, qPrintable(QString::number(single)));
+    QVERIFY2(qAbs(single - qRound(255 * InkPen::kHighlighterOpacity)) <= 2,
+             qPrintable(QString::number(single)));
     QCOMPARE(alphaAt(image, 50, 50), single);
     QCOMPARE(alphaAt(image, 70, 50), single);
 }
@@ -126,15 +128,15 @@ void TestInkStroke::shapes_data()
 {
     QTest::addColumn<int>("kind");
     QTest::addColumn<int>("shape");
-    QTest::addColumn<QPoint>("inked");     // a pixel the shape covers
-    QTest::addColumn<QPoint>("clear");     // one it leaves alone
+    QTest::addColumn<QPoint>("inked"); // a pixel the shape covers
+    QTest::addColumn<QPoint>("clear"); // one it leaves alone
     QTest::addColumn<int>("inkedAlpha");
     QTest::addColumn<QString>("label");
 
-    QTest::newRow("pen line") << int(InkKind::Pen) << int(InkShape::Line) << QPoint(100, 100) << QPoint(100, 40)
-                              << 255 << "Line";
-    QTest::newRow("pen rectangle is an outline")
-        << int(InkKind::Pen) << int(InkShape::Rectangle) << QPoint(40, 100) << QPoint(100, 100) << 255 << "Rectangle";
+    QTest::newRow("pen line") << int(InkKind::Pen) << int(InkShape::Line) << QPoint(100, 100)
+                              << QPoint(100, 40) << 255 << "Line";
+    QTest::newRow("pen rectangle is an outline") << int(InkKind::Pen) << int(InkShape::Rectangle)
+                                                 << QPoint(40, 100) << QPoint(100, 100) << 255 << "Rectangle";
     QTest::newRow("highlighter rectangle is a translucent block")
         << int(InkKind::Highlighter) << int(InkShape::Rectangle) << QPoint(100, 100) << QPoint(10, 10)
         << qRound(255 * InkPen::kHighlighterOpacity) << "Rectangle";
