@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=${1:-build}
-cmake --build "$build" --target startup_bench paint_bench notes_file_bench spell_bench spell_list print_bench catalogue_bench vantora
+cmake --build "$build" --target startup_bench paint_bench notes_file_bench spell_bench spell_list print_bench catalogue_bench whiteboard_bench vantora
 
 echo "== Start-up: time to the first window and resident memory (fresh VANTORA_HOME) =="
 QT_QPA_PLATFORM=offscreen "$build/bin/startup_bench" 9
@@ -28,6 +28,10 @@ QT_QPA_PLATFORM=offscreen "$build/bin/print_bench"
 echo
 echo "== Weather location catalogue: place list of the largest state, resolving the last line =="
 "$build/bin/catalogue_bench"
+
+echo
+echo "== Whiteboard: 10,000 pointer samples drawn on a 1920x1080 board, repainted every frame =="
+QT_QPA_PLATFORM=offscreen "$build/bin/whiteboard_bench"
 
 echo
 echo "== Idle cost of the clock, stopwatch and timer under Xvfb (60 s) =="

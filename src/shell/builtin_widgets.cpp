@@ -8,6 +8,7 @@
 #include "time/countdown_widget.h"
 #include "time/stopwatch_widget.h"
 #include "weather/weather_widget.h"
+#include "whiteboard/whiteboard_widget.h"
 
 void RegisterBuiltInWidgets()
 {
@@ -17,5 +18,6 @@ void RegisterBuiltInWidgets()
     registry.registerWidget(WidgetNotes, [] { return new NotesEditor; });
     registry.registerWidget(WidgetStopwatch, [] { return new StopwatchWidget; });
     registry.registerWidget(WidgetTimer, [] { return new CountdownWidget; });
+    registry.registerWidget(WidgetWhiteboard, [] { return new WhiteboardWidget; });
     registry.registerWidget(WidgetWeather, [] { return new WeatherWidget; });
 }

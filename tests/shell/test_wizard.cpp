@@ -124,15 +124,20 @@ void TestWizard::everyOfferedWidgetOpens()
 void TestWizard::widgetRegisteredLaterIsOffered()
 {
     WidgetRegistry &registry = WidgetRegistry::instance();
-    if (registry.isAvailable(WidgetWhiteboard))
-        QSKIP("the whiteboard is built: nothing left to register");
+    int missing = WidgetNone;
+    for (int index = 0; index < WidgetCount && missing == WidgetNone; ++index) {
+        if (!registry.isAvailable(index))
+            missing = index;
+    }
+    if (missing == WidgetNone)
+        QSKIP("every widget is built: nothing left to register");
     {
         WizardDialog wizard;
-        QVERIFY(!offeredWidgets(wizard).contains(WidgetWhiteboard));
+        QVERIFY(!offeredWidgets(wizard).contains(missing));
     }
-    registry.registerWidget(WidgetWhiteboard, [] { return new FakeWidget(WidgetWhiteboard); });
+    registry.registerWidget(missing, [missing] { return new FakeWidget(missing); });
     WizardDialog wizard;
-    QVERIFY(offeredWidgets(wizard).contains(WidgetWhiteboard));
+    QVERIFY(offeredWidgets(wizard).contains(missing));
 }
 
 void TestWizard::launchBoxSetsAutostart_data()

@@ -1,0 +1,60 @@
+#pragma once
+
+#include "core/drawing/ink_pen.h"
+
+#include <QColor>
+#include <QList>
+#include <QString>
+
+// The whiteboard's tools and what each one draws with. The pen, the highlighter and the eraser
+// each keep their own width (and the pen and highlighter their own colour), so going from
+// writing to highlighting and back does not lose either; the text tool writes in the pen's
+// colour. Kept under "fwbd_IDX\Details".
+class WhiteboardPens
+{
+public:
+    enum Tool
+    {
+        Pen,
+        Highlighter,
+        Eraser,
+        Text,
+    };
+
+    struct NamedColor
+    {
+        QString name;
+        QColor color;
+    };
+
+    // The colours offered as swatches, in order.
+    static const QList<NamedColor> &palette();
+    // The four widths offered for a tool, in device-independent pixels, finest first.
+    static QList<qreal> widths(Tool tool);
+    static constexpr int kWidthChoices = 4;
+
+    Tool tool() const { return m_tool; }
+    void setTool(Tool tool) { m_tool = tool; }
+    // The colour of the current tool (the pen's for the text tool; the eraser has none).
+    QColor color() const;
+    void setColor(const QColor &color);
+    bool hasColor() const { return m_tool != Eraser; }
+    // Which of the four widths the current tool draws with (the pen's for the text tool).
+    int widthChoice() const;
+    void setWidthChoice(int choice);
+
+    // What the current tool draws with on a layer of `layerScale` layer pixels per
+    // device-independent pixel.
+    InkPen pen(qreal layerScale) const;
+
+    static WhiteboardPens load();
+    void save() const;
+
+private:
+    Tool drawingTool() const { return m_tool == Text ? Pen : m_tool; }
+
+    Tool m_tool = Pen;
+    QColor m_penColor = palette().first().color;
+    QColor m_highlighterColor = QColor(255, 230, 0);
+    int m_widthChoice[3] = {1, 1, 1}; // pen, highlighter, eraser
+};
