@@ -99,11 +99,7 @@ WhiteboardWidget::WhiteboardWidget(QWidget *parent)
     connect(canvas(), &InkCanvas::undoStateChanged, this, &WhiteboardWidget::showUndoState);
     connect(canvas(), &InkCanvas::placedItemChanged, this, &WhiteboardWidget::showHint);
     connect(canvas(), &InkCanvas::textRequested, this, &WhiteboardWidget::placeText);
-    connect(m_document->layer(), &DrawingLayer::changed, this, [this] {
-        m_size->setText(tr("%1 x %2 pixels")
-                            .arg(m_document->layer()->size().width())
-                            .arg(m_document->layer()->size().height()));
-    });
+    connect(m_document->layer(), &DrawingLayer::changed, this, &WhiteboardWidget::showSize);
     connect(m_tools, &WhiteboardToolBar::pensChanged, this, &WhiteboardWidget::applyPens);
     connect(m_boards, &BoardListPanel::openRequested, this, &WhiteboardWidget::openBoard);
     connect(m_boards, &BoardListPanel::deleteRequested, this, &WhiteboardWidget::deleteBoard);
@@ -270,10 +266,16 @@ void WhiteboardWidget::showUndoState()
                                                  : tr("Nothing to undo"));
     m_redo->setToolTip(layer->canRedo() ? tr("Redo %1 (Ctrl+Y)").arg(layer->redoLabel())
                                         : tr("Nothing to redo"));
-    const QString modified = m_document->isModified() ? QStringLiteral(" *") : QString();
-    if (!m_title->text().endsWith(modified) ||
-        (modified.isEmpty() && m_title->text().endsWith(QLatin1String(" *"))))
-        showState();
+}
+
+void WhiteboardWidget::showSize()
+{
+    // Called for every piece of every stroke: only a new size is worth a new text.
+    const QSize size = m_document->layer()->size();
+    if (size == m_shownSize)
+        return;
+    m_shownSize = size;
+    m_size->setText(tr("%1 x %2 pixels").arg(size.width()).arg(size.height()));
 }
 
 void WhiteboardWidget::showHint()

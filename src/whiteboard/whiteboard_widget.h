@@ -82,6 +82,7 @@ private:
     void applyPens();
     void showState();
     void showHint();
+    void showSize();
     void showUndoState();
     void placePicture(const QImage &picture, const QPointF &centre);
     QRectF visibleLayerArea() const;
@@ -91,6 +92,7 @@ private:
     BoardDocument *m_document;
     BoardRecovery *m_recovery = nullptr;
     bool m_offered = false;
+    QSize m_shownSize;
     DrawingArea *m_area = nullptr;
     WhiteboardToolBar *m_tools = nullptr;
     BoardListPanel *m_boards = nullptr;

@@ -58,8 +58,6 @@ private slots:
     void placeRemembersFontCancelDoesNot();
     void damagedFontFallsBack_data();
     void damagedFontFallsBack();
-    void fontAndColourFollowControls_data();
-    void fontAndColourFollowControls();
     void keyboard_data();
     void keyboard();
 };
@@ -189,54 +187,6 @@ void TestWhiteboardTextDialog::damagedFontFallsBack()
     QCOMPARE(font.pointSize(), expectedSize);
     QCOMPARE(font.italic(), true);
     QCOMPARE(child<QComboBox>(dialog, "cboFONTSIZE")->currentText(), QString::number(expectedSize));
-}
-
-void TestWhiteboardTextDialog::fontAndColourFollowControls_data()
-{
-    QTest::addColumn<QString>("size");
-    QTest::addColumn<bool>("bold");
-    QTest::addColumn<bool>("italic");
-    QTest::addColumn<bool>("underline");
-    QTest::addColumn<QColor>("color");
-    QTest::addColumn<int>("sampleSize"); // the sample's size is capped
-
-    QTest::newRow("plain, small, red") << "10" << false << false << false << QColor(Qt::red) << 10;
-    // One style alone, so that styles mixed up with each other show.
-    QTest::newRow("italic only") << "24" << false << true << false << QColor(0x12, 0x34, 0x56) << 24;
-    QTest::newRow("bold, italic, underlined, large")
-        << "150" << true << true << true << QColor(Qt::black) << 32;
-}
-
-void TestWhiteboardTextDialog::fontAndColourFollowControls()
-{
-    QFETCH(QString, size);
-    QFETCH(bool, bold);
-    QFETCH(bool, italic);
-    QFETCH(bool, underline);
-    QFETCH(QColor, color);
-    QFETCH(int, sampleSize);
-    TestHome home;
-    WhiteboardTextDialog dialog;
-    chooseFont(dialog, QStringLiteral("Nowhere Serif"), size, bold, italic, underline);
-    dialog.setTextColor(color);
-
-    const QFont font = dialog.textFont();
-    QCOMPARE(font.family(), QStringLiteral("Nowhere Serif"));
-    QCOMPARE(font.pointSize(), size.toInt());
-    QCOMPARE(font.bold(), bold);
-    QCOMPARE(font.italic(), italic);
-    QCOMPARE(font.underline(), underline);
-    QCOMPARE(dialog.textColor(), color);
-
-    const QLabel *sample = child<QLabel>(dialog, "lblSAMPLE");
-    QCOMPARE(sample->font().pointSize(), sampleSize);
-    QCOMPARE(sample->font().bold(), bold);
-    QCOMPARE(sample->font().italic(), italic);
-    QCOMPARE(sample->font().underline(), underline);
-    QCOMPARE(sample->palette().color(QPalette::WindowText), color);
-    // An invalid colour leaves the chosen one.
-    dialog.setTextColor(QColor());
-    QCOMPARE(dialog.textColor(), color);
 }
 
 void TestWhiteboardTextDialog::keyboard_data()
