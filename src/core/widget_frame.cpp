@@ -6,6 +6,7 @@
 #include <QFileInfo>
 #include <QGuiApplication>
 #include <QScreen>
+#include <QShortcut>
 #include <QHash>
 #include <QSoundEffect>
 #include <QWidget>
@@ -192,4 +193,11 @@ void SetContextMenuHandler(ContextMenuHandler handler)
 void SetSoundRecorderForTesting(SoundRecorder recorder)
 {
     g_soundRecorder = std::move(recorder);
+}
+
+void AddWindowShortcut(QWidget *window, const QKeySequence &keys, const std::function<void()> &action)
+{
+    auto *shortcut = new QShortcut(keys, window);
+    shortcut->setContext(Qt::WindowShortcut);
+    QObject::connect(shortcut, &QShortcut::activated, window, action);
 }

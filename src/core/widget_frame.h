@@ -5,6 +5,7 @@
 #include <QUrl>
 #include <functional>
 
+class QKeySequence;
 class QWidget;
 
 // Shared behaviour of every borderless widget window: frame, dragging, keep-on-top, the corner
@@ -39,6 +40,9 @@ QUrl LinkTargetToUrl(const QString &target, const QString &folder = QString());
 // Moves the window the least needed to lie wholly on the screen under its centre (the primary
 // screen when none is). A window larger than the screen keeps its top-left corner visible.
 void KeepInsideScreen(QWidget *window);
+
+// A keyboard shortcut that runs `action` wherever the focus is in `window`.
+void AddWindowShortcut(QWidget *window, const QKeySequence &keys, const std::function<void()> &action);
 
 // Puts the window's close button ("picCLOSE" or "CloseRefresh") at the top right, 10 pixels in.
 void PlaceCloseButton(QWidget *window);

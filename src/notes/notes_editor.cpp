@@ -3,6 +3,7 @@
 #include "core/app_paths.h"
 #include "core/recovery_store.h"
 #include "core/settings_store.h"
+#include "core/widget_frame.h"
 #include "core/widget_index.h"
 #include "notes/document_file.h"
 #include "notes/document_naming.h"
@@ -36,7 +37,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMenu>
-#include <QShortcut>
 #include <QSplitter>
 #include <QStackedWidget>
 #include <QTabBar>
@@ -144,55 +144,47 @@ void NotesEditor::buildCommandRow(QWidget *row)
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
-    addCommand(row, QStringLiteral("btnNEW"), tr("New"), tr("A new document (Ctrl+N)"), [this] { DocumentNew(); });
-    QToolButton *open = addCommand(row, QStringLiteral("btnOPEN"), tr("Open"),
+    AddPanelCommand(row, QStringLiteral("btnNEW"), tr("New"), tr("A new document (Ctrl+N)"), [this] { DocumentNew(); });
+    QToolButton *open = AddPanelCommand(row, QStringLiteral("btnOPEN"), tr("Open"),
                                    tr("Open documents (Ctrl+O); the arrow lists recent files"),
                                    [this] { DocumentOpen(); });
     m_recentMenu = new QMenu(open);
     open->setMenu(m_recentMenu);
     open->setPopupMode(QToolButton::MenuButtonPopup);
     connect(m_recentMenu, &QMenu::aboutToShow, this, &NotesEditor::fillRecentMenu);
-    addCommand(row, QStringLiteral("btnSAVE"), tr("Save"), tr("Save the document (Ctrl+S)"),
+    AddPanelCommand(row, QStringLiteral("btnSAVE"), tr("Save"), tr("Save the document (Ctrl+S)"),
                [this] { DocumentSaveMain(); });
-    addCommand(row, QStringLiteral("btnSAVEAS"), tr("Save As"), tr("Save the document as a new file (Ctrl+Shift+S)"),
+    AddPanelCommand(row, QStringLiteral("btnSAVEAS"), tr("Save As"), tr("Save the document as a new file (Ctrl+Shift+S)"),
                [this] { DocumentSaveAsNew(); });
-    addCommand(row, QStringLiteral("btnCLOSEDOC"), tr("Close"), tr("Close the document (Ctrl+W)"),
+    AddPanelCommand(row, QStringLiteral("btnCLOSEDOC"), tr("Close"), tr("Close the document (Ctrl+W)"),
                [this] { DocumentClose(); });
     layout->addSpacing(10);
-    addCommand(row, QStringLiteral("btnUNDO"), tr("Undo"), tr("Undo (Ctrl+Z)"), [this] {
+    AddPanelCommand(row, QStringLiteral("btnUNDO"), tr("Undo"), tr("Undo (Ctrl+Z)"), [this] {
         if (NoteDocument *d = activeDocument())
             d->page()->undo();
     });
-    addCommand(row, QStringLiteral("btnREDO"), tr("Redo"), tr("Redo (Ctrl+Y)"), [this] {
+    AddPanelCommand(row, QStringLiteral("btnREDO"), tr("Redo"), tr("Redo (Ctrl+Y)"), [this] {
         if (NoteDocument *d = activeDocument())
             d->page()->redo();
     });
-    addCommand(row, QStringLiteral("btnFIND"), tr("Find"), tr("Find (Ctrl+F), next F3, previous Shift+F3"),
+    AddPanelCommand(row, QStringLiteral("btnFIND"), tr("Find"), tr("Find (Ctrl+F), next F3, previous Shift+F3"),
                [this] { NoteTool(2); });
-    addCommand(row, QStringLiteral("btnREPLACE"), tr("Replace"), tr("Find and replace (Ctrl+H)"),
+    AddPanelCommand(row, QStringLiteral("btnREPLACE"), tr("Replace"), tr("Find and replace (Ctrl+H)"),
                [this] { NoteTool(3); });
     layout->addSpacing(10);
-    addCommand(row, QStringLiteral("btnPRINT"), tr("Print"), tr("Print preview and page setup (Ctrl+P)"),
+    AddPanelCommand(row, QStringLiteral("btnPRINT"), tr("Print"), tr("Print preview and page setup (Ctrl+P)"),
                [this] { DocumentPrint(); });
-    addCommand(row, QStringLiteral("btnSPELL"), tr("Spelling"), tr("Check the spelling (F7)"),
+    AddPanelCommand(row, QStringLiteral("btnSPELL"), tr("Spelling"), tr("Check the spelling (F7)"),
                [this] { DocumentSpellCheck(); });
     layout->addStretch(1);
-    QToolButton *files = addCommand(row, QStringLiteral("btnSIDEPANEL"), tr("Files"),
+    QToolButton *files = AddPanelCommand(row, QStringLiteral("btnSIDEPANEL"), tr("Files"),
                                     tr("Show or hide the document and picture browsers"), [this] {
                                         m_side->setVisible(!m_side->isVisible());
                                     });
     files->setCheckable(true);
     files->setChecked(true);
-    addCommand(row, QStringLiteral("btnSETTINGS"), tr("Settings"), tr("Settings for new documents and for spelling"),
+    AddPanelCommand(row, QStringLiteral("btnSETTINGS"), tr("Settings"), tr("Settings for new documents and for spelling"),
                [this] { openSettingsDialog(); });
-}
-
-QToolButton *NotesEditor::addCommand(QWidget *row, const QString &name, const QString &caption,
-                                     const QString &toolTip, const std::function<void()> &action)
-{
-    QToolButton *button = AddPanelCommand(row, name, caption, toolTip);
-    connect(button, &QToolButton::clicked, this, action);
-    return button;
 }
 
 void NotesEditor::buildSidePanel()
@@ -242,9 +234,7 @@ void NotesEditor::buildStatusRow(QWidget *row)
 void NotesEditor::installShortcuts()
 {
     const auto add = [this](const QKeySequence &keys, const std::function<void()> &action) {
-        auto *shortcut = new QShortcut(keys, this);
-        shortcut->setContext(Qt::WindowShortcut);
-        connect(shortcut, &QShortcut::activated, this, action);
+        AddWindowShortcut(this, keys, action);
     };
     add(QKeySequence::New, [this] { DocumentNew(); });
     add(QKeySequence::Open, [this] { DocumentOpen(); });

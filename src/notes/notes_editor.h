@@ -98,8 +98,6 @@ private:
     void buildSidePanel();
     void buildStatusRow(QWidget *row);
     void installShortcuts();
-    QToolButton *addCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip,
-                            const std::function<void()> &action);
 
     NoteDocument *createDocument(const QString &type);
     void removeDocument(NoteDocument *document);

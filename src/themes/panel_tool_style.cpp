@@ -27,7 +27,8 @@ QString PanelToolStyleSheet(const QColor &text, const QPalette &page)
              page.color(QPalette::Base).name());
 }
 
-QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip)
+QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip,
+                             const std::function<void()> &action)
 {
     auto *button = new QToolButton(row);
     button->setObjectName(name);
@@ -35,6 +36,7 @@ QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &c
     button->setToolTip(toolTip);
     button->setAutoRaise(true);
     button->setFocusPolicy(Qt::TabFocus);
+    QObject::connect(button, &QToolButton::clicked, row, action);
     row->layout()->addWidget(button);
     return button;
 }

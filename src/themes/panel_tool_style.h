@@ -2,6 +2,8 @@
 
 #include <QString>
 
+#include <functional>
+
 class QColor;
 class QPalette;
 class QToolButton;
@@ -14,5 +16,7 @@ class QWidget;
 QString PanelToolStyleSheet(const QColor &text, const QPalette &page);
 
 // A flat command button ("New", "Save") added to the layout of `row`, a row of such buttons on
-// a painted panel: reached with Tab but not taking the focus from the page when clicked.
-QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip);
+// a painted panel, that runs `action` when clicked: reached with Tab but not taking the focus
+// from the page when clicked.
+QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip,
+                             const std::function<void()> &action);

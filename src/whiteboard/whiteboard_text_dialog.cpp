@@ -209,23 +209,33 @@ QLayout *WhiteboardTextDialog::buildLayout()
     return layout;
 }
 
-void WhiteboardTextDialog::loadFont()
+QFont WhiteboardTextDialog::rememberedFont()
 {
     QString family = ReadDetail(kWindowName, kFontName, defaultFamily());
     if (family.isEmpty())
         family = defaultFamily();
-    m_font->setCurrentFont(QFont(family));
+    QFont font(family);
+    int size = ReadIntDetail(kWindowName, kFontSize, kDefaultSize);
+    if (size < kSmallestSize || size > kLargestSize)
+        size = kDefaultSize;
+    font.setPointSize(size);
+    font.setBold(ReadBoolDetail(kWindowName, kFontBold, false));
+    font.setItalic(ReadBoolDetail(kWindowName, kFontItalic, false));
+    font.setUnderline(ReadBoolDetail(kWindowName, kFontUnderline, false));
+    return font;
+}
+
+void WhiteboardTextDialog::loadFont()
+{
+    const QFont font = rememberedFont();
+    m_font->setCurrentFont(font);
     // A font missing on this system keeps its name rather than turning into its stand-in.
-    m_font->setEditText(family);
-
-    m_openingSize = ReadIntDetail(kWindowName, kFontSize, kDefaultSize);
-    if (m_openingSize < kSmallestSize || m_openingSize > kLargestSize)
-        m_openingSize = kDefaultSize;
+    m_font->setEditText(font.family());
+    m_openingSize = font.pointSize();
     m_size->setEditText(QString::number(m_openingSize));
-
-    m_bold->setChecked(ReadBoolDetail(kWindowName, kFontBold, false));
-    m_italic->setChecked(ReadBoolDetail(kWindowName, kFontItalic, false));
-    m_underline->setChecked(ReadBoolDetail(kWindowName, kFontUnderline, false));
+    m_bold->setChecked(font.bold());
+    m_italic->setChecked(font.italic());
+    m_underline->setChecked(font.underline());
 }
 
 void WhiteboardTextDialog::saveFont() const

@@ -26,6 +26,9 @@ public:
     void setText(const QString &text);
     // Family, size in points, bold, italic, underline.
     QFont textFont() const;
+    // The font the last placed text had (what the dialog opens with), for texts that come
+    // without the dialog, such as pasted ones.
+    static QFont rememberedFont();
     QColor textColor() const;
     // The colour the text starts with (the whiteboard passes its pen's colour).
     void setTextColor(const QColor &color);

@@ -5,6 +5,7 @@
 #include "core/drawing/ink_canvas.h"
 #include "core/file_helpers.h"
 #include "core/settings_store.h"
+#include "core/widget_frame.h"
 #include "core/widget_index.h"
 #include "themes/message_box.h"
 #include "themes/painted_frame.h"
@@ -34,7 +35,6 @@
 #include <QLocale>
 #include <QMimeData>
 #include <QScrollBar>
-#include <QShortcut>
 #include <QSplitter>
 #include <QTimer>
 #include <QToolButton>
@@ -136,53 +136,48 @@ void WhiteboardWidget::buildCommandRow(QWidget *row)
     auto *layout = new QHBoxLayout(row);
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
-    addCommand(row, QStringLiteral("btnNEW"), tr("New"), tr("A new, empty board (Ctrl+N)"),
-               [this] { newBoard(); });
-    addCommand(row, QStringLiteral("btnOPEN"), tr("Open"), tr("Open a board or any picture (Ctrl+O)"),
-               [this] { chooseBoardToOpen(); });
-    addCommand(
+    AddPanelCommand(row, QStringLiteral("btnNEW"), tr("New"), tr("A new, empty board (Ctrl+N)"),
+                    [this] { newBoard(); });
+    AddPanelCommand(row, QStringLiteral("btnOPEN"), tr("Open"), tr("Open a board or any picture (Ctrl+O)"),
+                    [this] { chooseBoardToOpen(); });
+    AddPanelCommand(
         row, QStringLiteral("btnSAVE"), tr("Save"),
         tr("Save the board (Ctrl+S); a new board is saved in the board folder as the next \"Board n\""),
         [this] { saveBoard(); });
-    addCommand(
+    AddPanelCommand(
         row, QStringLiteral("btnSAVEAS"), tr("Save As"),
         tr("Save the board under a name and in a folder you choose, as PNG, BMP or JPEG (Ctrl+Shift+S)"),
         [this] { chooseSaveAs(); });
-    addCommand(row, QStringLiteral("btnDELETE"), tr("Delete"),
-               tr("Delete this board's file and clear the screen"),
-               [this] { deleteBoard(m_document->path()); });
+    AddPanelCommand(row, QStringLiteral("btnDELETE"), tr("Delete"),
+                    tr("Delete this board's file and clear the screen"),
+                    [this] { deleteBoard(m_document->path()); });
     layout->addSpacing(10);
-    m_undo = addCommand(row, QStringLiteral("btnUNDO"), tr("Undo"), QString(), [this] { canvas()->undo(); });
-    m_redo = addCommand(row, QStringLiteral("btnREDO"), tr("Redo"), QString(), [this] { canvas()->redo(); });
-    addCommand(row, QStringLiteral("btnCLEAR"), tr("Clear"),
-               tr("Clear the whole board (Undo brings it back)"), [this] { canvas()->clear(); });
+    m_undo =
+        AddPanelCommand(row, QStringLiteral("btnUNDO"), tr("Undo"), QString(), [this] { canvas()->undo(); });
+    m_redo =
+        AddPanelCommand(row, QStringLiteral("btnREDO"), tr("Redo"), QString(), [this] { canvas()->redo(); });
+    AddPanelCommand(row, QStringLiteral("btnCLEAR"), tr("Clear"),
+                    tr("Clear the whole board (Undo brings it back)"), [this] { canvas()->clear(); });
     layout->addSpacing(10);
-    addCommand(row, QStringLiteral("btnPICTURE"), tr("Picture"),
-               tr("Put a picture from a file on the board, to move and scale before it is fixed"),
-               [this] { choosePicture(); });
-    addCommand(row, QStringLiteral("btnPASTE"), tr("Paste"),
-               tr("Put the picture or text copied elsewhere on the board (Ctrl+V)"),
-               [this] { pasteFromClipboard(); });
-    addCommand(row, QStringLiteral("btnCOPY"), tr("Copy"), tr("Copy the whole board as a picture (Ctrl+C)"),
-               [this] { copyBoard(); });
+    AddPanelCommand(row, QStringLiteral("btnPICTURE"), tr("Picture"),
+                    tr("Put a picture from a file on the board, to move and scale before it is fixed"),
+                    [this] { choosePicture(); });
+    AddPanelCommand(row, QStringLiteral("btnPASTE"), tr("Paste"),
+                    tr("Put the picture or text copied elsewhere on the board (Ctrl+V)"),
+                    [this] { pasteFromClipboard(); });
+    AddPanelCommand(row, QStringLiteral("btnCOPY"), tr("Copy"),
+                    tr("Copy the whole board as a picture (Ctrl+C)"), [this] { copyBoard(); });
     layout->addStretch(1);
-    m_boardsButton = addCommand(row, QStringLiteral("btnBOARDS"), tr("Boards"),
-                                tr("Show or hide the saved boards"), [this] {
-                                    m_boards->setVisible(m_boardsButton->isChecked());
-                                    if (m_boards->isVisible())
-                                        m_boards->refresh();
-                                });
+    m_boardsButton = AddPanelCommand(row, QStringLiteral("btnBOARDS"), tr("Boards"),
+                                     tr("Show or hide the saved boards"), [this] {
+                                         m_boards->setVisible(m_boardsButton->isChecked());
+                                         if (m_boards->isVisible())
+                                             m_boards->refresh();
+                                     });
     m_boardsButton->setCheckable(true);
-    addCommand(row, QStringLiteral("btnSETTINGS"), tr("Settings"),
-               tr("The board's colour and the folder boards are saved in"), [this] { openSettingsDialog(); });
-}
-
-QToolButton *WhiteboardWidget::addCommand(QWidget *row, const QString &name, const QString &caption,
-                                          const QString &toolTip, const std::function<void()> &action)
-{
-    QToolButton *button = AddPanelCommand(row, name, caption, toolTip);
-    connect(button, &QToolButton::clicked, this, action);
-    return button;
+    AddPanelCommand(row, QStringLiteral("btnSETTINGS"), tr("Settings"),
+                    tr("The board's colour and the folder boards are saved in"),
+                    [this] { openSettingsDialog(); });
 }
 
 void WhiteboardWidget::buildStatusRow(QWidget *row)
@@ -203,9 +198,7 @@ void WhiteboardWidget::buildStatusRow(QWidget *row)
 void WhiteboardWidget::installShortcuts()
 {
     const auto add = [this](const QKeySequence &keys, const std::function<void()> &action) {
-        auto *shortcut = new QShortcut(keys, this);
-        shortcut->setContext(Qt::WindowShortcut);
-        connect(shortcut, &QShortcut::activated, this, action);
+        AddWindowShortcut(this, keys, action);
     };
     add(QKeySequence::New, [this] { newBoard(); });
     add(QKeySequence::Open, [this] { chooseBoardToOpen(); });
@@ -423,26 +416,26 @@ void WhiteboardWidget::copyBoard()
 bool WhiteboardWidget::pasteFromClipboard()
 {
     const QMimeData *data = QApplication::clipboard()->mimeData();
-    if (!data)
-        return false;
-    const QPointF centre = visibleLayerArea().center();
+    return data && placeData(data, visibleLayerArea().center());
+}
+
+bool WhiteboardWidget::placeData(const QMimeData *data, const QPointF &centre)
+{
     if (data->hasImage()) {
         placePicture(qvariant_cast<QImage>(data->imageData()), centre);
         return true;
     }
     const QString file = firstPictureFile(data);
     if (!file.isEmpty())
-        return insertPicture(file);
-    if (data->hasText() && !data->text().trimmed().isEmpty()) {
-        const WhiteboardTextDialog defaults;
-        QFont font = defaults.textFont();
-        font.setPixelSize(qRound(font.pointSizeF() * 4 / 3 * canvas()->layerScale()));
-        FloatingItem item = FloatingItem::text(data->text(), font, m_tools->pens().color());
-        item.fitInto(visibleLayerArea().adjusted(20, 20, -20, -20));
-        canvas()->placeItem(item);
-        return true;
-    }
-    return false;
+        return insertPicture(file, centre);
+    if (!data->hasText() || data->text().trimmed().isEmpty())
+        return false;
+    FloatingItem item = FloatingItem::text(
+        data->text(), inLayerPixels(WhiteboardTextDialog::rememberedFont()), m_tools->pens().color());
+    const QSizeF room = visibleLayerArea().size() - QSizeF(40, 40);
+    item.fitInto(QRectF(centre - QPointF(room.width() / 2, room.height() / 2), room));
+    canvas()->placeItem(item);
+    return true;
 }
 
 void WhiteboardWidget::choosePicture()
@@ -456,13 +449,18 @@ void WhiteboardWidget::choosePicture()
 
 bool WhiteboardWidget::insertPicture(const QString &path)
 {
+    return insertPicture(path, visibleLayerArea().center());
+}
+
+bool WhiteboardWidget::insertPicture(const QString &path, const QPointF &centre)
+{
     QString error;
     const QImage picture = BoardFile::read(path, &error);
     if (picture.isNull()) {
         ShowNotice(tr("Cannot Use the Picture"), error, true, this);
         return false;
     }
-    placePicture(picture, visibleLayerArea().center());
+    placePicture(picture, centre);
     return true;
 }
 
@@ -483,12 +481,19 @@ bool WhiteboardWidget::placeText(const QPointF &layerPos)
     dialog.setTextColor(m_tools->pens().color());
     if (dialog.exec() != QDialog::Accepted || dialog.text().trimmed().isEmpty())
         return false;
-    QFont font = dialog.textFont();
-    font.setPixelSize(qMax(1, qRound(font.pointSizeF() * 4 / 3 * canvas()->layerScale())));
-    FloatingItem item = FloatingItem::text(dialog.text(), font, dialog.textColor());
+    FloatingItem item =
+        FloatingItem::text(dialog.text(), inLayerPixels(dialog.textFont()), dialog.textColor());
     item.setRect(QRectF(layerPos, item.naturalSize()));
     canvas()->placeItem(item);
     return true;
+}
+
+QFont WhiteboardWidget::inLayerPixels(QFont font) const
+{
+    // Points are 1/72 inch and the screen counts 96 pixels to the inch; the layer has more
+    // pixels than that on a HiDPI screen.
+    font.setPixelSize(qMax(1, qRound(font.pointSizeF() * 96 / 72 * canvas()->layerScale())));
+    return font;
 }
 
 QRectF WhiteboardWidget::visibleLayerArea() const
@@ -602,17 +607,6 @@ void WhiteboardWidget::dragEnterEvent(QDragEnterEvent *event)
 
 void WhiteboardWidget::dropEvent(QDropEvent *event)
 {
-    const QPointF at = canvas()->toLayer(canvas()->mapFrom(this, event->position().toPoint()));
-    if (event->mimeData()->hasImage()) {
-        placePicture(qvariant_cast<QImage>(event->mimeData()->imageData()), at);
-    } else {
-        QString error;
-        const QImage picture = BoardFile::read(firstPictureFile(event->mimeData()), &error);
-        if (picture.isNull()) {
-            ShowNotice(tr("Cannot Use the Picture"), error, true, this);
-            return;
-        }
-        placePicture(picture, at);
-    }
-    event->acceptProposedAction();
+    if (placeData(event->mimeData(), canvas()->toLayer(canvas()->mapFrom(this, event->position().toPoint()))))
+        event->acceptProposedAction();
 }

@@ -2,6 +2,7 @@
 
 #include "themes/widget_window.h"
 
+#include <QFont>
 #include <QPointF>
 #include <functional>
 
@@ -11,6 +12,7 @@ class BoardRecovery;
 class DrawingArea;
 class InkCanvas;
 class QLabel;
+class QMimeData;
 class QSplitter;
 class QToolButton;
 class WhiteboardToolBar;
@@ -71,8 +73,6 @@ protected:
 
 private:
     void buildCommandRow(QWidget *row);
-    QToolButton *addCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip,
-                            const std::function<void()> &action);
     void buildStatusRow(QWidget *row);
     void installShortcuts();
     void chooseBoardToOpen();
@@ -84,7 +84,13 @@ private:
     void showHint();
     void showSize();
     void showUndoState();
+    // A picture, a picture file or a text (pasted or dropped) placed around `centre`; false
+    // when there was none, or the file could not be read (the user was told why).
+    bool placeData(const QMimeData *data, const QPointF &centre);
+    bool insertPicture(const QString &path, const QPointF &centre);
     void placePicture(const QImage &picture, const QPointF &centre);
+    // `font`, sized in points, sized instead in the layer's pixels.
+    QFont inLayerPixels(QFont font) const;
     QRectF visibleLayerArea() const;
     void reopenLastBoard();
     void stepWidth(int delta);

@@ -132,10 +132,7 @@ QSize InkCanvas::sizeHint() const
 
 void InkCanvas::placeItem(const FloatingItem &item)
 {
-    if (m_stroke)
-        updateLayerArea(m_stroke->finish());
-    m_stroke.reset();
-    fixPlacedItem();
+    settle();
     m_placed = item;
     update(placedWidgetArea());
     setFocus(Qt::OtherFocusReason); // Enter and Escape act on the item at once
