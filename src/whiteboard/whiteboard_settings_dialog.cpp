@@ -5,7 +5,7 @@
 #include "themes/folder_browser.h"
 #include "themes/message_box.h"
 #include "themes/theme_painter.h"
-#include "whiteboard/tool_glyphs.h"
+#include "themes/tool_glyphs.h"
 #include "whiteboard/whiteboard_settings.h"
 
 #include <QDir>

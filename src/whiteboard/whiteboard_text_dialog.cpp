@@ -1,7 +1,7 @@
 #include "whiteboard/whiteboard_text_dialog.h"
 
 #include "core/settings_store.h"
-#include "whiteboard/tool_glyphs.h"
+#include "themes/tool_glyphs.h"
 
 #include <QApplication>
 #include <QColorDialog>

@@ -7,6 +7,7 @@
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
+#include "themes/drawing_tool_bar.h"
 #include "themes/message_box.h"
 #include "themes/painted_frame.h"
 #include "themes/panel_tool_style.h"
@@ -19,7 +20,6 @@
 #include "whiteboard/whiteboard_settings.h"
 #include "whiteboard/whiteboard_settings_dialog.h"
 #include "whiteboard/whiteboard_text_dialog.h"
-#include "whiteboard/whiteboard_tool_bar.h"
 
 #include <QApplication>
 #include <QClipboard>
@@ -74,7 +74,9 @@ WhiteboardWidget::WhiteboardWidget(QWidget *parent)
     auto *commands = new QWidget(panel());
     buildCommandRow(commands);
     column->addWidget(commands);
-    m_tools = new WhiteboardToolBar(panel());
+    m_tools = new DrawingToolBar(
+        kWindow, {DrawingPens::Pen, DrawingPens::Highlighter, DrawingPens::Eraser, DrawingPens::Text},
+        panel());
     column->addWidget(m_tools);
 
     m_split = new QSplitter(Qt::Horizontal, panel());
@@ -100,7 +102,7 @@ WhiteboardWidget::WhiteboardWidget(QWidget *parent)
     connect(canvas(), &InkCanvas::placedItemChanged, this, &WhiteboardWidget::showHint);
     connect(canvas(), &InkCanvas::textRequested, this, &WhiteboardWidget::placeText);
     connect(m_document->layer(), &DrawingLayer::changed, this, &WhiteboardWidget::showSize);
-    connect(m_tools, &WhiteboardToolBar::pensChanged, this, &WhiteboardWidget::applyPens);
+    connect(m_tools, &DrawingToolBar::pensChanged, this, &WhiteboardWidget::applyPens);
     connect(m_boards, &BoardListPanel::openRequested, this, &WhiteboardWidget::openBoard);
     connect(m_boards, &BoardListPanel::deleteRequested, this, &WhiteboardWidget::deleteBoard);
 
@@ -209,10 +211,10 @@ void WhiteboardWidget::installShortcuts()
     add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), [this] { canvas()->redo(); });
     add(QKeySequence::Copy, [this] { copyBoard(); });
     add(QKeySequence::Paste, [this] { pasteFromClipboard(); });
-    add(QKeySequence(Qt::Key_P), [this] { m_tools->setTool(WhiteboardPens::Pen); });
-    add(QKeySequence(Qt::Key_H), [this] { m_tools->setTool(WhiteboardPens::Highlighter); });
-    add(QKeySequence(Qt::Key_E), [this] { m_tools->setTool(WhiteboardPens::Eraser); });
-    add(QKeySequence(Qt::Key_T), [this] { m_tools->setTool(WhiteboardPens::Text); });
+    add(QKeySequence(Qt::Key_P), [this] { m_tools->setTool(DrawingPens::Pen); });
+    add(QKeySequence(Qt::Key_H), [this] { m_tools->setTool(DrawingPens::Highlighter); });
+    add(QKeySequence(Qt::Key_E), [this] { m_tools->setTool(DrawingPens::Eraser); });
+    add(QKeySequence(Qt::Key_T), [this] { m_tools->setTool(DrawingPens::Text); });
     add(QKeySequence(Qt::Key_BracketLeft), [this] { stepWidth(-1); });
     add(QKeySequence(Qt::Key_BracketRight), [this] { stepWidth(1); });
 }
@@ -233,8 +235,8 @@ void WhiteboardWidget::applySettings()
 
 void WhiteboardWidget::applyPens()
 {
-    const WhiteboardPens &pens = m_tools->pens();
-    canvas()->setTool(pens.tool() == WhiteboardPens::Text ? InkCanvas::Tool::Text : InkCanvas::Tool::Ink);
+    const DrawingPens &pens = m_tools->pens();
+    canvas()->setTool(pens.tool() == DrawingPens::Text ? InkCanvas::Tool::Text : InkCanvas::Tool::Ink);
     canvas()->setPen(pens.pen(canvas()->layerScale()));
     showHint();
 }
@@ -277,9 +279,9 @@ void WhiteboardWidget::showHint()
     if (canvas()->hasPlacedItem())
         hint = tr("Drag to move it, drag a corner to scale it. Enter or a click beside it fixes it; Esc "
                   "takes it away.");
-    else if (m_tools->pens().tool() == WhiteboardPens::Text)
+    else if (m_tools->pens().tool() == DrawingPens::Text)
         hint = tr("Click where the text should go.");
-    else if (m_tools->pens().tool() == WhiteboardPens::Eraser)
+    else if (m_tools->pens().tool() == DrawingPens::Eraser)
         hint = tr("Drag to rub out. Shift: along a straight line. Ctrl: clear a rectangle.");
     else
         hint = tr("Drag to draw. Hold Shift for a straight line, Ctrl for a rectangle; Esc while dragging "

@@ -15,7 +15,7 @@ class QLabel;
 class QMimeData;
 class QSplitter;
 class QToolButton;
-class WhiteboardToolBar;
+class DrawingToolBar;
 
 // fwbd_IDX, the whiteboard: a board in the colour of the settings to write, draw and highlight
 // on, with texts and pictures placed on it, undo and redo of every step, and boards kept as
@@ -100,7 +100,7 @@ private:
     bool m_offered = false;
     QSize m_shownSize;
     DrawingArea *m_area = nullptr;
-    WhiteboardToolBar *m_tools = nullptr;
+    DrawingToolBar *m_tools = nullptr;
     BoardListPanel *m_boards = nullptr;
     QSplitter *m_split = nullptr;
     QLabel *m_title = nullptr;

@@ -81,24 +81,55 @@ void InkCanvas::setPen(const InkPen &pen)
     updateCursor(mapFromGlobal(QCursor::pos()));
 }
 
+void InkCanvas::setStretched(bool stretched)
+{
+    if (m_stretched == stretched)
+        return;
+    m_stretched = stretched;
+    if (m_stretched) {
+        setMinimumSize(0, 0);
+        setMaximumSize(QWIDGETSIZE_MAX, QWIDGETSIZE_MAX);
+    } else {
+        matchLayerSize();
+    }
+    update();
+}
+
+QSizeF InkCanvas::layerScales() const
+{
+    if (!m_stretched || width() <= 0 || height() <= 0)
+        return QSizeF(devicePixelRatioF(), devicePixelRatioF());
+    return QSizeF(qreal(m_layer->size().width()) / width(), qreal(m_layer->size().height()) / height());
+}
+
 qreal InkCanvas::layerScale() const
 {
-    return devicePixelRatioF();
+    const QSizeF scales = layerScales();
+    return (scales.width() + scales.height()) / 2;
 }
 
 QPointF InkCanvas::toLayer(const QPointF &widgetPos) const
 {
-    return widgetPos * layerScale();
+    const QSizeF scales = layerScales();
+    return QPointF(widgetPos.x() * scales.width(), widgetPos.y() * scales.height());
+}
+
+QRectF InkCanvas::toWidget(const QRectF &layerArea) const
+{
+    const QSizeF scales = layerScales();
+    return QRectF(layerArea.x() / scales.width(), layerArea.y() / scales.height(),
+                  layerArea.width() / scales.width(), layerArea.height() / scales.height());
 }
 
 QRect InkCanvas::toWidget(const QRect &layerArea) const
 {
-    const qreal scale = layerScale();
-    return QRectF(QPointF(layerArea.topLeft()) / scale, QSizeF(layerArea.size()) / scale).toAlignedRect();
+    return toWidget(QRectF(layerArea)).toAlignedRect();
 }
 
 void InkCanvas::growToCover(const QSize &widgetSize)
 {
+    if (m_stretched)
+        return;
     const qreal scale = layerScale();
     m_layer->ensureSize(
         QSize(int(std::ceil(widgetSize.width() * scale)), int(std::ceil(widgetSize.height() * scale))));
@@ -106,6 +137,8 @@ void InkCanvas::growToCover(const QSize &widgetSize)
 
 void InkCanvas::matchLayerSize()
 {
+    if (m_stretched)
+        return;
     const QSize size = toWidget(QRect(QPoint(0, 0), m_layer->size())).size();
     if (size != this->size())
         setFixedSize(size);
@@ -190,7 +223,7 @@ QRect InkCanvas::placedWidgetArea() const
 
 void InkCanvas::nudgePlaced(const QPointF &delta)
 {
-    setPlacedRect(m_placed.rect().translated(delta * layerScale()));
+    setPlacedRect(m_placed.rect().translated(toLayer(delta)));
 }
 
 qreal InkCanvas::grabDistance() const
@@ -426,6 +459,13 @@ void InkCanvas::keyReleaseEvent(QKeyEvent *event)
         QWidget::keyReleaseEvent(event);
 }
 
+void InkCanvas::resizeEvent(QResizeEvent *event)
+{
+    QWidget::resizeEvent(event);
+    if (m_stretched)
+        update(); // every pixel of the page moves
+}
+
 void InkCanvas::changeEvent(QEvent *event)
 {
     // On a screen of another pixel ratio the layer is shown at another widget size.
@@ -454,18 +494,26 @@ void InkCanvas::updateCursor(const QPointF &widgetPos)
 
 // ---- painting ----
 
+void InkCanvas::paintUnderlay(QPainter &painter, const QRect &exposed)
+{
+    painter.fillRect(exposed, m_background);
+}
+
 void InkCanvas::paintEvent(QPaintEvent *event)
 {
     const QRect exposed = event->rect();
     QPainter painter(this);
-    painter.fillRect(exposed, m_background);
+    paintUnderlay(painter, exposed);
 
-    const qreal scale = layerScale();
+    const QSizeF scales = layerScales();
     const QRect layerArea =
-        QRectF(QPointF(exposed.topLeft()) * scale, QSizeF(exposed.size()) * scale).toAlignedRect() &
+        QRectF(toLayer(exposed.topLeft()), toLayer(QPointF(exposed.bottomRight()) + QPointF(1, 1)))
+            .toAlignedRect() &
         QRect(QPoint(0, 0), m_layer->size());
     painter.save();
-    painter.scale(1 / scale, 1 / scale); // layer pixels are device pixels
+    painter.scale(1 / scales.width(), 1 / scales.height());
+    if (m_stretched)
+        painter.setRenderHint(QPainter::SmoothPixmapTransform, true);
     painter.drawImage(layerArea.topLeft(), m_layer->image(), layerArea);
     if (m_stroke)
         m_stroke->paintPreview(painter, layerArea);
@@ -478,8 +526,7 @@ void InkCanvas::paintEvent(QPaintEvent *event)
 
 void InkCanvas::paintPlacedFrame(QPainter &painter) const
 {
-    const qreal scale = layerScale();
-    const QRectF rect(m_placed.rect().topLeft() / scale, m_placed.rect().size() / scale);
+    const QRectF rect = toWidget(m_placed.rect());
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setBrush(Qt::NoBrush);
     painter.setPen(QPen(Qt::white, 1));

@@ -14,9 +14,12 @@ struct InkPoint;
 // A surface to draw on: shows a DrawingLayer over a background colour and turns the pointer
 // into ink, with the pen's pressure when a tablet gives it.
 //
-// The layer is shown pixel for pixel on the screen (a layer pixel is a device pixel, so ink is
-// as sharp as the screen) and the widget is as large as the layer; a DrawingArea around it
-// scrolls it and grows the layer with the window.
+// By default the layer is shown pixel for pixel on the screen (a layer pixel is a device pixel,
+// so ink is as sharp as the screen) and the widget is as large as the layer; a DrawingArea
+// around it scrolls it and grows the layer with the window. Stretched, the layer is a page of
+// its own fixed size scaled over the whole widget, so that what is drawn keeps its place on
+// the page whatever the widget's size. A subclass paints what lies under the ink
+// (paintUnderlay).
 //
 // While dragging, Shift makes a straight line and Ctrl a rectangle, from where the drag
 // started; Escape takes the stroke back. A picture or text being placed (placeItem) is moved
@@ -37,6 +40,10 @@ public:
 
     DrawingLayer *layer() const { return m_layer; }
 
+    // Shows the layer stretched over the widget instead of pixel for pixel.
+    void setStretched(bool stretched);
+    bool isStretched() const { return m_stretched; }
+
     void setBackground(const QColor &color);
     QColor background() const { return m_background; }
 
@@ -45,11 +52,14 @@ public:
     void setPen(const InkPen &pen);
     const InkPen &pen() const { return m_pen; }
 
-    // Layer pixels per widget pixel: the screen's device pixel ratio.
+    // Layer pixels per widget pixel across and down: the screen's device pixel ratio, or the
+    // stretch. layerScale() is the mean of the two, for sizes that have no direction.
+    QSizeF layerScales() const;
     qreal layerScale() const;
     QPointF toLayer(const QPointF &widgetPos) const;
+    QRectF toWidget(const QRectF &layerArea) const;
     QRect toWidget(const QRect &layerArea) const;
-    // Makes the layer cover at least `widgetSize` (widget pixels).
+    // Makes the layer cover at least `widgetSize` (widget pixels); not when stretched.
     void growToCover(const QSize &widgetSize);
 
     // Puts a picture or text on the surface to be moved and scaled before it is fixed; an
@@ -85,7 +95,11 @@ signals:
     void undoStateChanged();
 
 protected:
+    // Paints what lies under the ink in `exposed` (widget pixels): the background colour.
+    virtual void paintUnderlay(QPainter &painter, const QRect &exposed);
+
     void paintEvent(QPaintEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
@@ -111,6 +125,7 @@ private:
     qreal grabDistance() const;
 
     DrawingLayer *m_layer;
+    bool m_stretched = false;
     QColor m_background = Qt::white;
     Tool m_tool = Tool::Ink;
     InkPen m_pen;

@@ -1,4 +1,4 @@
-#include "whiteboard/tool_glyphs.h"
+#include "themes/tool_glyphs.h"
 
 #include <QPainter>
 #include <QPainterPath>
@@ -61,31 +61,50 @@ void drawText(QPainter &p, const QColor &ink)
     p.drawLine(QPointF(4, 22), QPointF(20, 22));
 }
 
+// An arrow pointer leaning left, as the system's.
+void drawPointer(QPainter &p, const QColor &ink)
+{
+    QPainterPath arrow;
+    arrow.moveTo(7, 3);
+    arrow.lineTo(7, 19);
+    arrow.lineTo(11, 15.5);
+    arrow.lineTo(14, 21.5);
+    arrow.lineTo(16.5, 20.3);
+    arrow.lineTo(13.6, 14.4);
+    arrow.lineTo(18.5, 14.4);
+    arrow.closeSubpath();
+    p.setPen(QPen(ink, 1.4, Qt::SolidLine, Qt::RoundCap, Qt::RoundJoin));
+    p.setBrush(Qt::NoBrush);
+    p.drawPath(arrow);
+}
+
 } // namespace
 
-QIcon ToolGlyph(WhiteboardPens::Tool tool, const QColor &ink, const QColor &accent, int side,
-                qreal pixelRatio)
+QIcon ToolGlyph(DrawingPens::Tool tool, const QColor &ink, const QColor &accent, int side, qreal pixelRatio)
 {
     QPixmap pixmap = blank(side, pixelRatio);
     QPainter p(&pixmap);
     p.setRenderHint(QPainter::Antialiasing, true);
     p.scale(side / 24.0, side / 24.0);
     switch (tool) {
-    case WhiteboardPens::Pen:
+    case DrawingPens::Pen:
         drawBody(p, ink, 6, false);
         break;
-    case WhiteboardPens::Highlighter: {
+    case DrawingPens::Highlighter: {
         QColor mark = accent;
         mark.setAlpha(170);
         p.fillRect(QRectF(2, 19, 14, 4), mark);
         drawBody(p, ink, 5, true);
         break;
     }
-    case WhiteboardPens::Eraser:
+    case DrawingPens::Eraser:
         drawEraser(p, ink);
         break;
-    case WhiteboardPens::Text:
+    case DrawingPens::Text:
         drawText(p, ink);
+        break;
+    case DrawingPens::Pointer:
+        drawPointer(p, ink);
         break;
     }
     p.end();

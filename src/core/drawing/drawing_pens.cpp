@@ -1,30 +1,40 @@
-#include "whiteboard/whiteboard_pens.h"
+#include "core/drawing/drawing_pens.h"
 
 #include "core/settings_store.h"
 
 #include <QCoreApplication>
 
 namespace {
-const QString kWindow = QStringLiteral("fwbd_IDX");
 const QString kTool = QStringLiteral("Tool");
 const QString kPenColor = QStringLiteral("Pen Color");
 const QString kHighlighterColor = QStringLiteral("Highlighter Color");
 const QString kWidths[3] = {QStringLiteral("Pen Width"), QStringLiteral("Highlighter Width"),
                             QStringLiteral("Eraser Width")};
 
-QColor readColor(const QString &name, const QColor &fallback)
+QColor readColor(const QString &window, const QString &name, const QColor &fallback)
 {
-    const QColor color = QColor::fromString(ReadDetail(kWindow, name, fallback.name()));
+    const QColor color = QColor::fromString(ReadDetail(window, name, fallback.name()));
     return color.isValid() ? color : fallback;
 }
 
 QString tr(const char *text)
 {
-    return QCoreApplication::translate("WhiteboardPens", text);
+    return QCoreApplication::translate("DrawingPens", text);
 }
 } // namespace
 
-const QList<WhiteboardPens::NamedColor> &WhiteboardPens::palette()
+DrawingPens::DrawingPens(const QString &window, const QList<Tool> &tools)
+    : m_window(window), m_tools(tools), m_tool(tools.value(0, Pen))
+{
+}
+
+void DrawingPens::setTool(Tool tool)
+{
+    if (m_tools.contains(tool))
+        m_tool = tool;
+}
+
+const QList<DrawingPens::NamedColor> &DrawingPens::palette()
 {
     static const QList<NamedColor> colors = {
         {tr("Black"), QColor(0x20, 0x20, 0x20)},  {tr("White"), QColor(0xff, 0xff, 0xff)},
@@ -35,7 +45,7 @@ const QList<WhiteboardPens::NamedColor> &WhiteboardPens::palette()
     return colors;
 }
 
-QList<qreal> WhiteboardPens::widths(Tool tool)
+QList<qreal> DrawingPens::widths(Tool tool)
 {
     switch (tool) {
     case Highlighter:
@@ -44,34 +54,35 @@ QList<qreal> WhiteboardPens::widths(Tool tool)
         return {8, 20, 40, 80};
     case Pen:
     case Text:
+    case Pointer:
         break;
     }
     return {1.5, 3, 6, 12};
 }
 
-QColor WhiteboardPens::color() const
+QColor DrawingPens::color() const
 {
     return m_tool == Highlighter ? m_highlighterColor : m_penColor;
 }
 
-void WhiteboardPens::setColor(const QColor &color)
+void DrawingPens::setColor(const QColor &color)
 {
-    if (!color.isValid() || m_tool == Eraser)
+    if (!color.isValid() || !hasColor())
         return;
     (m_tool == Highlighter ? m_highlighterColor : m_penColor) = color;
 }
 
-int WhiteboardPens::widthChoice() const
+int DrawingPens::widthChoice() const
 {
     return m_widthChoice[drawingTool()];
 }
 
-void WhiteboardPens::setWidthChoice(int choice)
+void DrawingPens::setWidthChoice(int choice)
 {
     m_widthChoice[drawingTool()] = qBound(0, choice, kWidthChoices - 1);
 }
 
-InkPen WhiteboardPens::pen(qreal layerScale) const
+InkPen DrawingPens::pen(qreal layerScale) const
 {
     const Tool tool = drawingTool();
     InkPen pen;
@@ -81,22 +92,22 @@ InkPen WhiteboardPens::pen(qreal layerScale) const
     return pen;
 }
 
-WhiteboardPens WhiteboardPens::load()
+DrawingPens DrawingPens::load(const QString &window, const QList<Tool> &tools)
 {
-    WhiteboardPens pens;
-    pens.m_tool = Tool(qBound(0, ReadIntDetail(kWindow, kTool, Pen), int(Text)));
-    pens.m_penColor = readColor(kPenColor, pens.m_penColor);
-    pens.m_highlighterColor = readColor(kHighlighterColor, pens.m_highlighterColor);
+    DrawingPens pens(window, tools);
+    pens.setTool(Tool(ReadIntDetail(window, kTool, pens.m_tool)));
+    pens.m_penColor = readColor(window, kPenColor, pens.m_penColor);
+    pens.m_highlighterColor = readColor(window, kHighlighterColor, pens.m_highlighterColor);
     for (int i = 0; i < 3; ++i)
-        pens.m_widthChoice[i] = qBound(0, ReadIntDetail(kWindow, kWidths[i], 1), kWidthChoices - 1);
+        pens.m_widthChoice[i] = qBound(0, ReadIntDetail(window, kWidths[i], 1), kWidthChoices - 1);
     return pens;
 }
 
-void WhiteboardPens::save() const
+void DrawingPens::save() const
 {
-    WriteDetail(kWindow, kTool, QString::number(m_tool));
-    WriteDetail(kWindow, kPenColor, m_penColor.name());
-    WriteDetail(kWindow, kHighlighterColor, m_highlighterColor.name());
+    WriteDetail(m_window, kTool, QString::number(m_tool));
+    WriteDetail(m_window, kPenColor, m_penColor.name());
+    WriteDetail(m_window, kHighlighterColor, m_highlighterColor.name());
     for (int i = 0; i < 3; ++i)
-        WriteDetail(kWindow, kWidths[i], QString::number(m_widthChoice[i]));
+        WriteDetail(m_window, kWidths[i], QString::number(m_widthChoice[i]));
 }
