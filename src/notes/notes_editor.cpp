@@ -830,14 +830,7 @@ void NotesEditor::ThemeElementsUpdate()
 
 void NotesEditor::applyPanelStyle()
 {
-    const Theme &theme = CurrentTheme();
-    const QColor text = ResolveColor(theme.PanelColor);
-    QFont f = m_title->font();
-    f.setFamily(theme.BarFont);
-    f.setBold(true);
-    m_title->setFont(f);
-    m_title->adjustSize();
-    panel()->setStyleSheet(PanelToolStyleSheet(text, palette()));
+    ApplyPanelToolTheme(m_title, panel());
 }
 
 void NotesEditor::relayout()

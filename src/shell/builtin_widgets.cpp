@@ -1,6 +1,7 @@
 #include "shell/builtin_widgets.h"
 
 #include "calculator/calculator_widget.h"
+#include "calendar/calendar_widget.h"
 #include "core/widget_index.h"
 #include "notes/notes_editor.h"
 #include "shell/widget_registry.h"
@@ -15,6 +16,8 @@ void RegisterBuiltInWidgets()
     WidgetRegistry &registry = WidgetRegistry::instance();
     registry.registerWidget(WidgetClock, [] { return new ClockWidget; });
     registry.registerWidget(WidgetCalculator, [] { return new CalculatorWidget; });
+    registry.registerWidget(WidgetCalendar, [] { return new CalendarWidget; });
+    registry.registerTileDetail(WidgetCalendar, [] { return CalendarWidget::noteForToday(); });
     registry.registerWidget(WidgetNotes, [] { return new NotesEditor; });
     registry.registerWidget(WidgetStopwatch, [] { return new StopwatchWidget; });
     registry.registerWidget(WidgetTimer, [] { return new CountdownWidget; });

@@ -41,6 +41,15 @@ void DashboardTile::setAvailable(bool available)
     update();
 }
 
+void DashboardTile::setDetail(const QString &detail)
+{
+    if (m_detail == detail)
+        return;
+    m_detail = detail;
+    updateDescription();
+    update();
+}
+
 void DashboardTile::setColors(const QColor &text, const QColor &accent)
 {
     m_text = text;
@@ -62,8 +71,10 @@ void DashboardTile::updateDescription()
         setToolTip(tr("Double-click or press Enter to open %1").arg(name));
         state = tr("closed");
     }
+    if (!m_detail.isEmpty())
+        setToolTip(m_detail + QStringLiteral("\n\n") + toolTip());
     setAccessibleName(name);
-    setAccessibleDescription(state);
+    setAccessibleDescription(m_detail.isEmpty() ? state : state + QStringLiteral(": ") + m_detail);
 }
 
 QSize DashboardTile::sizeHint() const
@@ -111,7 +122,8 @@ void DashboardTile::paintEvent(QPaintEvent *)
     }
 
     const QColor content = ink(m_available ? 1.0 : 0.35);
-    const qreal glyphSide = qMin(box.width(), box.height()) * 0.42;
+    // A detail line takes room from the picture.
+    const qreal glyphSide = qMin(box.width(), box.height()) * (m_detail.isEmpty() ? 0.42 : 0.34);
     const QRectF glyphBox(box.center().x() - glyphSide / 2, box.top() + fm.height() * 0.6, glyphSide,
                           glyphSide);
     WidgetGlyphs::paint(p, m_index, glyphBox, content);
@@ -122,6 +134,17 @@ void DashboardTile::paintEvent(QPaintEvent *)
     p.setFont(nameFont);
     const QRectF nameBox(box.left(), glyphBox.bottom() + fm.height() * 0.3, box.width(), fm.height() * 1.2);
     p.drawText(nameBox, Qt::AlignCenter, fm.elidedText(text(), Qt::ElideRight, int(box.width()) - 8));
+    if (!m_detail.isEmpty()) {
+        QFont detailFont = font();
+        detailFont.setPointSizeF(font().pointSizeF() * 0.85);
+        detailFont.setItalic(true);
+        p.setFont(detailFont);
+        const QFontMetrics detailMetrics(detailFont);
+        const QRectF detailBox(box.left() + 4, nameBox.bottom(), box.width() - 8, detailMetrics.height() + 2);
+        const QString line = m_detail.simplified();
+        p.drawText(detailBox, Qt::AlignCenter,
+                   detailMetrics.elidedText(line, Qt::ElideRight, int(detailBox.width())));
+    }
 
     // A dot marks an open widget, so the state does not rest on shading alone.
     if (m_open) {

@@ -20,6 +20,10 @@ public:
     // A widget this build does not have: shown dimmed, cannot be opened.
     void setAvailable(bool available);
 
+    // A line under the name (the calendar's note for today); empty for none.
+    void setDetail(const QString &detail);
+    QString detail() const { return m_detail; }
+
     // Text and accent colours from the theme.
     void setColors(const QColor &text, const QColor &accent);
 
@@ -49,6 +53,7 @@ private:
     bool m_open = false;
     bool m_available = true;
     bool m_hovered = false;
+    QString m_detail;
     QColor m_text = Qt::black;
     QColor m_accent = QColor(20, 106, 211);
 };

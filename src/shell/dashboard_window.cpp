@@ -64,7 +64,8 @@ QColor mix(const QColor &a, const QColor &b, int weight)
 // text reads at least as well as on `background`.
 QColor chosenBackground(const QColor &background, const QColor &text)
 {
-    const QColor away = RelativeLuminance(text) > RelativeLuminance(background) ? QColor(Qt::black) : QColor(Qt::white);
+    const QColor away =
+        RelativeLuminance(text) > RelativeLuminance(background) ? QColor(Qt::black) : QColor(Qt::white);
     return mix(away, background, 56);
 }
 
@@ -81,6 +82,7 @@ DashboardWindow::DashboardWindow(QWidget *parent) : QMainWindow(parent), m_updat
     WidgetRegistry &registry = WidgetRegistry::instance();
     connect(&registry, &WidgetRegistry::widgetOpened, this, &DashboardWindow::refreshState);
     connect(&registry, &WidgetRegistry::widgetClosed, this, &DashboardWindow::refreshState);
+    connect(&registry, &WidgetRegistry::tileDetailChanged, this, &DashboardWindow::refreshState);
     refreshState();
     resize(sizeHint());
 }
@@ -252,6 +254,7 @@ void DashboardWindow::refreshState()
         const bool available = registry.isAvailable(i);
         m_tiles[i]->setOpenState(open);
         m_tiles[i]->setAvailable(available);
+        m_tiles[i]->setDetail(registry.tileDetail(i));
         m_widgetItems[i]->setChecked(open);
         m_widgetItems[i]->setEnabled(available);
         anyOpen = anyOpen || open;
@@ -575,8 +578,8 @@ void DashboardWindow::ThemeElementsUpdate()
     QFont pictureFont(ShippedData::weatherFontFamily());
     pictureFont.setPixelSize(fontMetrics().height() * 5 / 2);
     m_weatherPicture->setFont(pictureFont);
-    for (QLabel *label : {m_title, m_subtitle, m_weatherTemp, m_weatherDesc, m_weatherPicture, m_weatherPlace,
-                          m_weatherText})
+    for (QLabel *label :
+         {m_title, m_subtitle, m_weatherTemp, m_weatherDesc, m_weatherPicture, m_weatherPlace, m_weatherText})
         setTextColor(label, barText);
 
     QFont panelFont = font();
@@ -614,6 +617,9 @@ void DashboardWindow::closeEvent(QCloseEvent *event)
 void DashboardWindow::changeEvent(QEvent *event)
 {
     QMainWindow::changeEvent(event);
+    // Coming back to the dashboard on another day shows that day's note.
+    if (event->type() == QEvent::ActivationChange && isActiveWindow())
+        refreshState();
     if (event->type() != QEvent::WindowStateChange || !isMinimized())
         return;
     if (!StartupDecisions::minimiseHides(TrayIcon::isAvailable()))

@@ -20,6 +20,20 @@ bool WidgetRegistry::isAvailable(int index) const
     return m_factories.contains(index);
 }
 
+void WidgetRegistry::registerTileDetail(int index, DetailSource source)
+{
+    if (source)
+        m_details.insert(index, std::move(source));
+    else
+        m_details.remove(index);
+}
+
+QString WidgetRegistry::tileDetail(int index) const
+{
+    const auto source = m_details.constFind(index);
+    return source == m_details.cend() ? QString() : (*source)();
+}
+
 bool WidgetRegistry::isOpen(int index) const
 {
     return window(index) != nullptr;
@@ -65,6 +79,7 @@ WidgetWindow *WidgetRegistry::open(int index)
         emit widgetClosed(index);
     };
     connect(w, &WidgetWindow::closed, this, forget);
+    connect(w, &WidgetWindow::tileDetailChanged, this, [this, index] { emit tileDetailChanged(index); });
     connect(w, &QObject::destroyed, this, forget);
     w->loadWindow();
     w->show();

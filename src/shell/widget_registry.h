@@ -14,12 +14,18 @@ class WidgetRegistry : public QObject
     Q_OBJECT
 public:
     using Factory = std::function<WidgetWindow *()>;
+    using DetailSource = std::function<QString()>;
 
     static WidgetRegistry &instance();
 
     void registerWidget(int index, Factory factory);
     // True when a widget of that index exists in this build.
     bool isAvailable(int index) const;
+
+    // A line the widget's dashboard tile shows under its name, read whether the widget is open
+    // or not (the calendar's note for today); empty when the widget has none.
+    void registerTileDetail(int index, DetailSource source);
+    QString tileDetail(int index) const;
 
     bool isOpen(int index) const;
     WidgetWindow *window(int index) const;
@@ -40,10 +46,12 @@ public:
 signals:
     void widgetOpened(int index);
     void widgetClosed(int index);
+    void tileDetailChanged(int index);
 
 private:
     WidgetRegistry() = default;
 
     QHash<int, Factory> m_factories;
+    QHash<int, DetailSource> m_details;
     QHash<int, QPointer<WidgetWindow>> m_open;
 };

@@ -1,6 +1,10 @@
 #include "themes/panel_tool_style.h"
 
+#include "themes/theme.h"
+#include "themes/theme_painter.h"
+
 #include <QColor>
+#include <QLabel>
 #include <QLayout>
 #include <QPalette>
 #include <QToolButton>
@@ -39,4 +43,17 @@ QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &c
     QObject::connect(button, &QToolButton::clicked, row, action);
     row->layout()->addWidget(button);
     return button;
+}
+
+QColor ApplyPanelToolTheme(QLabel *title, QWidget *panel)
+{
+    const Theme &theme = CurrentTheme();
+    const QColor text = ResolveColor(theme.PanelColor);
+    QFont font = title->font();
+    font.setFamily(theme.BarFont);
+    font.setBold(true);
+    title->setFont(font);
+    title->adjustSize();
+    panel->setStyleSheet(PanelToolStyleSheet(text, panel->palette()));
+    return text;
 }

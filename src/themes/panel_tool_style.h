@@ -5,6 +5,7 @@
 #include <functional>
 
 class QColor;
+class QLabel;
 class QPalette;
 class QToolButton;
 class QWidget;
@@ -20,3 +21,8 @@ QString PanelToolStyleSheet(const QColor &text, const QPalette &page);
 // from the page when clicked.
 QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip,
                              const std::function<void()> &action);
+
+// The theme of a window whose panel holds such tools (the notes editor, the whiteboard, the
+// calendar): its bar title in the bar's font, bold, and the panel's tools and labels in the
+// panel's text colour, which it returns for the window's own controls.
+QColor ApplyPanelToolTheme(QLabel *title, QWidget *panel);

@@ -61,6 +61,8 @@ public:
 signals:
     // The window is closing (its placement and values are saved); it is deleted afterwards.
     void closed();
+    // What the widget's dashboard tile says under its name has changed (today's note).
+    void tileDetailChanged();
 
 public slots:
     // Called by ApplyTheme (by name) after the frames are painted.

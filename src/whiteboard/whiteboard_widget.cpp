@@ -527,14 +527,7 @@ void WhiteboardWidget::openSettingsDialog()
 void WhiteboardWidget::ThemeElementsUpdate()
 {
     WidgetWindow::ThemeElementsUpdate();
-    const Theme &theme = CurrentTheme();
-    const QColor text = ResolveColor(theme.PanelColor);
-    QFont f = m_title->font();
-    f.setFamily(theme.BarFont);
-    f.setBold(true);
-    m_title->setFont(f);
-    m_title->adjustSize();
-    panel()->setStyleSheet(PanelToolStyleSheet(text, palette()));
+    const QColor text = ApplyPanelToolTheme(m_title, panel());
     m_tools->setInk(text);
 }
 

@@ -10,9 +10,9 @@
 #include "shell/widget_registry.h"
 #include "support/local_http_server.h"
 #include "support/test_home.h"
-#include "themes/theme_colors.h"
 #include "themes/message_box.h"
 #include "themes/theme.h"
+#include "themes/theme_colors.h"
 #include "themes/widget_window.h"
 #include "weather/weather_station.h"
 
@@ -67,6 +67,7 @@ private slots:
     void arrowKeysMoveSelection();
     void widgetsMenuFollowsOpenState();
     void unavailableWidgetIsDisabled();
+    void tileDetailFollowsTheWidget();
     void closeBox_data();
     void closeBox();
     void minimiseHidesToTray_data();
@@ -203,6 +204,23 @@ void TestDashboard::unavailableWidgetIsDisabled()
     QVERIFY(!d.findChild<QWidget *>(QStringLiteral("btnOPEN"))->isEnabled());
     QTest::keyClick(tile(d, WidgetWeather), Qt::Key_Return);
     QVERIFY(!WidgetRegistry::instance().isOpen(WidgetWeather));
+}
+
+void TestDashboard::tileDetailFollowsTheWidget()
+{
+    QString detail = QStringLiteral("Dentist at 10");
+    WidgetRegistry::instance().registerTileDetail(WidgetCalendar, [&detail] { return detail; });
+    DashboardWindow d;
+    QCOMPARE(tile(d, WidgetCalendar)->detail(), detail);
+    QVERIFY(tile(d, WidgetCalendar)->toolTip().startsWith(detail));
+    QVERIFY(tile(d, WidgetClock)->detail().isEmpty());
+
+    // An open widget says when its detail changes; the tile follows at once.
+    WidgetWindow *calendar = WidgetRegistry::instance().open(WidgetCalendar);
+    detail = QStringLiteral("Call the garage");
+    emit calendar->tileDetailChanged();
+    QCOMPARE(tile(d, WidgetCalendar)->detail(), detail);
+    WidgetRegistry::instance().registerTileDetail(WidgetCalendar, nullptr);
 }
 
 void TestDashboard::closeBox_data()
@@ -383,10 +401,12 @@ void TestDashboard::menusFollowTheThemeAndRead()
 void TestDashboard::loadingFetchesAndShowsTheWeather()
 {
     LocalHttpServer server;
-    server.setBody("/wxdata/weather/rss/local/UKXX0085",
-                   "<rss><channel><item><title><![CDATA[Current Weather Conditions In London, United Kingdom]]>"
-                   "</title><description><![CDATA[<img src=\"http://h/images/open-meteo/26.gif?\" alt=\"\" /> "
-                   "Cloudy, and 57 F. <br/>For more details see open-meteo.com.]]></description></item></channel></rss>");
+    server.setBody(
+        "/wxdata/weather/rss/local/UKXX0085",
+        "<rss><channel><item><title><![CDATA[Current Weather Conditions In London, United Kingdom]]>"
+        "</title><description><![CDATA[<img src=\"http://h/images/open-meteo/26.gif?\" alt=\"\" /> "
+        "Cloudy, and 57 F. <br/>For more details see "
+        "open-meteo.com.]]></description></item></channel></rss>");
     WriteDetail(QStringLiteral("fwth_SET"), QStringLiteral("Weather Feed Host"),
                 QStringLiteral("127.0.0.1:%1").arg(server.serverPort()));
     DashboardWindow d;

@@ -304,6 +304,10 @@ void InkCanvas::pointerPressed(const QPointF &widgetPos, qreal pressure, Qt::Key
         emit textRequested(at);
         return;
     }
+    if (m_tool == Tool::Pointer) {
+        m_pressConsumed = true;
+        return;
+    }
     InkPen pen = m_pen;
     if (eraserEnd)
         pen.kind = InkKind::Eraser;
@@ -487,6 +491,10 @@ void InkCanvas::updateCursor(const QPointF &widgetPos)
     }
     if (m_tool == Tool::Text) {
         setCursor(Qt::IBeamCursor);
+        return;
+    }
+    if (m_tool == Tool::Pointer) {
+        setCursor(Qt::ArrowCursor);
         return;
     }
     setCursor(PenCursor(m_pen, m_pen.width / layerScale(), devicePixelRatioF()));

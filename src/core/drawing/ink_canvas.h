@@ -31,8 +31,9 @@ class InkCanvas : public QWidget
 public:
     enum class Tool
     {
-        Ink,  // the pen set with setPen()
-        Text, // a click asks for a text there (textRequested)
+        Ink,     // the pen set with setPen()
+        Text,    // a click asks for a text there (textRequested)
+        Pointer, // draws nothing: clicks are the owner's (a placed item still moves)
     };
 
     explicit InkCanvas(DrawingLayer *layer, QWidget *parent = nullptr);

@@ -1,0 +1,473 @@
+#include "calendar/calendar_widget.h"
+
+#include "calendar/calendar_insert_dialog.h"
+#include "calendar/calendar_ruler.h"
+#include "calendar/day_note_dialog.h"
+#include "calendar/month_page_view.h"
+#include "core/clock_source.h"
+#include "core/drawing/drawing_layer.h"
+#include "core/drawing/floating_item.h"
+#include "core/settings_store.h"
+#include "core/widget_frame.h"
+#include "core/widget_index.h"
+#include "themes/drawing_tool_bar.h"
+#include "themes/message_box.h"
+#include "themes/painted_frame.h"
+#include "themes/panel_tool_style.h"
+#include "themes/theme_colors.h"
+#include "themes/theme_painter.h"
+
+#include <QCloseEvent>
+#include <QGridLayout>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLocale>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+namespace {
+const QString kWindow = QStringLiteral("fcln_IDX");
+const QString kWeekNumbers = QStringLiteral("Week Numbers");
+// The drawing is written this long after the last change, so a run of strokes is one write.
+constexpr int kSaveDelayMs = 400;
+// A sticker takes this part of its day's height; a picture at most this part of the day.
+constexpr qreal kStickerShare = 0.55;
+constexpr qreal kPictureShare = 0.9;
+
+QColor mix(const QColor &a, const QColor &b, qreal bShare)
+{
+    return QColor::fromRgbF(a.redF() + (b.redF() - a.redF()) * bShare,
+                            a.greenF() + (b.greenF() - a.greenF()) * bShare,
+                            a.blueF() + (b.blueF() - a.blueF()) * bShare);
+}
+
+QDate today()
+{
+    return ClockSource::now().date();
+}
+} // namespace
+
+CalendarWidget::CalendarWidget(QWidget *parent)
+    : WidgetWindow(WidgetWindowName(WidgetCalendar), WidgetCalendar, tr("Vantora Calendar"), parent),
+      m_store(CalendarStore::defaultFolder()),
+      m_layout(today().year(), today().month(), LocaleFirstDayOfWeek()), m_layer(new DrawingLayer(this))
+{
+    m_title = new QLabel(tr("Calendar"), bar());
+    m_title->setObjectName(QStringLiteral("lblTITLE"));
+    m_title->setAttribute(Qt::WA_TransparentForMouseEvents); // the bar drags the window
+
+    auto *column = new QVBoxLayout(panel());
+    column->setContentsMargins(6, 4, 6, 14);
+    column->setSpacing(3);
+    auto *commands = new QWidget(panel());
+    buildCommandRow(commands);
+    column->addWidget(commands);
+    m_tools = new DrawingToolBar(
+        kWindow, {DrawingPens::Pointer, DrawingPens::Pen, DrawingPens::Highlighter, DrawingPens::Eraser},
+        panel());
+    column->addWidget(m_tools);
+    column->addWidget(buildPageGrid(), 1);
+    m_hint = new QLabel(panel());
+    m_hint->setObjectName(QStringLiteral("lblHINT"));
+    m_hint->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
+    column->addWidget(m_hint);
+
+    m_saveTimer.setSingleShot(true);
+    m_saveTimer.setInterval(kSaveDelayMs);
+    connect(&m_saveTimer, &QTimer::timeout, this, &CalendarWidget::saveDrawing);
+    m_midnight.setSingleShot(true);
+    m_midnight.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_midnight, &QTimer::timeout, this, &CalendarWidget::followToday);
+
+    connect(m_layer, &DrawingLayer::historyChanged, this, &CalendarWidget::drawingChanged);
+    connect(m_page, &InkCanvas::undoStateChanged, this, &CalendarWidget::showUndoState);
+    connect(m_page, &InkCanvas::placedItemChanged, this, &CalendarWidget::showHint);
+    connect(m_page, &MonthPageView::dateChosen, this, &CalendarWidget::chooseDate);
+    connect(m_page, &MonthPageView::noteRequested, this, &CalendarWidget::editNote);
+    connect(m_page, &MonthPageView::noteRemovalRequested, this, &CalendarWidget::removeNote);
+    connect(m_tools, &DrawingToolBar::pensChanged, this, &CalendarWidget::applyPens);
+
+    installShortcuts();
+    showWeekNumbers(ReadBoolDetail(kWindow, kWeekNumbers, false));
+    applyPens();
+    followToday();
+    showDate(today());
+    m_page->setFocus(); // the arrow keys move between days as soon as the window is active
+}
+
+CalendarWidget::~CalendarWidget() = default;
+
+QSize CalendarWidget::minimumUsableSize() const
+{
+    return QSize(520, 400);
+}
+
+QDate CalendarWidget::selectedDate() const
+{
+    return m_page->selectedDate();
+}
+
+// ---- building ----
+
+void CalendarWidget::buildCommandRow(QWidget *row)
+{
+    auto *layout = new QHBoxLayout(row);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(2);
+    AddPanelCommand(row, QStringLiteral("btnPREVIOUS"), QStringLiteral("\u25C0"),
+                    tr("Previous month (Page Up)"), [this] { showDate(selectedDate().addMonths(-1)); });
+    AddPanelCommand(row, QStringLiteral("btnTODAY"), tr("Today"), tr("Back to today (Home)"),
+                    [this] { showDate(today()); });
+    AddPanelCommand(row, QStringLiteral("btnNEXT"), QStringLiteral("\u25B6"), tr("Next month (Page Down)"),
+                    [this] { showDate(selectedDate().addMonths(1)); });
+    m_month = new QLabel(row);
+    m_month->setObjectName(QStringLiteral("lblMONTH"));
+    QFont big = m_month->font();
+    big.setPointSizeF(big.pointSizeF() * 1.35);
+    big.setBold(true);
+    m_month->setFont(big);
+    layout->addSpacing(8);
+    layout->addWidget(m_month);
+    layout->addStretch(1);
+    AddPanelCommand(row, QStringLiteral("btnNOTE"), tr("Note"), tr("Write the chosen day's note (Enter)"),
+                    [this] { editNote(selectedDate()); });
+    AddPanelCommand(row, QStringLiteral("btnINSERT"), tr("Insert"),
+                    tr("Put a sticker or a picture on the chosen day (Ctrl+I)"),
+                    [this] { insertOnDay(selectedDate()); });
+    layout->addSpacing(8);
+    m_undo =
+        AddPanelCommand(row, QStringLiteral("btnUNDO"), tr("Undo"), QString(), [this] { m_page->undo(); });
+    m_redo =
+        AddPanelCommand(row, QStringLiteral("btnREDO"), tr("Redo"), QString(), [this] { m_page->redo(); });
+    layout->addSpacing(8);
+    m_weeksButton = AddPanelCommand(row, QStringLiteral("btnWEEKS"), tr("Weeks"), tr("Show the week numbers"),
+                                    [this] { showWeekNumbers(m_weeksButton->isChecked()); });
+    m_weeksButton->setCheckable(true);
+}
+
+QWidget *CalendarWidget::buildPageGrid()
+{
+    auto *area = new QWidget(panel());
+    auto *grid = new QGridLayout(area);
+    grid->setContentsMargins(0, 0, 0, 0);
+    grid->setSpacing(0);
+    m_weekdays = new CalendarRuler(CalendarRuler::Weekdays, area);
+    m_weekNumbers = new CalendarRuler(CalendarRuler::WeekNumbers, area);
+    m_weekCorner = new QWidget(area);
+    m_page = new MonthPageView(m_layer, area);
+    grid->addWidget(m_weekCorner, 0, 0);
+    grid->addWidget(m_weekdays, 0, 1);
+    grid->addWidget(m_weekNumbers, 1, 0);
+    grid->addWidget(m_page, 1, 1);
+    grid->setRowStretch(1, 1);
+    grid->setColumnStretch(1, 1);
+    return area;
+}
+
+void CalendarWidget::installShortcuts()
+{
+    const auto add = [this](const QKeySequence &keys, const std::function<void()> &action) {
+        AddWindowShortcut(this, keys, action);
+    };
+    add(QKeySequence(Qt::Key_PageUp), [this] { showDate(selectedDate().addMonths(-1)); });
+    add(QKeySequence(Qt::Key_PageDown), [this] { showDate(selectedDate().addMonths(1)); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_PageUp), [this] { showDate(selectedDate().addYears(-1)); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_PageDown), [this] { showDate(selectedDate().addYears(1)); });
+    add(QKeySequence(Qt::Key_Home), [this] { showDate(today()); });
+    add(QKeySequence::Undo, [this] { m_page->undo(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_Y), [this] { m_page->redo(); });
+    add(QKeySequence(Qt::CTRL | Qt::SHIFT | Qt::Key_Z), [this] { m_page->redo(); });
+    add(QKeySequence(Qt::CTRL | Qt::Key_I), [this] { insertOnDay(selectedDate()); });
+    add(QKeySequence(Qt::Key_S), [this] { m_tools->setTool(DrawingPens::Pointer); });
+    add(QKeySequence(Qt::Key_P), [this] { m_tools->setTool(DrawingPens::Pen); });
+    add(QKeySequence(Qt::Key_H), [this] { m_tools->setTool(DrawingPens::Highlighter); });
+    add(QKeySequence(Qt::Key_E), [this] { m_tools->setTool(DrawingPens::Eraser); });
+    add(QKeySequence(Qt::Key_BracketLeft),
+        [this] { m_tools->setWidthChoice(m_tools->pens().widthChoice() - 1); });
+    add(QKeySequence(Qt::Key_BracketRight),
+        [this] { m_tools->setWidthChoice(m_tools->pens().widthChoice() + 1); });
+}
+
+// ---- months and days ----
+
+void CalendarWidget::showDate(const QDate &date)
+{
+    if (!date.isValid())
+        return;
+    if (date.year() != m_layout.year() || date.month() != m_layout.month() || m_notes.month() == 0)
+        loadMonth(MonthLayout(date.year(), date.month(), m_layout.firstDayOfWeek()));
+    m_page->setSelectedDate(date);
+    showHint();
+}
+
+void CalendarWidget::chooseDate(const QDate &date)
+{
+    // Days of the months before and after are shown greyed; choosing one turns the page.
+    showDate(date);
+}
+
+void CalendarWidget::loadMonth(const MonthLayout &layout)
+{
+    // The month being left is written first, whole: a placed sticker is fixed.
+    if (m_notes.month() != 0) {
+        m_page->settle();
+        saveNow();
+    }
+    m_layout = layout;
+    QString problem;
+    m_notes = m_store.loadNotes(layout.year(), layout.month(), &problem);
+    m_notesUnsaved = false;
+    if (!problem.isEmpty())
+        ShowNotice(tr("Calendar Notes Damaged"), problem, true, this);
+    problem.clear();
+    m_layer->reset(m_store.loadDrawing(layout.year(), layout.month(), &problem));
+    m_layer->setClean();
+    if (!problem.isEmpty())
+        ShowNotice(tr("Calendar Drawing Damaged"), problem, true, this);
+    m_lastSaveError.clear();
+
+    m_page->setMonth(layout, m_notes);
+    m_weekdays->setMonth(layout);
+    m_weekNumbers->setMonth(layout);
+    const QString title =
+        QLocale().standaloneMonthName(layout.month()) + QLatin1Char(' ') + QString::number(layout.year());
+    m_month->setText(title);
+    m_title->setText(tr("Calendar - %1").arg(title));
+    m_title->adjustSize();
+    setWindowTitle(tr("Vantora Calendar - %1").arg(title));
+    showUndoState();
+}
+
+QString CalendarWidget::noteForToday()
+{
+    return CalendarStore(CalendarStore::defaultFolder()).noteFor(today());
+}
+
+void CalendarWidget::followToday()
+{
+    m_page->setToday(today());
+    emit tileDetailChanged();
+    // Woken just after midnight to move the mark to the new day; nothing runs in between.
+    const QDateTime now = ClockSource::now();
+    const qint64 untilMidnight = now.msecsTo(QDateTime(now.date().addDays(1), QTime(0, 0))) + 1000;
+    m_midnight.start(int(qBound<qint64>(1000, untilMidnight, qint64(24) * 3600 * 1000)));
+}
+
+// ---- notes ----
+
+void CalendarWidget::editNote(const QDate &date)
+{
+    if (!date.isValid())
+        return;
+    showDate(date);
+    DayNoteDialog dialog(date, m_notes.note(date.day()), this);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    setNote(date, dialog.deleteRequested() ? QString() : dialog.note());
+}
+
+void CalendarWidget::setNote(const QDate &date, const QString &note)
+{
+    if (!m_layout.isInMonth(date))
+        return;
+    m_notes.setNote(date.day(), note);
+    m_notesUnsaved = true;
+    m_page->setNotes(m_notes);
+    saveNotes();
+    showHint();
+    if (date == today())
+        emit tileDetailChanged();
+}
+
+void CalendarWidget::removeNote(const QDate &date)
+{
+    if (!m_layout.isInMonth(date) || m_notes.note(date.day()).isEmpty())
+        return;
+    if (!ConfirmDestructiveAction(
+            tr("Delete Note"),
+            tr("Delete the note of %1?").arg(QLocale().toString(date, QLocale::LongFormat)), tr("&Delete"),
+            this))
+        return;
+    setNote(date, QString());
+}
+
+// ---- pictures and stickers ----
+
+void CalendarWidget::insertOnDay(const QDate &date)
+{
+    if (!date.isValid())
+        return;
+    showDate(date);
+    CalendarInsertDialog dialog(date, this);
+    const QRectF day = m_layout.dayRect(date);
+    const int stickerSide = qRound(day.height() * kStickerShare);
+    if (dialog.exec() != QDialog::Accepted)
+        return;
+    const QImage image = dialog.chosenImage(stickerSide);
+    if (image.isNull())
+        return;
+    // It arrives in the middle of its day, no larger than the day, to be moved and scaled.
+    QSizeF size = image.size();
+    if (dialog.isPicture())
+        size = size.scaled(day.size() * kPictureShare, Qt::KeepAspectRatio);
+    FloatingItem item = FloatingItem::picture(image);
+    item.setRect(QRectF(day.center() - QPointF(size.width() / 2, size.height() / 2), size));
+    m_page->placeItem(item);
+}
+
+// ---- saving ----
+
+void CalendarWidget::drawingChanged()
+{
+    showUndoState();
+    if (!m_layer->isClean())
+        m_saveTimer.start();
+}
+
+bool CalendarWidget::saveDrawing()
+{
+    m_saveTimer.stop();
+    if (m_layer->isClean())
+        return true;
+    QString error;
+    if (!m_store.saveDrawing(m_layout.year(), m_layout.month(), m_layer->image(), &error)) {
+        reportSaveError(error);
+        return false;
+    }
+    m_layer->setClean();
+    m_lastSaveError.clear();
+    return true;
+}
+
+bool CalendarWidget::saveNotes()
+{
+    if (!m_notesUnsaved)
+        return true;
+    QString error;
+    if (!m_store.saveNotes(m_notes, &error)) {
+        reportSaveError(error);
+        return false;
+    }
+    m_notesUnsaved = false;
+    m_lastSaveError.clear();
+    return true;
+}
+
+void CalendarWidget::reportSaveError(const QString &error)
+{
+    // Told once per failure, not after every stroke; the change stays on screen and is
+    // written with the next one once there is room again.
+    if (error == m_lastSaveError)
+        return;
+    m_lastSaveError = error;
+    ShowNotice(tr("Cannot Keep the Calendar"),
+               error + QLatin1Char(' ') + tr("Your change is still shown and will be written with the next one."),
+               true, this);
+}
+
+bool CalendarWidget::saveNow()
+{
+    const bool drawing = saveDrawing();
+    return saveNotes() && drawing;
+}
+
+// ---- state shown ----
+
+void CalendarWidget::applyPens()
+{
+    const DrawingPens &pens = m_tools->pens();
+    m_page->setTool(pens.tool() == DrawingPens::Pointer ? InkCanvas::Tool::Pointer : InkCanvas::Tool::Ink);
+    m_page->setPen(pens.pen(m_page->layerScale()));
+    showHint();
+}
+
+void CalendarWidget::showWeekNumbers(bool shown)
+{
+    m_weeksButton->setChecked(shown);
+    m_weekNumbers->setVisible(shown);
+    m_weekCorner->setVisible(shown);
+}
+
+void CalendarWidget::showUndoState()
+{
+    m_undo->setEnabled(m_page->canUndo());
+    m_redo->setEnabled(m_layer->canRedo() && !m_page->hasPlacedItem());
+    m_undo->setToolTip(m_page->hasPlacedItem() ? tr("Take the sticker or picture being placed away (Ctrl+Z)")
+                       : m_layer->canUndo()    ? tr("Undo %1 (Ctrl+Z)").arg(m_layer->undoLabel())
+                                               : tr("Nothing to undo"));
+    m_redo->setToolTip(m_layer->canRedo() ? tr("Redo %1 (Ctrl+Y)").arg(m_layer->redoLabel())
+                                          : tr("Nothing to redo"));
+}
+
+void CalendarWidget::showHint()
+{
+    if (!m_hint)
+        return;
+    QString hint;
+    if (m_page->hasPlacedItem()) {
+        hint =
+            tr("Drag to move it, drag a corner to scale it; Enter or a click beside it puts it on the day, "
+               "Escape takes it away.");
+    } else if (m_tools->pens().tool() == DrawingPens::Pointer) {
+        const QDate date = selectedDate();
+        const QString day = QLocale().toString(date, QLocale::LongFormat);
+        hint = m_notes.note(date.day()).isEmpty() || !m_layout.isInMonth(date)
+                   ? tr("%1: double-click or press Enter to write a note.").arg(day)
+                   : tr("%1: double-click or press Enter to change its note, Delete to remove it.").arg(day);
+    } else {
+        hint = tr("Drawing on %1: Shift draws a straight line, Ctrl a rectangle; Undo takes a stroke back.")
+                   .arg(m_month->text());
+    }
+    m_hint->setText(hint);
+}
+
+// ---- theme and window ----
+
+void CalendarWidget::ThemeElementsUpdate()
+{
+    WidgetWindow::ThemeElementsUpdate();
+    const QColor text = ApplyPanelToolTheme(m_title, panel());
+    const QColor main = ResolveColor(CurrentTheme().MainColor);
+    m_tools->setInk(text);
+    m_weekdays->setTextColor(text);
+    m_weekNumbers->setTextColor(text);
+
+    // The page is paper tinted with the theme's colour, so ink and notes read under any theme.
+    MonthPageView::Colors colors;
+    colors.paper = mix(Qt::white, main, 0.04);
+    colors.weekend = mix(Qt::white, main, 0.10);
+    colors.otherMonth = mix(QColor(236, 236, 236), main, 0.06);
+    colors.line = mix(QColor(190, 190, 190), main, 0.30);
+    colors.accent = ReadableOn(colors.paper, main.darker(main.lightness() > 150 ? 160 : 100), 3.0);
+    m_page->setColors(colors);
+}
+
+void CalendarWidget::relayout()
+{
+    if (m_title)
+        m_title->move(8, qMax(0, (barHeight() - m_title->height()) / 2));
+    // Pen widths are in screen pixels: the page's scale changes with the window.
+    if (m_page)
+        applyPens();
+}
+
+void CalendarWidget::saveValues()
+{
+    m_tools->pens().save();
+    WriteDetail(kWindow, kWeekNumbers, SettingFromBool(m_weeksButton->isChecked()));
+}
+
+void CalendarWidget::closeEvent(QCloseEvent *event)
+{
+    m_page->settle();
+    if (!saveNow() &&
+        !AskChoice(
+            tr("Close the Calendar?"),
+            tr("Some changes to %1 could not be written to the calendar folder. Close anyway and lose them?")
+                .arg(m_month->text()),
+            tr("&Close"), tr("&Keep Open"), false, this)) {
+        event->ignore();
+        return;
+    }
+    WidgetWindow::closeEvent(event);
+}

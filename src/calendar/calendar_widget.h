@@ -1,0 +1,98 @@
+#pragma once
+
+#include "calendar/calendar_store.h"
+#include "calendar/month_layout.h"
+#include "calendar/month_notes.h"
+#include "themes/widget_window.h"
+
+#include <QTimer>
+
+class CalendarRuler;
+class DrawingLayer;
+class DrawingToolBar;
+class MonthPageView;
+class QLabel;
+class QToolButton;
+
+// fcln_IDX: a month page to write on and draw on. Each day takes a note (fcln_TXT), stickers
+// and pictures (fcln_INS); pens and an eraser draw straight on the page, with undo and redo.
+//
+// Everything is kept in the calendar folder as soon as it changes: the month's drawing as
+// "YYYY-MM.png" (a moment after the last stroke, and at once when the month or the window
+// changes) and its notes as "YYYY-MM.txt". A file that cannot be read is set aside with a
+// message; the month then starts from what could be read.
+class CalendarWidget : public WidgetWindow
+{
+    Q_OBJECT
+public:
+    explicit CalendarWidget(QWidget *parent = nullptr);
+    ~CalendarWidget() override;
+
+    QSize defaultSize() const override { return QSize(780, 580); }
+    QSize minimumUsableSize() const override;
+
+    // Shows the month of `date` with that day chosen.
+    void showDate(const QDate &date);
+    const MonthLayout &shownMonth() const { return m_layout; }
+    QDate selectedDate() const;
+    const MonthNotes &notes() const { return m_notes; }
+    MonthPageView *page() const { return m_page; }
+
+    // Opens the note of `date` (fcln_TXT), or puts a sticker or picture on it (fcln_INS).
+    void editNote(const QDate &date);
+    void insertOnDay(const QDate &date);
+    // Sets the note of a day of the shown month and keeps it; an empty note removes it.
+    void setNote(const QDate &date, const QString &note);
+
+    // Today's note, read from the calendar folder (for the dashboard's tile).
+    static QString noteForToday();
+
+    // Writes what is not yet in the folder (the drawing waits a moment after each stroke).
+    // False when something could not be written; the user has been told.
+    bool saveNow();
+
+public slots:
+    void ThemeElementsUpdate() override;
+
+protected:
+    void relayout() override;
+    void saveValues() override;
+    void closeEvent(QCloseEvent *event) override;
+
+private:
+    void buildCommandRow(QWidget *row);
+    QWidget *buildPageGrid();
+    void installShortcuts();
+    void loadMonth(const MonthLayout &layout);
+    void chooseDate(const QDate &date);
+    void removeNote(const QDate &date);
+    void drawingChanged();
+    bool saveDrawing();
+    bool saveNotes();
+    void reportSaveError(const QString &error);
+    void applyPens();
+    void showWeekNumbers(bool shown);
+    void showUndoState();
+    void showHint();
+    void followToday();
+
+    CalendarStore m_store;
+    MonthLayout m_layout;
+    MonthNotes m_notes;
+    bool m_notesUnsaved = false;
+    QString m_lastSaveError;
+    DrawingLayer *m_layer;
+    MonthPageView *m_page = nullptr;
+    CalendarRuler *m_weekdays = nullptr;
+    CalendarRuler *m_weekNumbers = nullptr;
+    QWidget *m_weekCorner = nullptr;
+    DrawingToolBar *m_tools = nullptr;
+    QLabel *m_title = nullptr;
+    QLabel *m_month = nullptr;
+    QLabel *m_hint = nullptr;
+    QToolButton *m_undo = nullptr;
+    QToolButton *m_redo = nullptr;
+    QToolButton *m_weeksButton = nullptr;
+    QTimer m_saveTimer;
+    QTimer m_midnight;
+};
