@@ -34,5 +34,9 @@ echo "== Whiteboard: 10,000 pointer samples drawn on a 1920x1080 board, repainte
 QT_QPA_PLATFORM=offscreen "$build/bin/whiteboard_bench"
 
 echo
+echo "== Calendar: month turns, page repaints, drawing frames and saves at 1400x900 =="
+QT_QPA_PLATFORM=offscreen "$build/bin/calendar_bench"
+
+echo
 echo "== Idle cost of the clock, stopwatch and timer under Xvfb (60 s) =="
 "$(dirname "$0")/time_widgets_idle.sh" "$build/bin/vantora"

@@ -74,7 +74,8 @@ CalendarWidget::CalendarWidget(QWidget *parent)
 
     m_saveTimer.setSingleShot(true);
     m_saveTimer.setInterval(kSaveDelayMs);
-    connect(&m_saveTimer, &QTimer::timeout, this, &CalendarWidget::saveDrawing);
+    connect(&m_saveTimer, &QTimer::timeout, this, &CalendarWidget::saveDrawingInBackground);
+    m_savePool.setMaxThreadCount(1); // one write at a time, in the order they were asked for
     m_midnight.setSingleShot(true);
     m_midnight.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_midnight, &QTimer::timeout, this, &CalendarWidget::followToday);
@@ -95,7 +96,10 @@ CalendarWidget::CalendarWidget(QWidget *parent)
     m_page->setFocus(); // the arrow keys move between days as soon as the window is active
 }
 
-CalendarWidget::~CalendarWidget() = default;
+CalendarWidget::~CalendarWidget()
+{
+    m_savePool.waitForDone(); // a write in progress finishes whole
+}
 
 QSize CalendarWidget::minimumUsableSize() const
 {
@@ -319,14 +323,53 @@ void CalendarWidget::insertOnDay(const QDate &date)
 
 void CalendarWidget::drawingChanged()
 {
+    ++m_drawingChanges;
     showUndoState();
     if (!m_layer->isClean())
         m_saveTimer.start();
 }
 
+void CalendarWidget::saveDrawingInBackground()
+{
+    if (m_layer->isClean())
+        return;
+    // Making the PNG takes tens of milliseconds: it is done away from the window, on a copy
+    // of the page that the next stroke does not touch (the image is shared until written to).
+    const int ticket = ++m_saveTicket;
+    const int changes = m_drawingChanges;
+    const int year = m_layout.year();
+    const int month = m_layout.month();
+    const QImage page = m_layer->image();
+    const QString folder = m_store.folder();
+    m_savePool.start([this, ticket, changes, year, month, page, folder] {
+        QString error;
+        const bool saved = CalendarStore(folder).saveDrawing(year, month, page, &error);
+        // Queued to the window's thread; the window waits for this task before it is deleted.
+        QMetaObject::invokeMethod(
+            this, [this, ticket, changes, saved, error] { drawingSaved(ticket, changes, saved, error); },
+            Qt::QueuedConnection);
+    });
+}
+
+void CalendarWidget::drawingSaved(int ticket, int changes, bool saved, const QString &error)
+{
+    if (ticket != m_saveTicket)
+        return; // a later save has the last word
+    if (!saved) {
+        reportSaveError(error);
+        return;
+    }
+    // Drawn on since the copy was taken: the timer is running again for the rest.
+    if (changes == m_drawingChanges)
+        m_layer->setClean();
+    m_lastSaveError.clear();
+}
+
 bool CalendarWidget::saveDrawing()
 {
     m_saveTimer.stop();
+    m_savePool.waitForDone();
+    ++m_saveTicket; // what the background write reports no longer counts
     if (m_layer->isClean())
         return true;
     QString error;

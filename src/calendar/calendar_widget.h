@@ -5,6 +5,7 @@
 #include "calendar/month_notes.h"
 #include "themes/widget_window.h"
 
+#include <QThreadPool>
 #include <QTimer>
 
 class CalendarRuler;
@@ -18,8 +19,8 @@ class QToolButton;
 // and pictures (fcln_INS); pens and an eraser draw straight on the page, with undo and redo.
 //
 // Everything is kept in the calendar folder as soon as it changes: the month's drawing as
-// "YYYY-MM.png" (a moment after the last stroke, and at once when the month or the window
-// changes) and its notes as "YYYY-MM.txt". A file that cannot be read is set aside with a
+// "YYYY-MM.png" (in the background a moment after the last stroke, and at once when the month
+// or the window changes) and its notes as "YYYY-MM.txt". A file that cannot be read is set aside with a
 // message; the month then starts from what could be read.
 class CalendarWidget : public WidgetWindow
 {
@@ -67,6 +68,8 @@ private:
     void chooseDate(const QDate &date);
     void removeNote(const QDate &date);
     void drawingChanged();
+    void saveDrawingInBackground();
+    void drawingSaved(int ticket, int changes, bool saved, const QString &error);
     bool saveDrawing();
     bool saveNotes();
     void reportSaveError(const QString &error);
@@ -94,5 +97,8 @@ private:
     QToolButton *m_redo = nullptr;
     QToolButton *m_weeksButton = nullptr;
     QTimer m_saveTimer;
+    QThreadPool m_savePool;
+    int m_saveTicket = 0;     // counts the writes started; only the last one's answer counts
+    int m_drawingChanges = 0; // counts the drawing's changes, to tell whether a write is current
     QTimer m_midnight;
 };

@@ -108,6 +108,10 @@ void TestCalendarWidget::notesAndDrawingAreKeptPerMonthAcrossARestart()
         calendar->setNote(kToday, QStringLiteral("Dentist at 10\nbring the card"));
         choosePen(*calendar);
         drawOnDay(*calendar, drawnDay);
+        // Written by itself a moment after the stroke, without waiting for the window to close.
+        QTRY_VERIFY(QFile::exists(calendarFile(QStringLiteral("2026-11.png"))));
+        QTRY_VERIFY(calendar->page()->layer()->isClean());
+        drawOnDay(*calendar, drawnDay.addDays(1));
         calendar->showDate(otherMonthDay); // the month left is written at once
         calendar->setNote(otherMonthDay, QStringLiteral("Christmas Eve"));
         calendar->close();

@@ -1,0 +1,139 @@
+// The calendar at 1400 x 900: turning to a month whose page holds 200 strokes and a note on
+// every day (files read, page painted), repainting the whole page, drawing a stroke (two
+// pointer samples and the repaint they cause per frame, as the window system sends them), and
+// writing the drawing. Goals: a month turn under 50 ms, every drawing frame under 8 ms.
+#include "calendar/calendar_store.h"
+#include "calendar/calendar_widget.h"
+#include "calendar/month_layout.h"
+#include "calendar/month_page_view.h"
+#include "core/drawing/drawing_layer.h"
+#include "core/drawing/ink_stroke.h"
+
+#include <QApplication>
+#include <QDir>
+#include <QElapsedTimer>
+#include <QMouseEvent>
+#include <QTemporaryDir>
+
+#include <algorithm>
+#include <cmath>
+#include <cstdio>
+#include <vector>
+
+namespace {
+
+struct Figures
+{
+    double median;
+    double worst;
+};
+
+Figures summarise(std::vector<double> ms)
+{
+    std::sort(ms.begin(), ms.end());
+    return {ms[ms.size() / 2], ms.back()};
+}
+
+double elapsedMs(const QElapsedTimer &timer)
+{
+    return timer.nsecsElapsed() / 1e6;
+}
+
+void send(QWidget *w, QEvent::Type type, const QPointF &pos)
+{
+    const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
+    QMouseEvent event(type, pos, w->mapToGlobal(pos), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
+                      buttons, Qt::NoModifier);
+    QApplication::sendEvent(w, &event);
+}
+
+// A month with ink all over its page and a note on every day, written as the calendar writes it.
+void fillMonth(const CalendarStore &store, int year, int month)
+{
+    DrawingLayer layer;
+    layer.reset(MonthLayout::pageSize());
+    for (int s = 0; s < 200; ++s) {
+        const qreal y = 40 + (s * 37) % 1000;
+        InkStroke stroke(layer, {InkKind::Pen, QColor::fromHsv(s * 17 % 360, 200, 180), 4}, InkShape::Freehand,
+                         {QPointF(30, y), 1});
+        for (int i = 1; i < 60; ++i)
+            stroke.moveTo({QPointF(30 + i * 27, y + 20 * std::sin(i * 0.4 + s)), 1});
+        stroke.finish();
+    }
+    store.saveDrawing(year, month, layer.image());
+    MonthNotes notes(year, month);
+    for (int day = 1; day <= QDate(year, month, 1).daysInMonth(); ++day)
+        notes.setNote(day, QStringLiteral("Meeting with the team about the plans for next week, day %1").arg(day));
+    store.saveNotes(notes);
+}
+
+} // namespace
+
+int main(int argc, char *argv[])
+{
+    QTemporaryDir home;
+    qputenv("VANTORA_HOME", home.path().toLocal8Bit());
+    QApplication app(argc, argv);
+    const CalendarStore store(CalendarStore::defaultFolder());
+    QDir().mkpath(store.folder());
+    const QDate first = QDate::currentDate().addMonths(1);
+    const QDate second = first.addMonths(1);
+    fillMonth(store, first.year(), first.month());
+    fillMonth(store, second.year(), second.month());
+
+    CalendarWidget calendar;
+    calendar.resize(1400, 900);
+    calendar.show();
+    QApplication::processEvents();
+    MonthPageView *page = calendar.page();
+
+    std::vector<double> turns, repaints;
+    for (int i = 0; i < 20; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        calendar.showDate(i % 2 ? first : second);
+        page->repaint();
+        turns.push_back(elapsedMs(timer));
+    }
+    for (int i = 0; i < 50; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        page->repaint();
+        repaints.push_back(elapsedMs(timer));
+    }
+
+    QMetaObject::invokeMethod(calendar.findChild<QObject *>(QStringLiteral("btnPEN")), "click");
+    std::vector<double> frames;
+    for (int s = 0; s < 20; ++s) {
+        const qreal y = 30 + s * 35;
+        send(page, QEvent::MouseButtonPress, QPointF(20, y));
+        for (int i = 1; i < 200; i += 2) {
+            QElapsedTimer timer;
+            timer.start();
+            send(page, QEvent::MouseMove, QPointF(20 + i * 6, y + 15 * std::sin(i * 0.2)));
+            send(page, QEvent::MouseMove, QPointF(23 + i * 6, y + 15 * std::sin(i * 0.2 + 0.1)));
+            page->repaint(page->rect()); // the worst case: the whole page
+            frames.push_back(elapsedMs(timer));
+        }
+        send(page, QEvent::MouseButtonRelease, QPointF(1220, y));
+    }
+
+    std::vector<double> saves;
+    for (int i = 0; i < 5; ++i) {
+        QElapsedTimer timer;
+        timer.start();
+        store.saveDrawing(first.year(), first.month(), page->layer()->image());
+        saves.push_back(elapsedMs(timer));
+    }
+
+    const Figures turn = summarise(turns), repaint = summarise(repaints), frame = summarise(frames),
+                  save = summarise(saves);
+    std::printf("month turn (files read, page painted): median %.2f ms, worst %.2f ms (goal < 50 ms)\n",
+                turn.median, turn.worst);
+    std::printf("whole page repainted:                  median %.2f ms, worst %.2f ms\n", repaint.median,
+                repaint.worst);
+    std::printf("drawing frame (2 samples + repaint):   median %.2f ms, worst %.2f ms (goal < 8 ms)\n",
+                frame.median, frame.worst);
+    std::printf("drawing made into PNG (off the window): median %.2f ms, worst %.2f ms\n", save.median, save.worst);
+    return turn.median < 50 && frame.median < 8 ? 0 : 1;
+}
