@@ -42,8 +42,8 @@ double elapsedMs(const QElapsedTimer &timer)
 void send(QWidget *w, QEvent::Type type, const QPointF &pos)
 {
     const Qt::MouseButtons buttons = type == QEvent::MouseButtonRelease ? Qt::NoButton : Qt::LeftButton;
-    QMouseEvent event(type, pos, w->mapToGlobal(pos), type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton,
-                      buttons, Qt::NoModifier);
+    QMouseEvent event(type, pos, w->mapToGlobal(pos),
+                      type == QEvent::MouseMove ? Qt::NoButton : Qt::LeftButton, buttons, Qt::NoModifier);
     QApplication::sendEvent(w, &event);
 }
 
@@ -54,8 +54,8 @@ void fillMonth(const CalendarStore &store, int year, int month)
     layer.reset(MonthLayout::pageSize());
     for (int s = 0; s < 200; ++s) {
         const qreal y = 40 + (s * 37) % 1000;
-        InkStroke stroke(layer, {InkKind::Pen, QColor::fromHsv(s * 17 % 360, 200, 180), 4}, InkShape::Freehand,
-                         {QPointF(30, y), 1});
+        InkStroke stroke(layer, {InkKind::Pen, QColor::fromHsv(s * 17 % 360, 200, 180), 4},
+                         InkShape::Freehand, {QPointF(30, y), 1});
         for (int i = 1; i < 60; ++i)
             stroke.moveTo({QPointF(30 + i * 27, y + 20 * std::sin(i * 0.4 + s)), 1});
         stroke.finish();
@@ -63,7 +63,8 @@ void fillMonth(const CalendarStore &store, int year, int month)
     store.saveDrawing(year, month, layer.image());
     MonthNotes notes(year, month);
     for (int day = 1; day <= QDate(year, month, 1).daysInMonth(); ++day)
-        notes.setNote(day, QStringLiteral("Meeting with the team about the plans for next week, day %1").arg(day));
+        notes.setNote(day,
+                      QStringLiteral("Meeting with the team about the plans for next week, day %1").arg(day));
     store.saveNotes(notes);
 }
 
@@ -134,6 +135,7 @@ int main(int argc, char *argv[])
                 repaint.worst);
     std::printf("drawing frame (2 samples + repaint):   median %.2f ms, worst %.2f ms (goal < 8 ms)\n",
                 frame.median, frame.worst);
-    std::printf("drawing made into PNG (off the window): median %.2f ms, worst %.2f ms\n", save.median, save.worst);
+    std::printf("drawing made into PNG (off the window): median %.2f ms, worst %.2f ms\n", save.median,
+                save.worst);
     return turn.median < 50 && frame.median < 8 ? 0 : 1;
 }

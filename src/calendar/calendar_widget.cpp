@@ -18,10 +18,14 @@
 #include "themes/theme_painter.h"
 
 #include <QCloseEvent>
+#include <QDragEnterEvent>
+#include <QDropEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QImageReader>
 #include <QLabel>
 #include <QLocale>
+#include <QMimeData>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -44,6 +48,16 @@ QColor mix(const QColor &a, const QColor &b, qreal bShare)
 QDate today()
 {
     return ClockSource::now().date();
+}
+
+// The first local file among dropped addresses that reads as a picture.
+QString droppedPictureFile(const QMimeData *data)
+{
+    for (const QUrl &url : data->urls()) {
+        if (url.isLocalFile() && !QImageReader::imageFormat(url.toLocalFile()).isEmpty())
+            return url.toLocalFile();
+    }
+    return {};
 }
 } // namespace
 
@@ -297,6 +311,19 @@ void CalendarWidget::removeNote(const QDate &date)
 
 // ---- pictures and stickers ----
 
+void CalendarWidget::placePicture(const QDate &date, const QImage &image, qreal share)
+{
+    // It arrives in the middle of its day, no larger than the day, to be moved and scaled.
+    const QRectF day = m_layout.dayRect(date);
+    const QSizeF room = day.size() * share;
+    QSizeF size = image.size();
+    if (size.width() > room.width() || size.height() > room.height())
+        size = size.scaled(room, Qt::KeepAspectRatio);
+    FloatingItem item = FloatingItem::picture(image);
+    item.setRect(QRectF(day.center() - QPointF(size.width() / 2, size.height() / 2), size));
+    m_page->placeItem(item);
+}
+
 void CalendarWidget::insertOnDay(const QDate &date)
 {
     if (!date.isValid())
@@ -308,15 +335,45 @@ void CalendarWidget::insertOnDay(const QDate &date)
     if (dialog.exec() != QDialog::Accepted)
         return;
     const QImage image = dialog.chosenImage(stickerSide);
-    if (image.isNull())
-        return;
-    // It arrives in the middle of its day, no larger than the day, to be moved and scaled.
-    QSizeF size = image.size();
-    if (dialog.isPicture())
-        size = size.scaled(day.size() * kPictureShare, Qt::KeepAspectRatio);
-    FloatingItem item = FloatingItem::picture(image);
-    item.setRect(QRectF(day.center() - QPointF(size.width() / 2, size.height() / 2), size));
-    m_page->placeItem(item);
+    if (!image.isNull())
+        placePicture(date, image, dialog.isPicture() ? kPictureShare : 1.0);
+}
+
+// ---- pictures dropped on a day ----
+
+void CalendarWidget::dragEnterEvent(QDragEnterEvent *event)
+{
+    if (event->mimeData()->hasImage() || !droppedPictureFile(event->mimeData()).isEmpty())
+        event->acceptProposedAction();
+}
+
+void CalendarWidget::dropEvent(QDropEvent *event)
+{
+    if (dropPicture(event->mimeData(), m_page->mapFrom(this, event->position().toPoint())))
+        event->acceptProposedAction();
+}
+
+bool CalendarWidget::dropPicture(const QMimeData *data, const QPoint &pagePos)
+{
+    if (!m_page->rect().contains(pagePos))
+        return false;
+    QImage image = qvariant_cast<QImage>(data->imageData());
+    if (image.isNull()) {
+        const QString file = droppedPictureFile(data);
+        QImageReader reader(file);
+        reader.setAutoTransform(true);
+        image = reader.read();
+        if (image.isNull()) {
+            ShowNotice(tr("Cannot Insert the Picture"),
+                       tr("\"%1\" could not be read as a picture: %2.").arg(file, reader.errorString()), true,
+                       this);
+            return false;
+        }
+    }
+    const QDate date = m_page->dateAt(pagePos);
+    showDate(date);
+    placePicture(date, image, kPictureShare);
+    return true;
 }
 
 // ---- saving ----
@@ -404,7 +461,8 @@ void CalendarWidget::reportSaveError(const QString &error)
         return;
     m_lastSaveError = error;
     ShowNotice(tr("Cannot Keep the Calendar"),
-               error + QLatin1Char(' ') + tr("Your change is still shown and will be written with the next one."),
+               error + QLatin1Char(' ') +
+                   tr("Your change is still shown and will be written with the next one."),
                true, this);
 }
 

@@ -13,10 +13,12 @@ class DrawingLayer;
 class DrawingToolBar;
 class MonthPageView;
 class QLabel;
+class QMimeData;
 class QToolButton;
 
 // fcln_IDX: a month page to write on and draw on. Each day takes a note (fcln_TXT), stickers
-// and pictures (fcln_INS); pens and an eraser draw straight on the page, with undo and redo.
+// and pictures (fcln_INS, or dropped on the day); pens and an eraser draw straight on the page, with undo and
+// redo.
 //
 // Everything is kept in the calendar folder as soon as it changes: the month's drawing as
 // "YYYY-MM.png" (in the background a moment after the last stroke, and at once when the month
@@ -42,6 +44,8 @@ public:
     // Opens the note of `date` (fcln_TXT), or puts a sticker or picture on it (fcln_INS).
     void editNote(const QDate &date);
     void insertOnDay(const QDate &date);
+    // Puts a dropped picture (or picture file) on the day under `pagePos` (page view pixels).
+    bool dropPicture(const QMimeData *data, const QPoint &pagePos);
     // Sets the note of a day of the shown month and keeps it; an empty note removes it.
     void setNote(const QDate &date, const QString &note);
 
@@ -59,6 +63,8 @@ protected:
     void relayout() override;
     void saveValues() override;
     void closeEvent(QCloseEvent *event) override;
+    void dragEnterEvent(QDragEnterEvent *event) override;
+    void dropEvent(QDropEvent *event) override;
 
 private:
     void buildCommandRow(QWidget *row);
@@ -67,6 +73,8 @@ private:
     void loadMonth(const MonthLayout &layout);
     void chooseDate(const QDate &date);
     void removeNote(const QDate &date);
+    // Puts `image` on the day to be moved and scaled, at most `share` of the day's size.
+    void placePicture(const QDate &date, const QImage &image, qreal share);
     void drawingChanged();
     void saveDrawingInBackground();
     void drawingSaved(int ticket, int changes, bool saved, const QString &error);

@@ -19,8 +19,8 @@ QString PanelToolStyleSheet(const QColor &text, const QPalette &page);
 // A flat command button ("New", "Save") added to the layout of `row`, a row of such buttons on
 // a painted panel, that runs `action` when clicked: reached with Tab but not taking the focus
 // from the page when clicked.
-QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption, const QString &toolTip,
-                             const std::function<void()> &action);
+QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption,
+                             const QString &toolTip, const std::function<void()> &action);
 
 // The theme of a window whose panel holds such tools (the notes editor, the whiteboard, the
 // calendar): its bar title in the bar's font, bold, and the panel's tools and labels in the

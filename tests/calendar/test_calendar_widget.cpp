@@ -14,6 +14,7 @@
 #include <QDir>
 #include <QFile>
 #include <QFontMetricsF>
+#include <QMimeData>
 #include <QTest>
 
 #include <memory>
@@ -70,6 +71,7 @@ private slots:
     void drawingStaysOnItsDayAtAnotherSize_data();
     void drawingStaysOnItsDayAtAnotherSize();
     void damagedFilesAreSetAsideAndReported();
+    void droppedPictureLandsInItsDay();
     void choosingADayOfAnotherMonthTurnsThePage_data();
     void choosingADayOfAnotherMonthTurnsThePage();
     void longNotesAreShortenedWithAnEllipsis_data();
@@ -195,6 +197,23 @@ void TestCalendarWidget::damagedFilesAreSetAsideAndReported()
     QString problem;
     CalendarStore(CalendarStore::defaultFolder()).loadDrawing(2026, 11, &problem);
     QVERIFY2(problem.isEmpty(), qPrintable(problem));
+}
+
+void TestCalendarWidget::droppedPictureLandsInItsDay()
+{
+    auto calendar = openCalendar(QSize(800, 600));
+    const QDate day(2026, 11, 19);
+    QImage photo(3000, 2000, QImage::Format_RGB32); // far larger than a day
+    photo.fill(Qt::darkGreen);
+    QMimeData data;
+    data.setImageData(photo);
+    QVERIFY(calendar->dropPicture(&data, calendar->page()->cellArea(day).center()));
+
+    QVERIFY(calendar->page()->hasPlacedItem());
+    const QRectF placed = calendar->page()->placedItem().rect();
+    QVERIFY(calendar->shownMonth().dayRect(day).contains(placed));
+    QVERIFY(qAbs(placed.width() / placed.height() - 1.5) < 0.01); // its shape kept
+    QCOMPARE(calendar->selectedDate(), day);
 }
 
 void TestCalendarWidget::choosingADayOfAnotherMonthTurnsThePage_data()
