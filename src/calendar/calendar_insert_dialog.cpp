@@ -1,6 +1,7 @@
 #include "calendar/calendar_insert_dialog.h"
 
 #include "calendar/calendar_stickers.h"
+#include "core/picture_files.h"
 #include "core/settings_store.h"
 #include "themes/message_box.h"
 #include "themes/panel_tool_style.h"
@@ -208,15 +209,14 @@ void CalendarInsertDialog::selectSticker(int index)
 
 void CalendarInsertDialog::choosePictureFile(const QString &path)
 {
-    QImageReader reader(path);
-    reader.setAutoTransform(true);
-    const QImage picture = reader.read();
+    QString error;
+    const QImage picture = ReadPictureFile(path, &error);
     const QString name = QFileInfo(path).fileName();
     if (picture.isNull()) {
         ShowNotice(tr("Cannot Use the Picture"),
                    tr("%1 could not be read as a picture (%2). Choose a picture file, such as a PNG or "
                       "JPEG photo.")
-                       .arg(name, reader.errorString()),
+                       .arg(name, error),
                    true, this);
         return;
     }

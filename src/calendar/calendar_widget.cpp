@@ -7,6 +7,7 @@
 #include "core/clock_source.h"
 #include "core/drawing/drawing_layer.h"
 #include "core/drawing/floating_item.h"
+#include "core/picture_files.h"
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
@@ -22,7 +23,6 @@
 #include <QDropEvent>
 #include <QGridLayout>
 #include <QHBoxLayout>
-#include <QImageReader>
 #include <QLabel>
 #include <QLocale>
 #include <QMimeData>
@@ -50,15 +50,6 @@ QDate today()
     return ClockSource::now().date();
 }
 
-// The first local file among dropped addresses that reads as a picture.
-QString droppedPictureFile(const QMimeData *data)
-{
-    for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile() && !QImageReader::imageFormat(url.toLocalFile()).isEmpty())
-            return url.toLocalFile();
-    }
-    return {};
-}
 } // namespace
 
 CalendarWidget::CalendarWidget(QWidget *parent)
@@ -97,7 +88,7 @@ CalendarWidget::CalendarWidget(QWidget *parent)
     connect(m_layer, &DrawingLayer::historyChanged, this, &CalendarWidget::drawingChanged);
     connect(m_page, &InkCanvas::undoStateChanged, this, &CalendarWidget::showUndoState);
     connect(m_page, &InkCanvas::placedItemChanged, this, &CalendarWidget::showHint);
-    connect(m_page, &MonthPageView::dateChosen, this, &CalendarWidget::chooseDate);
+    connect(m_page, &MonthPageView::dateChosen, this, &CalendarWidget::showDate);
     connect(m_page, &MonthPageView::noteRequested, this, &CalendarWidget::editNote);
     connect(m_page, &MonthPageView::noteRemovalRequested, this, &CalendarWidget::removeNote);
     connect(m_tools, &DrawingToolBar::pensChanged, this, &CalendarWidget::applyPens);
@@ -216,12 +207,6 @@ void CalendarWidget::showDate(const QDate &date)
         loadMonth(MonthLayout(date.year(), date.month(), m_layout.firstDayOfWeek()));
     m_page->setSelectedDate(date);
     showHint();
-}
-
-void CalendarWidget::chooseDate(const QDate &date)
-{
-    // Days of the months before and after are shown greyed; choosing one turns the page.
-    showDate(date);
 }
 
 void CalendarWidget::loadMonth(const MonthLayout &layout)
@@ -343,7 +328,7 @@ void CalendarWidget::insertOnDay(const QDate &date)
 
 void CalendarWidget::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->hasImage() || !droppedPictureFile(event->mimeData()).isEmpty())
+    if (event->mimeData()->hasImage() || !FirstPictureFile(event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
@@ -359,14 +344,12 @@ bool CalendarWidget::dropPicture(const QMimeData *data, const QPoint &pagePos)
         return false;
     QImage image = qvariant_cast<QImage>(data->imageData());
     if (image.isNull()) {
-        const QString file = droppedPictureFile(data);
-        QImageReader reader(file);
-        reader.setAutoTransform(true);
-        image = reader.read();
+        const QString file = FirstPictureFile(data);
+        QString error;
+        image = ReadPictureFile(file, &error);
         if (image.isNull()) {
             ShowNotice(tr("Cannot Insert the Picture"),
-                       tr("\"%1\" could not be read as a picture: %2.").arg(file, reader.errorString()), true,
-                       this);
+                       tr("\"%1\" could not be read as a picture: %2.").arg(file, error), true, this);
             return false;
         }
     }

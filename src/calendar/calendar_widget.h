@@ -34,7 +34,7 @@ public:
     QSize defaultSize() const override { return QSize(780, 580); }
     QSize minimumUsableSize() const override;
 
-    // Shows the month of `date` with that day chosen.
+    // Shows the month of `date` with that day chosen (a day of another month turns the page).
     void showDate(const QDate &date);
     const MonthLayout &shownMonth() const { return m_layout; }
     QDate selectedDate() const;
@@ -71,7 +71,6 @@ private:
     QWidget *buildPageGrid();
     void installShortcuts();
     void loadMonth(const MonthLayout &layout);
-    void chooseDate(const QDate &date);
     void removeNote(const QDate &date);
     // Puts `image` on the day to be moved and scaled, at most `share` of the day's size.
     void placePicture(const QDate &date, const QImage &image, qreal share);

@@ -4,6 +4,7 @@
 #include "core/drawing/drawing_layer.h"
 #include "core/drawing/ink_canvas.h"
 #include "core/file_helpers.h"
+#include "core/picture_files.h"
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
@@ -30,7 +31,6 @@
 #include <QFileDialog>
 #include <QFileInfo>
 #include <QHBoxLayout>
-#include <QImageReader>
 #include <QLabel>
 #include <QLocale>
 #include <QMimeData>
@@ -48,15 +48,6 @@ const QString kSidePanelWidth = QStringLiteral("Side Panel Width");
 // A picture placed on the board takes at most this part of the visible board.
 constexpr qreal kPictureShare = 0.8;
 
-// The first local file among dropped or copied addresses that reads as a picture.
-QString firstPictureFile(const QMimeData *data)
-{
-    for (const QUrl &url : data->urls()) {
-        if (url.isLocalFile() && !QImageReader::imageFormat(url.toLocalFile()).isEmpty())
-            return url.toLocalFile();
-    }
-    return {};
-}
 } // namespace
 
 WhiteboardWidget::WhiteboardWidget(QWidget *parent)
@@ -427,7 +418,7 @@ bool WhiteboardWidget::placeData(const QMimeData *data, const QPointF &centre)
         placePicture(qvariant_cast<QImage>(data->imageData()), centre);
         return true;
     }
-    const QString file = firstPictureFile(data);
+    const QString file = FirstPictureFile(data);
     if (!file.isEmpty())
         return insertPicture(file, centre);
     if (!data->hasText() || data->text().trimmed().isEmpty())
@@ -596,7 +587,7 @@ void WhiteboardWidget::offerRecoveredBoard()
 
 void WhiteboardWidget::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->hasImage() || !firstPictureFile(event->mimeData()).isEmpty())
+    if (event->mimeData()->hasImage() || !FirstPictureFile(event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
