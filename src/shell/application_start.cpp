@@ -24,13 +24,18 @@
 #include "webcam/webcam_viewer.h"
 
 #include <QApplication>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QTimer>
 #include <QWindow>
+
+#include <utility>
 
 namespace {
 // Dialogs and the hidden windows' texts never go below this size.
 constexpr int kMinimumFontPoints = 8;
-constexpr int kShippedDataDelayMs = 1000;
+constexpr int kFinishStartDelayMs = 1000;
 } // namespace
 
 ApplicationStart::ApplicationStart(QObject *parent) : QObject(parent) {}
@@ -64,7 +69,7 @@ SchedulerWindow *ApplicationStart::scheduler() const
     return m_scheduler;
 }
 
-void ApplicationStart::run()
+void ApplicationStart::run(const LaunchRequest &request)
 {
     // From the first read on: a settings file that is partly unreadable, or cannot be saved.
     SetSettingsProblemHandler([this](const QString &message) { addNotice(message); });
@@ -75,19 +80,86 @@ void ApplicationStart::run()
     loadWindows();
     m_dashboard->StartUpdateCheck(false);
 
+    // Without a tray a hidden start would leave the program out of reach.
+    const bool startHidden = request.hidden && TrayIcon::isAvailable();
+    const bool usualStart = !request.asksForWindows() && !startHidden;
     bool handedOver = false;
-    if (StartupDecisions::showsWizard(m_choice)) {
+    if (usualStart && StartupDecisions::showsWizard(m_choice)) {
         handedOver = m_dashboard->openWizard();
         m_choice = m_dashboard->IndxSel();
     }
     QCoreApplication::processEvents();
     // The wizard's Start has already handed over; a wizard closed without a choice leaves
     // -1, which shows the dashboard.
-    if (!handedOver)
+    if (usualStart && !handedOver)
         m_dashboard->handOverAtStart(m_choice);
+    else if (request.asksForWindows())
+        showRequested(request);
+    m_started = true;
+    for (const LaunchRequest &waiting : std::exchange(m_waitingLaunches, {}))
+        showRequested(waiting);
     if (!m_notices.isEmpty() && !m_dashboard->isVisible() && TrayIcon::isAvailable())
         m_tray->systemTrayIcon()->showMessage(QStringLiteral("Vantora"), m_notices.join(QLatin1Char(' ')),
                                               QSystemTrayIcon::Warning);
+}
+
+QByteArray ApplicationStart::answerLaunch(const QByteArray &request)
+{
+    LaunchRequest launch;
+    QJsonObject answer;
+    if (!LaunchRequest::fromJson(request, &launch)) {
+        answer.insert(QStringLiteral("error"), QStringLiteral("not a request this version understands"));
+        return QJsonDocument(answer).toJson(QJsonDocument::Compact);
+    }
+    answer.insert(QStringLiteral("visible"), QJsonArray::fromStringList(visibleWindowNames()));
+    // While the start is still running (the first-run wizard waits for the user), requests wait
+    // for it to finish.
+    if (m_started)
+        QTimer::singleShot(0, this, [this, launch] { showRequested(launch); });
+    else
+        m_waitingLaunches.append(launch);
+    return QJsonDocument(answer).toJson(QJsonDocument::Compact);
+}
+
+void ApplicationStart::showRequested(const LaunchRequest &request)
+{
+    if (!m_dashboard || m_dashboard->isUnloading())
+        return;
+    if (!request.asksForWindows()) {
+        // A plain launch while running: the user is looking for the program.
+        if (!request.hidden)
+            m_dashboard->showDashboard();
+        return;
+    }
+    WidgetRegistry &registry = WidgetRegistry::instance();
+    for (const QString &name : request.open) {
+        if (name == QLatin1String("dashboard"))
+            m_dashboard->showDashboard();
+        else if (name == QLatin1String("webcam"))
+            m_dashboard->openWebcam();
+        else
+            registry.open(LaunchRequest::widgetIndexOf(name));
+    }
+    if (!request.documents.isEmpty()) {
+        if (auto *editor = qobject_cast<NotesEditor *>(registry.open(WidgetNotes))) {
+            for (const QString &path : request.documents)
+                editor->openFile(path);
+        }
+    }
+    // Nothing the request named could open (a widget this build lacks): the dashboard shows.
+    if (visibleWindowNames().isEmpty())
+        m_dashboard->showDashboard();
+}
+
+QStringList ApplicationStart::visibleWindowNames()
+{
+    QStringList names;
+    for (const QWidget *widget : QApplication::topLevelWidgets()) {
+        if (widget->isVisible() && !widget->objectName().isEmpty())
+            names.append(widget->objectName());
+    }
+    names.sort();
+    return names;
 }
 
 void ApplicationStart::prepareValues()
@@ -116,10 +188,10 @@ void ApplicationStart::prepareData()
     registerWidgetsOnce();
     registerTools();
     // Copying the shipped presets and dictionaries takes longer than everything else on a first
-    // run, and nothing needs them before the user acts: it waits for the first window (or a
-    // second, when the start shows none).
+    // run, and nothing needs them (nor the autostart entry) before the user acts: they wait for
+    // the first window (or a second, when the start shows none).
     qApp->installEventFilter(this);
-    QTimer::singleShot(kShippedDataDelayMs, this, &ApplicationStart::installShippedData);
+    QTimer::singleShot(kFinishStartDelayMs, this, &ApplicationStart::finishStartAfterFirstWindow);
 }
 
 void ApplicationStart::registerTools()
@@ -134,16 +206,16 @@ bool ApplicationStart::eventFilter(QObject *watched, QEvent *event)
     if (event->type() == QEvent::Expose) {
         auto *window = qobject_cast<QWindow *>(watched);
         if (window && window->isExposed())
-            QTimer::singleShot(0, this, &ApplicationStart::installShippedData);
+            QTimer::singleShot(0, this, &ApplicationStart::finishStartAfterFirstWindow);
     }
     return QObject::eventFilter(watched, event);
 }
 
-void ApplicationStart::installShippedData()
+void ApplicationStart::finishStartAfterFirstWindow()
 {
-    if (m_shippedDataInstalled)
+    if (m_startFinished)
         return;
-    m_shippedDataInstalled = true;
+    m_startFinished = true;
     qApp->removeEventFilter(this);
     InstallMissingPresets();
     QString problem;

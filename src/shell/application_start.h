@@ -1,5 +1,7 @@
 #pragma once
 
+#include "shell/launch_request.h"
+
 #include <QObject>
 #include <QPointer>
 #include <QStringList>
@@ -21,7 +23,23 @@ public:
     ~ApplicationStart() override;
 
     // Runs the start-up steps in order. The event loop is the caller's (QApplication::exec).
-    void run();
+    // A request from the command line that names windows shows those instead of the usual
+    // hand-over (and puts off the first-run wizard to a plain start); --hidden leaves the
+    // dashboard in the tray.
+    void run(const LaunchRequest &request = {});
+
+    // A request from a later launch, as SingleInstance delivers it (it may come while run() is
+    // still in the first-run wizard). The answer is sent at once
+    // and lists the windows showing when the request came; the windows asked for are shown
+    // from the event loop right after, so that a message box they raise never keeps the
+    // other launch waiting.
+    QByteArray answerLaunch(const QByteArray &request);
+
+    // Shows what a launch asked for; with nothing named, the dashboard comes forward.
+    void showRequested(const LaunchRequest &request);
+
+    // objectNames of the top-level windows now showing, sorted.
+    static QStringList visibleWindowNames();
 
     // Registers the built-in widgets with the WidgetRegistry the first time it is called in the
     // process; run() calls it. Tests call it first and then put their own factories in place.
@@ -48,7 +66,7 @@ private:
     void popUpContextMenu(QWidget *window, const QPoint &globalPos);
     void keepSomethingOnScreen();
     void end();
-    void installShippedData();
+    void finishStartAfterFirstWindow();
     // Problems found at start or later (settings file, shipped data): on the dashboard, and
     // from the tray while the dashboard is hidden.
     void addNotice(const QString &message);
@@ -59,6 +77,8 @@ private:
     QPointer<WidgetContextMenu> m_menu;
     QPointer<TrayIcon> m_tray;
     QStringList m_notices;
+    QList<LaunchRequest> m_waitingLaunches;
+    bool m_started = false;
     int m_choice = -1;
-    bool m_shippedDataInstalled = false;
+    bool m_startFinished = false;
 };

@@ -15,6 +15,9 @@
 #include <QApplication>
 #include <QDir>
 #include <QFile>
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
 #include <QLabel>
 #include <QPointer>
 #include <QSignalSpy>
@@ -50,6 +53,11 @@ private slots:
     void exitEndsTheProgram();
     void exitFromTheSharedMenuLeavesTheMenuAliveUntilItReturns();
     void withoutTrayLastWidgetClosedShowsDashboard();
+    void commandLineReplacesHandOver_data();
+    void commandLineReplacesHandOver();
+    void laterLaunchShowsWhatItAsks_data();
+    void laterLaunchShowsWhatItAsks();
+    void laterLaunchDuringWizardWaitsForIt();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -397,6 +405,115 @@ void TestStartup::withoutTrayLastWidgetClosedShowsDashboard()
 
     WidgetRegistry::instance().close(WidgetCalculator);
     QVERIFY(start.dashboard()->isVisible());
+}
+
+void TestStartup::commandLineReplacesHandOver_data()
+{
+    QTest::addColumn<QString>("choice");
+    QTest::addColumn<QStringList>("open");
+    QTest::addColumn<bool>("hidden");
+    QTest::addColumn<bool>("tray");
+    QTest::addColumn<bool>("dashboardShown");
+    QTest::addColumn<QList<int>>("opened");
+    // The start-load flag for the calculator is set in every row.
+    QTest::newRow("first run: no wizard, the widget alone")
+        << "" << QStringList{"timer"} << false << true << false << QList<int>{WidgetTimer};
+    QTest::newRow("single-widget choice gives way")
+        << "1" << QStringList{"dashboard", "clock"} << false << true << true << QList<int>{WidgetClock};
+    QTest::newRow("all widgets: load flags and the one asked for")
+        << "8" << QStringList{"notes"} << false << true << false << QList<int>{WidgetCalculator, WidgetNotes};
+    QTest::newRow("--hidden: dashboard in the tray")
+        << "8" << QStringList{} << true << true << false << QList<int>{WidgetCalculator};
+    QTest::newRow("--hidden without a tray: the usual start")
+        << "8" << QStringList{} << true << false << true << QList<int>{WidgetCalculator};
+}
+
+void TestStartup::commandLineReplacesHandOver()
+{
+    QFETCH(QString, choice);
+    QFETCH(QStringList, open);
+    QFETCH(bool, hidden);
+    QFETCH(bool, tray);
+    QFETCH(bool, dashboardShown);
+    QFETCH(QList<int>, opened);
+    TrayIcon::setAvailableForTesting(tray ? 1 : 0);
+    if (!choice.isEmpty())
+        WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), choice);
+    setDetail("Start-Load-Calc", QStringLiteral("True"));
+    // A wizard that came up anyway is noted and closed, so that run() returns.
+    bool wizardShown = false;
+    QTimer watch;
+    connect(&watch, &QTimer::timeout, [&wizardShown] {
+        if (QWidget *wizard = QApplication::activeModalWidget()) {
+            wizardShown = true;
+            wizard->close();
+        }
+    });
+    watch.start(0);
+    LaunchRequest request;
+    request.open = open;
+    request.hidden = hidden;
+    ApplicationStart start;
+    start.run(request);
+
+    QVERIFY(!wizardShown);
+    QCOMPARE(start.dashboard()->isVisible(), dashboardShown);
+    QList<int> openNow = WidgetRegistry::instance().openWidgets();
+    std::sort(openNow.begin(), openNow.end());
+    QCOMPARE(openNow, opened);
+    // The wizard is only put off: nothing was chosen for the user.
+    QCOMPARE(StartupDecisions::readProgramChoice(), choice.isEmpty() ? -1 : choice.toInt());
+    QApplication::closeAllWindows();
+}
+
+void TestStartup::laterLaunchShowsWhatItAsks_data()
+{
+    QTest::addColumn<QByteArray>("request");
+    QTest::addColumn<bool>("dashboardShown");
+    QTest::addColumn<QList<int>>("opened");
+    QTest::addColumn<bool>("refused");
+    QTest::newRow("plain launch: the dashboard")
+        << QByteArray("{}") << true << QList<int>{WidgetCalculator} << false;
+    QTest::newRow("--open timer") << LaunchRequest{{"timer"}, {}, false}.toJson() << false
+                                  << QList<int>{WidgetCalculator, WidgetTimer} << false;
+    QTest::newRow("--hidden changes nothing")
+        << LaunchRequest{{}, {}, true}.toJson() << false << QList<int>{WidgetCalculator} << false;
+    QTest::newRow("not a request") << QByteArray("hello") << false << QList<int>{WidgetCalculator} << true;
+}
+
+void TestStartup::laterLaunchShowsWhatItAsks()
+{
+    QFETCH(QByteArray, request);
+    QFETCH(bool, dashboardShown);
+    QFETCH(QList<int>, opened);
+    QFETCH(bool, refused);
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("1"));
+    ApplicationStart start;
+    start.run();
+
+    const QJsonObject answer = QJsonDocument::fromJson(start.answerLaunch(request)).object();
+    QCOMPARE(answer.contains(QStringLiteral("error")), refused);
+    if (!refused)
+        QCOMPARE(answer.value(QStringLiteral("visible")).toArray(),
+                 QJsonArray{WidgetWindowName(WidgetCalculator)});
+    QTRY_COMPARE(WidgetRegistry::instance().openWidgets(), opened);
+    QTest::qWait(10);
+    QCOMPARE(start.dashboard()->isVisible(), dashboardShown);
+    QApplication::closeAllWindows();
+}
+
+void TestStartup::laterLaunchDuringWizardWaitsForIt()
+{
+    ApplicationStart start;
+    QByteArray answer;
+    bool allPreselected = false;
+    QTimer::singleShot(0, [&] {
+        answer = start.answerLaunch(LaunchRequest{{"clock"}, {}, false}.toJson());
+        answerWizard(WidgetCalculator, &allPreselected);
+    });
+    start.run();
+    QVERIFY(!answer.isEmpty());
+    QTRY_COMPARE(WidgetRegistry::instance().openWidgets(), (QList<int>{WidgetClock, WidgetCalculator}));
 }
 
 QTEST_MAIN(TestStartup)

@@ -1,0 +1,85 @@
+#include "shell/launch_request.h"
+
+#include "core/widget_index.h"
+
+#include <QJsonArray>
+#include <QJsonDocument>
+#include <QJsonObject>
+
+namespace {
+
+struct Target
+{
+    const char *name;
+    int widget;
+};
+
+// The order is the help's: the widgets people open most first, then the two extra windows.
+constexpr Target kTargets[] = {
+    {"clock", WidgetClock},           {"calculator", WidgetCalculator}, {"calendar", WidgetCalendar},
+    {"notes", WidgetNotes},           {"stopwatch", WidgetStopwatch},   {"timer", WidgetTimer},
+    {"whiteboard", WidgetWhiteboard}, {"weather", WidgetWeather},       {"webcam", WidgetNone},
+    {"dashboard", WidgetNone},
+};
+
+bool readStrings(const QJsonValue &value, QStringList *out)
+{
+    if (value.isUndefined())
+        return true;
+    if (!value.isArray())
+        return false;
+    for (const QJsonValue &item : value.toArray()) {
+        if (!item.isString())
+            return false;
+        out->append(item.toString());
+    }
+    return true;
+}
+
+} // namespace
+
+QByteArray LaunchRequest::toJson() const
+{
+    QJsonObject object;
+    object.insert(QStringLiteral("open"), QJsonArray::fromStringList(open));
+    object.insert(QStringLiteral("documents"), QJsonArray::fromStringList(documents));
+    object.insert(QStringLiteral("hidden"), hidden);
+    return QJsonDocument(object).toJson(QJsonDocument::Compact);
+}
+
+bool LaunchRequest::fromJson(const QByteArray &json, LaunchRequest *request)
+{
+    QJsonParseError error;
+    const QJsonDocument document = QJsonDocument::fromJson(json, &error);
+    if (error.error != QJsonParseError::NoError || !document.isObject())
+        return false;
+    const QJsonObject object = document.object();
+    LaunchRequest read;
+    if (!readStrings(object.value(QStringLiteral("open")), &read.open) ||
+        !readStrings(object.value(QStringLiteral("documents")), &read.documents))
+        return false;
+    for (const QString &name : std::as_const(read.open)) {
+        if (!targetNames().contains(name))
+            return false;
+    }
+    read.hidden = object.value(QStringLiteral("hidden")).toBool(false);
+    *request = read;
+    return true;
+}
+
+QStringList LaunchRequest::targetNames()
+{
+    QStringList names;
+    for (const Target &target : kTargets)
+        names.append(QString::fromLatin1(target.name));
+    return names;
+}
+
+int LaunchRequest::widgetIndexOf(const QString &name)
+{
+    for (const Target &target : kTargets) {
+        if (name == QLatin1String(target.name))
+            return target.widget;
+    }
+    return WidgetNone;
+}

@@ -1,0 +1,167 @@
+#include "core/widget_index.h"
+#include "shell/command_line.h"
+#include "shell/launch_request.h"
+
+#include <QDir>
+#include <QFile>
+#include <QRegularExpression>
+#include <QSet>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+using Action = CommandLine::Action;
+
+class TestCommandLine : public QObject
+{
+    Q_OBJECT
+private slots:
+    void initTestCase();
+    void parse_data();
+    void parse();
+    void helpNamesEveryWindowAndFitsATerminal();
+    void requestTravelsIntact();
+    void foreignRequestsAreRefused_data();
+    void foreignRequestsAreRefused();
+
+private:
+    QTemporaryDir m_folder;
+};
+
+void TestCommandLine::initTestCase()
+{
+    QVERIFY(m_folder.isValid());
+    QVERIFY(m_folder.path().startsWith(QLatin1Char('/')) || m_folder.path().at(1) == QLatin1Char(':'));
+    for (const char *name : {"letter.rtf", "list.txt", "with space.txt"}) {
+        QFile file(m_folder.filePath(QString::fromLatin1(name)));
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("folder")));
+}
+
+void TestCommandLine::parse_data()
+{
+    QTest::addColumn<QStringList>("arguments");
+    QTest::addColumn<Action>("action");
+    QTest::addColumn<int>("exitCode");
+    QTest::addColumn<QStringList>("open");
+    QTest::addColumn<bool>("hidden");
+    QTest::addColumn<QStringList>("documents"); // relative to the folder
+    QTest::addColumn<QString>("errorMentions");
+
+    const QStringList none;
+    QTest::newRow("nothing") << none << Action::Run << 0 << none << false << none << QString();
+    QTest::newRow("--help wins over the rest") << QStringList{"--open", "clock", "--help"} << Action::ShowHelp
+                                               << 0 << none << false << none << QString();
+    QTest::newRow("-h") << QStringList{"-h"} << Action::ShowHelp << 0 << none << false << none << QString();
+    QTest::newRow("--version") << QStringList{"--version"} << Action::ShowVersion << 0 << none << false
+                               << none << QString();
+    QTest::newRow("-v") << QStringList{"-v"} << Action::ShowVersion << 0 << none << false << none
+                        << QString();
+    QTest::newRow("--open twice, commas, case and a repeat")
+        << QStringList{"--open", "Clock,calculator", "--open=webcam", "--open", "clock"} << Action::Run << 0
+        << QStringList{"clock", "calculator", "webcam"} << false << none << QString();
+    QTest::newRow("--hidden") << QStringList{"--hidden"} << Action::Run << 0 << none << true << none
+                              << QString();
+    QTest::newRow("documents, relative and with a space, once each")
+        << QStringList{"letter.rtf", "with space.txt", "./letter.rtf"} << Action::Run << 0 << none << false
+        << QStringList{"letter.rtf", "with space.txt"} << QString();
+    QTest::newRow("file address from a launcher") << QStringList{"FOLDER_URL/list.txt"} << Action::Run << 0
+                                                  << none << false << QStringList{"list.txt"} << QString();
+    QTest::newRow("a document after --") << QStringList{"--", "list.txt"} << Action::Run << 0 << none << false
+                                         << QStringList{"list.txt"} << QString();
+    QTest::newRow("Qt's own options pass")
+        << QStringList{"-platform", "offscreen", "-style", "fusion", "-reverse", "--open", "timer"}
+        << Action::Run << 0 << QStringList{"timer"} << false << none << QString();
+    QTest::newRow("unknown long option")
+        << QStringList{"--bogus"} << Action::Fail << 2 << none << false << none << "--bogus";
+    QTest::newRow("unknown short option")
+        << QStringList{"-x"} << Action::Fail << 2 << none << false << none << "-x";
+    QTest::newRow("--open without a name")
+        << QStringList{"--open"} << Action::Fail << 2 << none << false << none << "--open";
+    QTest::newRow("--open with a name it lacks")
+        << QStringList{"--open", "clock,clok"} << Action::Fail << 2 << none << false << none << "clok";
+    QTest::newRow("missing document")
+        << QStringList{"list.txt", "gone.txt"} << Action::Fail << 1 << none << false << none << "gone.txt";
+    QTest::newRow("a folder is no document")
+        << QStringList{"folder"} << Action::Fail << 1 << none << false << none << "folder";
+}
+
+void TestCommandLine::parse()
+{
+    QFETCH(QStringList, arguments);
+    QFETCH(Action, action);
+    QFETCH(int, exitCode);
+    QFETCH(QStringList, open);
+    QFETCH(bool, hidden);
+    QFETCH(QStringList, documents);
+    QFETCH(QString, errorMentions);
+
+    arguments.replaceInStrings(QStringLiteral("FOLDER_URL"), QUrl::fromLocalFile(m_folder.path()).toString());
+    arguments.prepend(QStringLiteral("vantora"));
+    const CommandLine command = CommandLine::parse(arguments, m_folder.path());
+
+    QCOMPARE(command.action(), action);
+    QCOMPARE(command.exitCode(), exitCode);
+    if (action == Action::Fail) {
+        QVERIFY2(command.error().contains(errorMentions), qPrintable(command.error()));
+        return;
+    }
+    QCOMPARE(command.request().open, open);
+    QCOMPARE(command.request().hidden, hidden);
+    QStringList absolute;
+    for (const QString &document : documents)
+        absolute.append(m_folder.filePath(document));
+    QCOMPARE(command.request().documents, absolute);
+}
+
+void TestCommandLine::helpNamesEveryWindowAndFitsATerminal()
+{
+    const QString help = CommandLine::helpText();
+    for (const QString &name : LaunchRequest::targetNames())
+        QVERIFY2(help.contains(QRegularExpression(QStringLiteral("\\b%1\\b").arg(name))), qPrintable(name));
+    for (const QString &line : help.split(QLatin1Char('\n')))
+        QVERIFY2(line.size() < 80, qPrintable(line));
+    QVERIFY(CommandLine::versionText().startsWith(QStringLiteral("Vantora %1.").arg(VANTORA_VERSION_MAJOR)));
+
+    // Every widget name leads to its own widget; the two extra windows to none.
+    QSet<int> widgets;
+    for (const QString &name : LaunchRequest::targetNames())
+        widgets.insert(LaunchRequest::widgetIndexOf(name));
+    QCOMPARE(widgets.size(), WidgetCount + 1);
+}
+
+void TestCommandLine::requestTravelsIntact()
+{
+    LaunchRequest request;
+    request.open = {QStringLiteral("notes"), QStringLiteral("dashboard")};
+    request.documents = {QStringLiteral("/tmp/Brief an Zoë.rtf")};
+    request.hidden = true;
+    LaunchRequest read;
+    QVERIFY(LaunchRequest::fromJson(request.toJson(), &read));
+    QCOMPARE(read, request);
+}
+
+void TestCommandLine::foreignRequestsAreRefused_data()
+{
+    QTest::addColumn<QByteArray>("json");
+    QTest::newRow("not JSON") << QByteArray("GET / HTTP/1.0");
+    QTest::newRow("an array") << QByteArray("[\"clock\"]");
+    QTest::newRow("open is text") << QByteArray("{\"open\":\"clock\"}");
+    QTest::newRow("a number among names") << QByteArray("{\"open\":[\"clock\",3]}");
+    QTest::newRow("a window it lacks") << QByteArray("{\"open\":[\"shell\"]}");
+    QTest::newRow("documents is an object") << QByteArray("{\"documents\":{}}");
+}
+
+void TestCommandLine::foreignRequestsAreRefused()
+{
+    QFETCH(QByteArray, json);
+    LaunchRequest request;
+    request.open = {QStringLiteral("clock")};
+    const LaunchRequest before = request;
+    QVERIFY(!LaunchRequest::fromJson(json, &request));
+    QCOMPARE(request, before);
+}
+
+QTEST_GUILESS_MAIN(TestCommandLine)
+#include "test_command_line.moc"
