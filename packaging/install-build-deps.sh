@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Installs the Debian packages needed to build Vantora and run its tests.
+# Installs the Debian packages needed to build Vantora, run its tests and make its .deb package.
 set -euo pipefail
 
 SUDO=""
@@ -16,6 +16,8 @@ packages=(
   poppler-utils
   tzdata
   libglib2.0-bin gsettings-desktop-schemas
+  desktop-file-utils appstream
+  dpkg-dev file
 )
 
 missing=()

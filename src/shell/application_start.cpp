@@ -1,6 +1,7 @@
 #include "shell/application_start.h"
 
 #include "core/data_folders.h"
+#include "core/platform/autostart.h"
 #include "core/settings_store.h"
 #include "core/shipped_data.h"
 #include "core/widget_frame.h"
@@ -218,6 +219,7 @@ void ApplicationStart::finishStartAfterFirstWindow()
     m_startFinished = true;
     qApp->removeEventFilter(this);
     InstallMissingPresets();
+    Autostart::followRunningProgram();
     QString problem;
     if (!InstallMissingDictionaries(&problem))
         addNotice(problem);

@@ -1,7 +1,9 @@
 #include "core/platform/autostart.h"
 #include "support/test_home.h"
 
+#include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QSettings>
 #include <QTest>
 
@@ -14,6 +16,8 @@ private slots:
     void switchingOnAndOff();
     void quotesExecutablePaths_data();
     void quotesExecutablePaths();
+    void entryFollowsTheInstalledProgram_data();
+    void entryFollowsTheInstalledProgram();
 };
 
 namespace {
@@ -82,6 +86,50 @@ void TestAutostart::quotesExecutablePaths()
     QFETCH(QString, executable);
     QFETCH(QString, exec);
     QCOMPARE(Autostart::execLine(executable), exec);
+    QCOMPARE(Autostart::executableOfExecLine(exec), executable);
+}
+
+void TestAutostart::entryFollowsTheInstalledProgram_data()
+{
+    QTest::addColumn<bool>("on");
+    QTest::addColumn<bool>("oldExists");
+    QTest::addColumn<bool>("installed");
+    QTest::addColumn<bool>("rewritten");
+    QTest::newRow("build copy, old one still there: kept") << true << true << false << false;
+    QTest::newRow("build copy, old one gone: follows") << true << false << false << true;
+    QTest::newRow("installed program: follows") << true << true << true << true;
+    QTest::newRow("switched off: left alone") << false << false << true << false;
+}
+
+void TestAutostart::entryFollowsTheInstalledProgram()
+{
+    QFETCH(bool, on);
+    QFETCH(bool, oldExists);
+    QFETCH(bool, installed);
+    QFETCH(bool, rewritten);
+    TestHome home;
+    const QString old = home.filePath(QStringLiteral("old build/vantora"));
+    if (oldExists) {
+        QVERIFY(QDir().mkpath(QFileInfo(old).absolutePath()));
+        QFile file(old);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    }
+    QFile entry(Autostart::desktopEntryPath());
+    QVERIFY(QDir().mkpath(QFileInfo(entry).absolutePath()));
+    QVERIFY(entry.open(QIODevice::WriteOnly));
+    entry.write(Autostart::desktopEntryText(old, on).toUtf8());
+    entry.close();
+
+    const QString current = QStringLiteral("/usr/bin/vantora");
+    QCOMPARE(Autostart::followExecutable(current, installed), rewritten);
+    QVERIFY(entry.open(QIODevice::ReadOnly));
+    const QString text = QString::fromUtf8(entry.readAll());
+    entry.close();
+    const QString exec = text.section(QStringLiteral("\nExec="), 1).section(QLatin1Char('\n'), 0, 0);
+    QCOMPARE(Autostart::executableOfExecLine(exec), rewritten ? current : old);
+    QCOMPARE(Autostart::isOn(), on);
+    // Asked again, nothing changes.
+    QVERIFY(!Autostart::followExecutable(current, installed));
 }
 
 QTEST_GUILESS_MAIN(TestAutostart)

@@ -28,7 +28,8 @@ void Autostart::apply(bool on)
 bool Autostart::isOn()
 {
 #ifdef Q_OS_WIN
-    return !ReadSetting(Hive::LocalMachine, QStringLiteral("Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
+    return !ReadSetting(Hive::LocalMachine,
+                        QStringLiteral("Software\\Microsoft\\Windows\\CurrentVersion\\Run"),
                         QStringLiteral("Vantora"), QString())
                 .isEmpty();
 #else
@@ -38,6 +39,38 @@ bool Autostart::isOn()
     const QList<QByteArray> lines = file.readAll().split('\n');
     return !lines.contains(QByteArrayLiteral("Hidden=true"));
 #endif
+}
+
+bool Autostart::followExecutable(const QString &executable, bool installed)
+{
+#ifdef Q_OS_WIN
+    Q_UNUSED(executable)
+    Q_UNUSED(installed)
+    return false;
+#else
+    if (!isOn())
+        return false;
+    QFile file(desktopEntryPath());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return false;
+    QString named;
+    for (const QByteArray &line : file.readAll().split('\n')) {
+        if (line.startsWith("Exec="))
+            named = executableOfExecLine(QString::fromUtf8(line.mid(5)).trimmed());
+    }
+    file.close();
+    if (named == executable || (!installed && QFileInfo::exists(named)))
+        return false;
+    return WriteFileSafely(desktopEntryPath(), desktopEntryText(executable, true).toUtf8());
+#endif
+}
+
+void Autostart::followRunningProgram()
+{
+    const QString executable = QCoreApplication::applicationFilePath();
+    const QString onPath = QStandardPaths::findExecutable(QStringLiteral("vantora"));
+    followExecutable(executable, !onPath.isEmpty() && QFileInfo(onPath).canonicalFilePath() ==
+                                                          QFileInfo(executable).canonicalFilePath());
 }
 
 QString Autostart::desktopEntryPath()
@@ -56,7 +89,7 @@ QString Autostart::desktopEntryText(const QString &executable, bool on)
                           "Name=Vantora\n"
                           "Comment=Themed desktop widgets\n"
                           "Exec=%1\n"
-                          "Icon=vantora\n"
+                          "Icon=io.vantora.Vantora\n"
                           "Terminal=false\n"
                           "X-GNOME-Autostart-enabled=%2\n"
                           "Hidden=%3\n")
@@ -82,4 +115,25 @@ QString Autostart::execLine(const QString &executable)
     if (!needsQuotes)
         return escaped;
     return QLatin1Char('"') + escaped + QLatin1Char('"');
+}
+
+QString Autostart::executableOfExecLine(const QString &line)
+{
+    // Only the program, not arguments: execLine() writes nothing after it.
+    QString text = line;
+    const bool quoted =
+        text.size() >= 2 && text.startsWith(QLatin1Char('"')) && text.endsWith(QLatin1Char('"'));
+    if (quoted)
+        text = text.mid(1, text.size() - 2);
+    QString executable;
+    for (int i = 0; i < text.size(); ++i) {
+        const QChar c = text.at(i);
+        if (quoted && c == QLatin1Char('\\') && i + 1 < text.size())
+            executable += text.at(++i);
+        else if (c == QLatin1Char('%') && i + 1 < text.size() && text.at(i + 1) == QLatin1Char('%'))
+            executable += text.at(++i);
+        else
+            executable += c;
+    }
+    return executable;
 }

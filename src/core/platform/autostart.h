@@ -14,6 +14,15 @@ public:
     // Whether an entry that starts the program is in place (present and not switched off).
     static bool isOn();
 
+    // An entry that is on but names another executable is pointed at `executable` when the one
+    // it names is gone, or when `executable` is the installed program (the "vantora" found on the
+    // PATH): after installing the package, the entry a build-folder copy wrote starts the
+    // installed one. An entry that is off is left alone. True when the entry was rewritten.
+    // Freedesktop only; on Windows the installer owns the Run value.
+    static bool followExecutable(const QString &executable, bool installed);
+    // followExecutable() for the running program.
+    static void followRunningProgram();
+
     // The freedesktop autostart file: VANTORA_HOME/autostart/vantora.desktop when VANTORA_HOME is
     // set (tests, benchmarks), else $XDG_CONFIG_HOME/autostart/vantora.desktop.
     static QString desktopEntryPath();
@@ -23,4 +32,6 @@ public:
 
     // The command line that starts `executable`, quoted for an Exec= line when needed.
     static QString execLine(const QString &executable);
+    // The executable an Exec= line written by execLine() names.
+    static QString executableOfExecLine(const QString &line);
 };

@@ -1,0 +1,60 @@
+#!/usr/bin/env bash
+# Installs the build into a scratch prefix, as the package does, and checks what the desktop
+# reads from it: the program, its launcher entry, the icons in every size, the AppStream metadata
+# and the credits. desktop-file-validate and appstreamcli check the two metadata files when they
+# are installed (the README's set-up commands install them).
+#
+#   check_install.sh BUILD_FOLDER
+set -euo pipefail
+build=$1
+prefix=$(mktemp -d)
+trap 'rm -rf "$prefix"' EXIT
+failures=0
+fail() { echo "FAIL: $*"; failures=$((failures + 1)); }
+
+cmake --install "$build" --prefix "$prefix" >/dev/null
+
+id=io.vantora.Vantora
+desktop=$prefix/share/applications/$id.desktop
+metainfo=$prefix/share/metainfo/$id.metainfo.xml
+for file in bin/vantora "share/applications/$id.desktop" "share/metainfo/$id.metainfo.xml" \
+    "share/icons/hicolor/scalable/apps/$id.svg" share/doc/vantora/CREDITS.md \
+    share/doc/vantora/licenses/OFL.txt; do
+  [ -f "$prefix/$file" ] || fail "not installed: $file"
+done
+[ -x "$prefix/bin/vantora" ] || fail "bin/vantora is not executable"
+
+# Every PNG is the size its folder names (the PNG header holds the width at byte 16).
+for size in 16 22 24 32 48 64 128 256 512; do
+  png=$prefix/share/icons/hicolor/${size}x${size}/apps/$id.png
+  if [ ! -f "$png" ]; then fail "no ${size}px icon"; continue; fi
+  width=$(od -An -t u1 -j 16 -N 4 "$png" | awk '{ print $1 * 16777216 + $2 * 65536 + $3 * 256 + $4 }')
+  [ "$width" = "$size" ] || fail "the ${size}px icon is $width px wide"
+done
+
+# The entry, the metadata and the program agree on their names.
+grep -q "^Icon=$id\$" "$desktop" || fail "the launcher entry does not name the icon $id"
+grep -q "<launchable type=\"desktop-id\">$id.desktop</launchable>" "$metainfo" ||
+  fail "the metadata does not launch $id.desktop"
+version=$("$prefix/bin/vantora" --version) || fail "the installed program does not answer --version"
+grep -q "<release version=\"${version#Vantora }\"" "$metainfo" || fail "no release notes for $version"
+
+# Every launcher action opens a window the program knows.
+help=$("$prefix/bin/vantora" --help)
+while read -r name; do
+  grep -qw -- "$name" <<<"$help" || fail "a launcher action opens '$name', which --help does not list"
+done < <(sed -n 's/^Exec=vantora --open //p' "$desktop")
+
+if command -v desktop-file-validate >/dev/null; then
+  desktop-file-validate "$desktop" || fail "desktop-file-validate"
+else
+  echo "SKIP: desktop-file-validate is not installed"
+fi
+if command -v appstreamcli >/dev/null; then
+  appstreamcli validate --no-net "$metainfo" || fail "appstreamcli validate"
+else
+  echo "SKIP: appstreamcli is not installed"
+fi
+
+[ "$failures" = 0 ] || exit 1
+echo "PASS: installed files"
