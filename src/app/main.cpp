@@ -16,8 +16,7 @@ void nameProgram()
 {
     QCoreApplication::setApplicationName(QStringLiteral("Vantora"));
     QCoreApplication::setOrganizationName(QStringLiteral("Vantora"));
-    QCoreApplication::setApplicationVersion(
-        CommandLine::versionText().section(QLatin1Char(' '), 1).trimmed());
+    QCoreApplication::setApplicationVersion(CommandLine::version());
 }
 
 // A later launch: the request goes to the running copy, which shows what it names.

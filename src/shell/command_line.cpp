@@ -170,7 +170,12 @@ int CommandLine::report() const
 
 QString CommandLine::versionText()
 {
-    return QStringLiteral("Vantora %1.%2.%3\n")
+    return QStringLiteral("Vantora %1\n").arg(version());
+}
+
+QString CommandLine::version()
+{
+    return QStringLiteral("%1.%2.%3")
         .arg(VANTORA_VERSION_MAJOR)
         .arg(VANTORA_VERSION_MINOR)
         .arg(VANTORA_VERSION_PATCH);

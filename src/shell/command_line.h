@@ -44,6 +44,8 @@ public:
     int report() const;
 
     static QString helpText();
+    // "1.0.0", and "Vantora 1.0.0\n" as --version prints it.
+    static QString version();
     static QString versionText();
 
 private:

@@ -25,6 +25,26 @@ void Autostart::apply(bool on)
 #endif
 }
 
+#ifndef Q_OS_WIN
+namespace {
+
+// The autostart file's lines; none when there is no file.
+QList<QByteArray> readEntryLines()
+{
+    QFile file(Autostart::desktopEntryPath());
+    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+        return {};
+    return file.readAll().split('\n');
+}
+
+bool entryIsOn(const QList<QByteArray> &lines)
+{
+    return !lines.isEmpty() && !lines.contains(QByteArrayLiteral("Hidden=true"));
+}
+
+} // namespace
+#endif
+
 bool Autostart::isOn()
 {
 #ifdef Q_OS_WIN
@@ -33,11 +53,7 @@ bool Autostart::isOn()
                         QStringLiteral("Vantora"), QString())
                 .isEmpty();
 #else
-    QFile file(desktopEntryPath());
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
-        return false;
-    const QList<QByteArray> lines = file.readAll().split('\n');
-    return !lines.contains(QByteArrayLiteral("Hidden=true"));
+    return entryIsOn(readEntryLines());
 #endif
 }
 
@@ -48,17 +64,14 @@ bool Autostart::followExecutable(const QString &executable, bool installed)
     Q_UNUSED(installed)
     return false;
 #else
-    if (!isOn())
-        return false;
-    QFile file(desktopEntryPath());
-    if (!file.open(QIODevice::ReadOnly | QIODevice::Text))
+    const QList<QByteArray> lines = readEntryLines();
+    if (!entryIsOn(lines))
         return false;
     QString named;
-    for (const QByteArray &line : file.readAll().split('\n')) {
+    for (const QByteArray &line : lines) {
         if (line.startsWith("Exec="))
             named = executableOfExecLine(QString::fromUtf8(line.mid(5)).trimmed());
     }
-    file.close();
     if (named == executable || (!installed && QFileInfo::exists(named)))
         return false;
     return WriteFileSafely(desktopEntryPath(), desktopEntryText(executable, true).toUtf8());
