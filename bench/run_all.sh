@@ -6,6 +6,10 @@ set -euo pipefail
 build=${1:-build}
 cmake --build "$build" --target startup_bench paint_bench notes_file_bench spell_bench spell_list print_bench catalogue_bench whiteboard_bench vantora
 
+echo "== Start-up beside a bare Qt label window, timed on the X server =="
+"$(dirname "$0")/launch_vs_bare_qt.sh" "$build"
+
+echo
 echo "== Start-up: time to the first window and resident memory (fresh VANTORA_HOME) =="
 QT_QPA_PLATFORM=offscreen "$build/bin/startup_bench" 9
 
@@ -38,5 +42,5 @@ echo "== Calendar: month turns, page repaints, drawing frames and saves at 1400x
 QT_QPA_PLATFORM=offscreen "$build/bin/calendar_bench"
 
 echo
-echo "== Idle cost of the clock, stopwatch and timer under Xvfb (60 s) =="
-"$(dirname "$0")/time_widgets_idle.sh" "$build/bin/vantora"
+echo "== Idle: dashboard, clock, stopwatch, timer and calculator under Xvfb (60 s) =="
+PROGRAM="$build/bin/vantora" "$(dirname "$0")/idle_cost.sh"
