@@ -9,6 +9,13 @@ QDateTime ClockSource::now()
     return g_fixedNow.isValid() ? g_fixedNow : QDateTime::currentDateTime();
 }
 
+qint64 ClockSource::currentSecond()
+{
+    const qint64 ms = g_fixedNow.isValid() ? g_fixedNow.toMSecsSinceEpoch() : QDateTime::currentMSecsSinceEpoch();
+    // Rounded down before 1970 too.
+    return ms >= 0 ? ms / 1000 : -((-ms + 999) / 1000);
+}
+
 void ClockSource::setNowForTesting(const QDateTime &fixed)
 {
     g_fixedNow = fixed;

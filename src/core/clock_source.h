@@ -8,6 +8,10 @@ class ClockSource
 {
 public:
     static QDateTime now();
+    // The whole seconds since 1970 (UTC) of now(). Cheap: no time-zone work, so a timer that
+    // runs many times a second can tell a new second from the one it has already shown.
+    // Local seconds start at the same instants, as zones differ by whole seconds.
+    static qint64 currentSecond();
 
     // Freezes now() at the given local time until cleared. Tests only.
     static void setNowForTesting(const QDateTime &fixed);

@@ -22,6 +22,8 @@ struct ActiveStore
     bool isRegistry = false;
 };
 
+quint64 g_writeCount = 0;
+
 ActiveStore &activeStore()
 {
     static ActiveStore store;
@@ -75,6 +77,7 @@ SettingsBackend &ActiveSettingsBackend()
     const QString path = AppPaths::settingsFile();
     if (!store.backend || store.isRegistry || path != store.filePath) {
         store.backend = std::make_unique<RegFileBackend>(path, &reportProblem);
+        ++g_writeCount; // other values from here on
         store.filePath = path;
         store.isRegistry = false;
     }
@@ -124,6 +127,12 @@ QString ReadSetting(Hive hive, const QString &key, const QString &valueName, con
 void WriteSetting(Hive hive, const QString &key, const QString &valueName, const QString &data)
 {
     ActiveSettingsBackend().write(hive, key, valueName, SettingsValue::fromText(data));
+    ++g_writeCount;
+}
+
+quint64 SettingsWriteCount()
+{
+    return g_writeCount;
 }
 
 QString ReadDetail(const QString &window, const QString &valueName, const QString &defaultValue)

@@ -28,6 +28,11 @@ QString ReadSetting(Hive hive, const QString &key, const QString &valueName, con
 // Writes a text value, creating the key when needed. Failures are silent.
 void WriteSetting(Hive hive, const QString &key, const QString &valueName, const QString &data);
 
+// Counts the writes of this run (and switches to another settings file). A model that keeps
+// values it read compares it on each tick and reads again only when it moved, so that a timer
+// can run often without reading the store every time.
+quint64 SettingsWriteCount();
+
 // Shorthands for the common case: the current user's "<window>\Details" key.
 QString ReadDetail(const QString &window, const QString &valueName, const QString &defaultValue);
 void WriteDetail(const QString &window, const QString &valueName, const QString &data);

@@ -8,6 +8,8 @@
 
 #include <QTime>
 
+#include <algorithm>
+
 namespace {
 const QString kAlarmType = QStringLiteral("Alarm Type");
 const QString kOtherSound = QStringLiteral("Alarm Other Sound");
@@ -61,6 +63,7 @@ void AlarmScheduler::loadPresets()
 {
     for (int n = 0; n < PresetCount; ++n)
         m_presets[n] = AlarmPreset::load(n);
+    m_checkedSecond.reset();
     emit presetsLoaded();
 }
 
@@ -97,16 +100,32 @@ void AlarmScheduler::ring()
         PlaySoundFile(otherSound());
 }
 
-void AlarmScheduler::AlarmRefresh()
+QList<int> AlarmScheduler::firingPresets() const
 {
+    // Nothing armed (the usual day): no clock text to make, no time-zone lookup.
+    if (std::none_of(m_presets.begin(), m_presets.end(), [](const AlarmPreset &p) { return p.armed; }))
+        return {};
     const QDateTime current = ClockSource::now();
     const QString now = DateTimeFormatter::format(current, QStringLiteral("hh:nn:ss"));
     const ClockChange change = ClockChange::at(current);
+    QList<int> firing;
     for (int n = 0; n <= kLastCheckedIndex; ++n) {
         const AlarmPreset p = preset(n);
-        if (!p.armed || !fires(p, now, change))
-            continue;
+        if (p.armed && fires(p, now, change))
+            firing.append(n);
+    }
+    return firing;
+}
+
+void AlarmScheduler::AlarmRefresh()
+{
+    const qint64 second = ClockSource::currentSecond();
+    if (m_checkedSecond != second) {
+        m_firing = firingPresets();
+        m_checkedSecond = second;
+    }
+    for (int n : std::as_const(m_firing)) {
         ring();
-        emit alarmFired(n, p.message);
+        emit alarmFired(n, preset(n).message);
     }
 }

@@ -4,7 +4,9 @@
 
 #include <QObject>
 #include <QStringList>
+#include <QList>
 #include <array>
+#include <optional>
 
 class ClockChange;
 
@@ -13,7 +15,9 @@ class ClockChange;
 // ten checks), each time playing its sound and signalling its message. Across daylight-saving
 // changes an alarm still rings on one pass only: a time the clock skips rings in the first
 // second after the jump, and a time it shows twice rings the first time only. Presets are read from
-// the settings only by loadPresets(), so an edit counts once the alarm dialog saves.
+// the settings only by loadPresets(), so an edit counts once the alarm dialog saves. The presets
+// are compared with the time once per second: the other checks of that second repeat what the
+// first one found (ringing again when it rang) without reading the clock's text again.
 class AlarmScheduler : public QObject
 {
     Q_OBJECT
@@ -48,7 +52,11 @@ signals:
 
 private:
     bool fires(const AlarmPreset &preset, const QString &now, const ClockChange &change) const;
+    QList<int> firingPresets() const;
     void ring();
 
     std::array<AlarmPreset, PresetCount> m_presets;
+    // The second last compared (none yet: the presets changed since) and what fired in it.
+    std::optional<qint64> m_checkedSecond;
+    QList<int> m_firing;
 };

@@ -1,6 +1,7 @@
 #include "time/clock_model.h"
 
 #include "core/clock_source.h"
+#include "core/settings_store.h"
 #include "time/date_time_formatter.h"
 
 ClockModel::ClockModel(QObject *parent) : QObject(parent) {}
@@ -51,10 +52,28 @@ ClockModel::Display ClockModel::compose(const QDateTime &moment, const ClockSett
 
 void ClockModel::refresh()
 {
-    const ClockSettings settings = ClockSettings::load();
-    const bool settingsMoved = !m_loaded || !(settings == m_settings);
-    m_settings = settings;
-    m_loaded = true;
+    const qint64 second = ClockSource::currentSecond();
+    const bool written = SettingsWriteCount() != m_settingsWrites;
+    if (m_loaded && second == m_second && !written)
+        return;
+    // The settings are read again after any write (the settings dialog's shows at the next
+    // tick) and once a minute, which is when a hand edit of the settings file shows.
+    const bool reread = !m_loaded || written || second / 60 != m_second / 60;
+    m_second = second;
+    recompute(reread);
+}
+
+void ClockModel::recompute(bool rereadSettings)
+{
+    bool settingsMoved = false;
+    if (rereadSettings) {
+        const ClockSettings settings = ClockSettings::load();
+        // Taken after the reads: the first read of a run opens the store, which counts.
+        m_settingsWrites = SettingsWriteCount();
+        settingsMoved = !m_loaded || !(settings == m_settings);
+        m_settings = settings;
+        m_loaded = true;
+    }
 
     const Display display = compose(ClockSource::now(), m_settings);
     const bool displayMoved = !(display == m_display);

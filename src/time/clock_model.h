@@ -8,8 +8,9 @@
 #include <QString>
 
 // What the clock widget shows, worked out from ClockSource::now() and the clock settings.
-// The window's 55 ms timer calls refresh(); signals fire only when something changed, so an
-// idle clock repaints once a second (modern style) at most.
+// The window's 55 ms timer calls refresh(). A tick within the second already shown, with no
+// setting written since, ends at once: nothing is read, formatted or allocated. Signals fire
+// only when something changed, so an idle clock repaints once a second at most.
 class ClockModel : public QObject
 {
     Q_OBJECT
@@ -33,7 +34,8 @@ public:
     static Display compose(const QDateTime &moment, const ClockSettings &settings,
                            const QLocale &locale = QLocale());
 
-    // One tick: re-reads the settings, recomputes the texts, signals what changed.
+    // One tick: in a new second, or after a settings write, recomputes the texts (reading the
+    // settings again after a write and once a minute), then signals what changed.
     void refresh();
 
     const Display &display() const { return m_display; }
@@ -45,7 +47,11 @@ signals:
     void settingsChanged();
 
 private:
+    void recompute(bool rereadSettings);
+
     Display m_display;
     ClockSettings m_settings;
     bool m_loaded = false;
+    qint64 m_second = 0;
+    quint64 m_settingsWrites = 0;
 };

@@ -26,6 +26,7 @@ private slots:
     void customDateFormats_data();
     void customDateFormats();
     void settingsAreReadOnEveryRefresh();
+    void signalsOnlyOnChange_data();
     void signalsOnlyOnChange();
 };
 
@@ -169,21 +170,41 @@ void TestClockModel::settingsAreReadOnEveryRefresh()
     QCOMPARE(settingsSpy.count(), 2);
 }
 
+void TestClockModel::signalsOnlyOnChange_data()
+{
+    // Ticks of 55 ms from a moment into a second: the texts change at the first tick of the
+    // next second and at no other.
+    QTest::addColumn<QDateTime>("start");
+    QTest::addColumn<QString>("nextSecs");
+    QTest::addColumn<QString>("nextDate");
+    QTest::newRow("start of a second") << QDateTime(kMonday, QTime(9, 0, 0)) << "01" << "Monday, January 5, 2026";
+    QTest::newRow("last tick early") << QDateTime(kMonday, QTime(9, 0, 0, 944)) << "01" << "Monday, January 5, 2026";
+    QTest::newRow("midnight")
+        << QDateTime(kMonday, QTime(23, 59, 59, 990)) << "00" << "Tuesday, January 6, 2026";
+}
+
 void TestClockModel::signalsOnlyOnChange()
 {
+    QFETCH(QDateTime, start);
+    QFETCH(QString, nextSecs);
+    QFETCH(QString, nextDate);
     TestHome home;
-    ClockSource::setNowForTesting(QDateTime(kMonday, QTime(9, 0, 0, 100)));
+    ClockSource::setNowForTesting(start);
     ClockModel model;
     QSignalSpy displaySpy(&model, &ClockModel::displayChanged);
     QSignalSpy settingsSpy(&model, &ClockModel::settingsChanged);
     model.refresh();
-    ClockSource::advanceForTesting(55);
-    model.refresh(); // same second: nothing to repaint
-    QCOMPARE(displaySpy.count(), 1);
-    ClockSource::advanceForTesting(900);
-    model.refresh();
+    const QString firstSecs = model.display().secs;
+    int msIntoSecond = start.time().msec();
+    for (; msIntoSecond < 1000; msIntoSecond += 55) {
+        QCOMPARE(displaySpy.count(), 1);
+        QCOMPARE(model.display().secs, firstSecs);
+        ClockSource::advanceForTesting(55);
+        model.refresh();
+    }
     QCOMPARE(displaySpy.count(), 2);
-    QCOMPARE(model.display().secs, QStringLiteral("01"));
+    QCOMPARE(model.display().secs, nextSecs);
+    QCOMPARE(model.display().date, nextDate);
     QCOMPARE(settingsSpy.count(), 1);
 }
 

@@ -23,6 +23,7 @@
 #include <QFileDialog>
 #include <QPointer>
 #include <QLabel>
+#include <QSignalSpy>
 #include <QLineEdit>
 #include <QPushButton>
 #include <QRadioButton>
@@ -68,6 +69,8 @@ private slots:
     void clockShowsTimeAndDate();
     void clockTimeFillsThePanel();
     void clockTimerStopsWhileHidden();
+    void secondsTurnWithinOneTick_data();
+    void secondsTurnWithinOneTick();
     void classicTimeIsCentred_data();
     void classicTimeIsCentred();
     void stopwatchButtons();
@@ -169,6 +172,35 @@ void TestTimeWindows::clockTimerStopsWhileHidden()
     QVERIFY(!timer->isActive());
     QCOMPARE(child<QTimer>(&clock, "tmrBAR")->interval(), 100);
     QVERIFY(!child<QTimer>(&clock, "tmrBAR")->isActive());
+}
+
+void TestTimeWindows::secondsTurnWithinOneTick_data()
+{
+    // How far into second 07 the last tick before the turn falls; the next tick, 55 ms later,
+    // is in second 08 and must show it.
+    QTest::addColumn<int>("lastTickMs");
+    QTest::newRow("one tick early") << 946;
+    QTest::newRow("just before") << 999;
+    QTest::newRow("mid-second") << 960;
+}
+
+void TestTimeWindows::secondsTurnWithinOneTick()
+{
+    QFETCH(int, lastTickMs);
+    ClockSource::setNowForTesting(QDateTime(kMonday, QTime(10, 0, 7, lastTickMs)));
+    ClockWidget clock;
+    clock.loadWindow();
+    clock.show();
+    QTimer *timer = child<QTimer>(&clock, "tmrCLOCK");
+    QSignalSpy ticks(timer, &QTimer::timeout);
+    QVERIFY(ticks.wait(1000));
+    QCOMPARE(labelText(&clock, "lblSECS"), QStringLiteral("07"));
+
+    ClockSource::advanceForTesting(timer->interval());
+    const int before = ticks.count();
+    QVERIFY(ticks.wait(1000));
+    QCOMPARE(ticks.count(), before + 1);
+    QCOMPARE(labelText(&clock, "lblSECS"), QStringLiteral("08"));
 }
 
 void TestTimeWindows::classicTimeIsCentred_data()
