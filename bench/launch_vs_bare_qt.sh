@@ -8,22 +8,25 @@
 #   bench/launch_vs_bare_qt.sh [build folder]      (default: build)
 #   RUNS=9 bench/launch_vs_bare_qt.sh              (timed runs of each, after one untimed)
 #   NO_BUILD=1 ...                                 (use what is built)
+#   PROGRAM=other/vantora ...                      (time another build of the program)
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 build=${1:-build}
 runs=${RUNS:-9}
+program_path=${PROGRAM:-$build/bin/vantora}
 target_ratio=1.30
 
 if [[ -z ${NO_BUILD:-} ]]; then
     cmake --build "$build" --target vantora bare_label_window first_map_timer >/dev/null
 fi
-for tool in vantora bare_label_window first_map_timer; do
+for tool in bare_label_window first_map_timer; do
     if [[ ! -x $build/bin/$tool ]]; then
         echo "No $build/bin/$tool: build it first (first_map_timer needs the xcb headers)." >&2
         exit 2
     fi
 done
+[[ -x $program_path ]] || { echo "No program at $program_path." >&2; exit 2; }
 command -v Xvfb >/dev/null || { echo "Xvfb is needed (apt-get install xvfb)." >&2; exit 2; }
 
 source "$here/bench_session.sh"
@@ -41,10 +44,10 @@ bare=()
 program=()
 # One untimed start of each fills the file cache and lets the program lay out its data folder.
 measure "$build/bin/bare_label_window" >/dev/null
-measure "$build/bin/vantora" >/dev/null
+measure "$program_path" >/dev/null
 for ((i = 0; i < runs; i++)); do
     bare+=("$(measure "$build/bin/bare_label_window")")
-    program+=("$(measure "$build/bin/vantora")")
+    program+=("$(measure "$program_path")")
 done
 
 # Median of one column of the "ms kB-at-map kB-later" lines.

@@ -1,10 +1,12 @@
+#include "core/startup_trace.h"
 #include "shell/application_start.h"
 #include "shell/command_line.h"
+#include "shell/program_icon.h"
 #include "shell/single_instance.h"
+#include "themes/deferred_icon_style.h"
 
 #include <QApplication>
 #include <QDir>
-#include <QIcon>
 
 #include <cstdio>
 
@@ -34,6 +36,7 @@ int handOver(int argc, char *argv[], const LaunchRequest &request)
 
 int main(int argc, char *argv[])
 {
+    StartupTrace::begin();
     // Read before any window system is touched: --help answers without a display.
     const CommandLine command = CommandLine::parse(CommandLine::decode(argc, argv), QDir::currentPath());
     if (command.action() != CommandLine::Action::Run)
@@ -43,14 +46,22 @@ int main(int argc, char *argv[])
     if (!instance.claim())
         return handOver(argc, argv, command.request());
 
+    StartupTrace::mark("single copy claimed");
+    // The dashboard's menu bar stays in its window, painted with the theme like the rest of it,
+    // also on desktops that can show menus in a bar of their own; asking the desktop whether it
+    // can costs a round trip to the session bus before the first window.
+    QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     QApplication app(argc, argv);
+    StartupTrace::mark("application object made");
+    QApplication::setStyle(new DeferredIconStyle);
     QGuiApplication::setDesktopFileName(QStringLiteral("io.vantora.Vantora"));
-    QApplication::setWindowIcon(QIcon(QStringLiteral(":/icons/vantora.svg")));
+    QApplication::setWindowIcon(ProgramIcon::forWindows());
     QString listenProblem;
     if (!instance.listen(&listenProblem))
         std::fprintf(stderr, "vantora: later launches cannot reach this one: %s\n",
                      qPrintable(listenProblem));
 
+    StartupTrace::mark("listening for later launches");
     ApplicationStart start;
     instance.setHandler([&start](const QByteArray &request) { return start.answerLaunch(request); });
     start.run(command.request());

@@ -1,11 +1,11 @@
 #include "shell/about_dialog.h"
 
+#include "shell/program_icon.h"
 #include "shell/update_check.h"
 #include "themes/theme_painter.h"
 
 #include <QFile>
 #include <QHBoxLayout>
-#include <QIcon>
 #include <QLabel>
 #include <QPushButton>
 #include <QTextBrowser>
@@ -21,7 +21,7 @@ AboutDialog::AboutDialog(QWidget *parent)
     const int iconSide = fontMetrics().height() * 4;
     auto *icon = new QLabel;
     icon->setObjectName(QStringLiteral("imgICON"));
-    icon->setPixmap(QIcon(QStringLiteral(":/icons/vantora.svg")).pixmap(iconSide, iconSide));
+    icon->setPixmap(ProgramIcon::drawn(iconSide, devicePixelRatioF()));
     header->addWidget(icon, 0, Qt::AlignTop);
 
     auto *names = new QVBoxLayout;

@@ -4,6 +4,7 @@
 #include "core/platform/autostart.h"
 #include "core/settings_store.h"
 #include "core/shipped_data.h"
+#include "core/startup_trace.h"
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
 #include "notes/notes_editor.h"
@@ -75,10 +76,13 @@ void ApplicationStart::run(const LaunchRequest &request)
     // From the first read on: a settings file that is partly unreadable, or cannot be saved.
     SetSettingsProblemHandler([this](const QString &message) { addNotice(message); });
     prepareValues();
+    StartupTrace::mark("program settings read");
     QCoreApplication::processEvents();
     prepareData();
+    StartupTrace::mark("theme and data folders ready");
     m_choice = StartupDecisions::readProgramChoice();
     loadWindows();
+    StartupTrace::mark("dashboard and tray built");
     m_dashboard->StartUpdateCheck(false);
 
     // Without a tray a hidden start would leave the program out of reach.
@@ -97,6 +101,7 @@ void ApplicationStart::run(const LaunchRequest &request)
     else if (request.asksForWindows())
         showRequested(request);
     m_started = true;
+    StartupTrace::mark("first windows shown");
     for (const LaunchRequest &waiting : std::exchange(m_waitingLaunches, {}))
         showRequested(waiting);
     if (!m_notices.isEmpty() && !m_dashboard->isVisible() && TrayIcon::isAvailable())
@@ -206,8 +211,10 @@ bool ApplicationStart::eventFilter(QObject *watched, QEvent *event)
 {
     if (event->type() == QEvent::Expose) {
         auto *window = qobject_cast<QWindow *>(watched);
-        if (window && window->isExposed())
+        if (window && window->isExposed()) {
+            StartupTrace::mark("a window exposed");
             QTimer::singleShot(0, this, &ApplicationStart::finishStartAfterFirstWindow);
+        }
     }
     return QObject::eventFilter(watched, event);
 }
@@ -223,6 +230,7 @@ void ApplicationStart::finishStartAfterFirstWindow()
     QString problem;
     if (!InstallMissingDictionaries(&problem))
         addNotice(problem);
+    StartupTrace::mark("shipped data and autostart checked");
 }
 
 void ApplicationStart::addNotice(const QString &message)

@@ -6,6 +6,7 @@
 #include "core/window_placement.h"
 #include "shell/about_dialog.h"
 #include "shell/dashboard_tile.h"
+#include "shell/program_icon.h"
 #include "shell/program_settings_dialog.h"
 #include "shell/shell_tools.h"
 #include "shell/startup_decisions.h"
@@ -75,7 +76,7 @@ DashboardWindow::DashboardWindow(QWidget *parent) : QMainWindow(parent), m_updat
 {
     setObjectName(QStringLiteral("mdb_IDX"));
     setWindowTitle(QStringLiteral("Vantora Dashboard"));
-    setWindowIcon(QIcon(QStringLiteral(":/icons/vantora.svg")));
+    setWindowIcon(ProgramIcon::forWindows()); // the tray takes it from here
     buildMenus();
     buildBody();
 
@@ -161,7 +162,7 @@ void DashboardWindow::buildBody()
     barLayout->setSpacing(em * 2 / 3);
     auto *icon = new QLabel;
     icon->setObjectName(QStringLiteral("imgICON"));
-    icon->setPixmap(windowIcon().pixmap(em * 2 + em / 2, em * 2 + em / 2));
+    icon->setPixmap(ProgramIcon::drawn(em * 2 + em / 2, devicePixelRatioF()));
     barLayout->addWidget(icon);
     auto *names = new QVBoxLayout;
     names->setSpacing(0);

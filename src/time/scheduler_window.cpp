@@ -30,7 +30,6 @@ SchedulerWindow::SchedulerWindow(QWidget *parent) : QWidget(parent), m_scheduler
         m_armed[n]->setObjectName(indexed("chkSET", n));
         m_time[n] = new QComboBox(this);
         m_time[n]->setObjectName(indexed("cboTIME", n));
-        m_time[n]->setEditable(true); // keeps a stored time that is not a quarter hour
         m_time[n]->addItems(times);
         m_message[n] = new QLineEdit(this);
         m_message[n]->setObjectName(indexed("txtMESSAGE", n));
@@ -75,6 +74,10 @@ void SchedulerWindow::mirrorPresets()
     for (int n = 0; n < AlarmScheduler::PresetCount; ++n) {
         const AlarmPreset p = m_scheduler->preset(n);
         m_armed[n]->setChecked(p.armed);
+        // Editable only for a stored time that is not a quarter hour: an editable box costs
+        // a text field and a completer each, which the usual preset never needs.
+        if (!m_time[n]->isEditable() && m_time[n]->findText(p.time) < 0)
+            m_time[n]->setEditable(true);
         m_time[n]->setCurrentText(p.time);
         m_message[n]->setText(p.message);
     }
