@@ -1,5 +1,7 @@
 #include "core/widget_frame.h"
 
+#include "core/sound_output.h"
+
 #include <QCursor>
 #include <QDesktopServices>
 #include <QDir>
@@ -8,7 +10,6 @@
 #include <QScreen>
 #include <QShortcut>
 #include <QHash>
-#include <QSoundEffect>
 #include <QWidget>
 #include <QWindow>
 
@@ -19,25 +20,10 @@ namespace {
 ContextMenuHandler g_contextMenuHandler;
 SoundRecorder g_soundRecorder;
 
-// One effect per sound source, kept for the run: a sound that is still playing is not
-// restarted, so an alarm that fires on ten consecutive ticks rings once.
-QSoundEffect *effectFor(const QUrl &source)
-{
-    static QHash<QUrl, QSoundEffect *> effects;
-    QSoundEffect *&effect = effects[source];
-    if (!effect) {
-        effect = new QSoundEffect();
-        effect->setSource(source);
-    }
-    return effect;
-}
-
 void playEffect(const QUrl &source)
 {
-    QSoundEffect *effect = effectFor(source);
-    if (effect->isPlaying())
-        return;
-    effect->play();
+    if (SoundOutput *output = LoadedSoundOutput())
+        output->play(source);
 }
 
 bool isWindowNormal(const QWidget *window)

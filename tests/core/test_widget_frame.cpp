@@ -1,5 +1,6 @@
 #include "support/test_home.h"
 
+#include "core/sound_output.h"
 #include "core/widget_frame.h"
 
 #include <QDir>
@@ -81,6 +82,8 @@ private slots:
         PlaySoundFile(QStringLiteral("/no/such/file.wav"));
         PlaySoundFile(QString());
         PlayBuiltInSound(QStringLiteral("BELL"));
+        // The bell went to the sound module, found beside this program as beside the real one.
+        QVERIFY(LoadedSoundOutput());
     }
 
     void keepOnTopTogglesTheHint()

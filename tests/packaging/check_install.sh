@@ -1,12 +1,13 @@
 #!/usr/bin/env bash
 # Installs the build into a scratch prefix, as the package does, and checks what the desktop
-# reads from it: the program, its launcher entry, the icons in every size, the AppStream metadata
-# and the credits. desktop-file-validate and appstreamcli check the two metadata files when they
+# reads from it: the program, its sound module, its launcher entry, the icons in every size, the
+# AppStream metadata and the credits. desktop-file-validate and appstreamcli check the two metadata files when they
 # are installed (the README's set-up commands install them).
 #
-#   check_install.sh BUILD_FOLDER
+#   check_install.sh BUILD_FOLDER MODULE_FOLDER (the modules' folder under the prefix)
 set -euo pipefail
 build=$1
+module_dir=$2
 prefix=$(mktemp -d)
 trap 'rm -rf "$prefix"' EXIT
 failures=0
@@ -23,6 +24,17 @@ for file in bin/vantora "share/applications/$id.desktop" "share/metainfo/$id.met
   [ -f "$prefix/$file" ] || fail "not installed: $file"
 done
 [ -x "$prefix/bin/vantora" ] || fail "bin/vantora is not executable"
+
+# The sound module, where the program looks for it, with the entry point it asks for.
+module=$prefix/$module_dir/vantora_sound.so
+if [ -f "$module" ]; then
+  if command -v nm >/dev/null; then
+    nm -D --defined-only "$module" | grep -q ' vantora_create_sound_output$' ||
+      fail "the sound module does not export vantora_create_sound_output"
+  fi
+else
+  fail "not installed: $module_dir/vantora_sound.so"
+fi
 
 # Every PNG is the size its folder names (the PNG header holds the width at byte 16).
 for size in 16 22 24 32 48 64 128 256 512; do
