@@ -3,6 +3,35 @@
 #include "core/in_process_host.h"
 
 #include <QHostAddress>
+#include <QNetworkReply>
+#include <QTimer>
+
+namespace {
+class RefusedReply : public QNetworkReply
+{
+public:
+    RefusedReply(const QUrl &url, QObject *parent) : QNetworkReply(parent)
+    {
+        setUrl(url);
+        setOperation(QNetworkAccessManager::GetOperation);
+        setRequest(QNetworkRequest(url));
+        open(QIODevice::ReadOnly);
+        setError(ContentAccessDenied, NetworkRefusedText(url));
+        QTimer::singleShot(0, this, [this] {
+            setFinished(true);
+            emit errorOccurred(ContentAccessDenied);
+            emit finished();
+        });
+    }
+
+    void abort() override {}
+    bool isSequential() const override { return true; }
+    qint64 bytesAvailable() const override { return 0; }
+
+protected:
+    qint64 readData(char *, qint64) override { return -1; }
+};
+} // namespace
 
 bool NetworkReadAllowed(const QUrl &url)
 {
@@ -18,4 +47,9 @@ bool NetworkReadAllowed(const QUrl &url)
 QString NetworkRefusedText(const QUrl &url)
 {
     return QStringLiteral("Reading %1 is not allowed while VANTORA_OFFLINE is set.").arg(url.host());
+}
+
+QNetworkReply *RefusedNetworkReply(const QUrl &url, QObject *parent)
+{
+    return new RefusedReply(url, parent);
 }

@@ -247,6 +247,13 @@ void LiveWeatherAdapter::serve(const PlaceRecord &record, InProcessReply *reply,
 
 QNetworkReply *LiveWeatherAdapter::get(const QUrl &url, const QByteArray &ifModifiedSince)
 {
+    // A refused read fails later, through the same path as any failed one, without the
+    // network stack.
+    if (!NetworkReadAllowed(url)) {
+        QNetworkReply *refusal = RefusedNetworkReply(url, this);
+        refusal->setProperty(RefusedProperty, true);
+        return refusal;
+    }
     if (!m_network)
         m_network = new QNetworkAccessManager(this);
     QNetworkRequest request(url);
@@ -255,13 +262,7 @@ QNetworkReply *LiveWeatherAdapter::get(const QUrl &url, const QByteArray &ifModi
     if (!ifModifiedSince.isEmpty())
         request.setRawHeader("If-Modified-Since", ifModifiedSince);
     request.setTransferTimeout(SourceTimeoutMs);
-    // A refused address is swapped for one no scheme handles, so the refusal arrives like any
-    // other failed read, later and through the same path.
-    const bool refused = !NetworkReadAllowed(url);
-    if (refused)
-        request.setUrl(QUrl(QStringLiteral("refused:")));
     QNetworkReply *reply = m_network->get(request);
-    reply->setProperty(RefusedProperty, refused);
     connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64 total) {
         if (received > SourceReplyLimit || total > SourceReplyLimit) {
             reply->setProperty(TooLargeProperty, true);

@@ -5,6 +5,7 @@
 #include "weather/live_weather_adapter.h"
 
 #include <QFile>
+#include <QNetworkAccessManager>
 #include <QRegularExpression>
 #include <QTcpServer>
 #include <QTest>
@@ -66,6 +67,7 @@ private slots:
     void refreshLimitHoldsForForcedReads();
     void failureIsRememberedUntilTheNextTry();
     void unreachedSourcesAreRetriedAfterAMinute();
+    void refusedSourcesNeverStartTheNetwork();
     void metNoExpiresAndNotModified();
     void unknownPlace_data();
     void unknownPlace();
@@ -418,6 +420,19 @@ void TestLiveWeatherAdapter::failureIsRememberedUntilTheNextTry()
                  "Open-Meteo: too many requests (429); met.no: too many requests (429). Next try after %1.")
                  .arg(ClockSource::now().addSecs(5 * 60).toString(QStringLiteral("HH:mm"))));
     QCOMPARE(m_server->requests().size(), 2);
+}
+
+void TestLiveWeatherAdapter::refusedSourcesNeverStartTheNetwork()
+{
+    // Tests run with network reads switched off: an internet address is refused before any
+    // network machinery (and its TLS libraries) is made.
+    const QUrl internet(QStringLiteral("https://weather.invalid"));
+    m_adapter->setSourceAddressesForTesting(internet, internet);
+    const InProcessReply *reply = answerNow();
+    QVERIFY(reply->hasFailed());
+    QCOMPARE(reply->errorDescription(),
+             QStringLiteral("Open-Meteo: network reads are switched off; met.no: network reads are switched off."));
+    QVERIFY(!m_adapter->findChild<QNetworkAccessManager *>());
 }
 
 void TestLiveWeatherAdapter::unreachedSourcesAreRetriedAfterAMinute()
