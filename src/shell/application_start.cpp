@@ -8,8 +8,6 @@
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
 #include "notes/notes_editor.h"
-#include "notes/print_engine.h"
-#include "notes/spell_checker.h"
 #include "shell/builtin_widgets.h"
 #include "shell/dashboard_window.h"
 #include "shell/program_settings_model.h"
@@ -181,10 +179,8 @@ void ApplicationStart::prepareValues()
     const ProgramSettingsModel::Values settings = ProgramSettingsModel::load();
     ProgramSettingsModel::setWebcamIntervalSeconds(
         ProgramSettingsModel::intervalSeconds(settings.timerInterval));
-    // The spell checker and the print engine serve the whole run; making them reads only
-    // their settings (the word list waits for the editor, the printers for a preview).
-    SpellChecker::shared();
-    PrintEngine::shared();
+    // The spell checker and the print engine are made by the notes editor that first needs
+    // them, not here: the first window shows neither.
 }
 
 void ApplicationStart::prepareData()
