@@ -384,6 +384,8 @@ void DashboardWindow::showWeather()
 {
     const WeatherStation *station = WeatherStation::shared();
     const WeatherReadout &r = station->readout();
+    if (!m_weatherFontLoaded)
+        applyWeatherFont();
     m_weatherPicture->setText(station->pictureGlyph());
     if (station->hasReadout()) {
         m_weatherTemp->setText(r.number);
@@ -554,6 +556,16 @@ void DashboardWindow::themeMenus()
             .arg(theme.PanelFont));
 }
 
+void DashboardWindow::applyWeatherFont()
+{
+    // Loading the symbol font from the resources waits for the first weather to show: the
+    // panel is hidden until then, and the first window need not wait for a font it does not show.
+    m_weatherFontLoaded = true;
+    QFont pictureFont(ShippedData::weatherFontFamily());
+    pictureFont.setPixelSize(fontMetrics().height() * 5 / 2);
+    m_weatherPicture->setFont(pictureFont);
+}
+
 void DashboardWindow::ThemeElementsUpdate()
 {
     themeMenus();
@@ -576,9 +588,8 @@ void DashboardWindow::ThemeElementsUpdate()
     m_weatherDesc->setFont(barFont);
     m_weatherPlace->setFont(barFont);
     m_weatherText->setFont(barFont);
-    QFont pictureFont(ShippedData::weatherFontFamily());
-    pictureFont.setPixelSize(fontMetrics().height() * 5 / 2);
-    m_weatherPicture->setFont(pictureFont);
+    if (m_weatherFontLoaded)
+        applyWeatherFont();
     for (QLabel *label :
          {m_title, m_subtitle, m_weatherTemp, m_weatherDesc, m_weatherPicture, m_weatherPlace, m_weatherText})
         setTextColor(label, barText);

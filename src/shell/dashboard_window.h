@@ -55,6 +55,7 @@ public slots:
     // The weather in the dashboard's bar, from the shared weather station; hidden until the
     // first report.
     void showWeather();
+    void applyWeatherFont();
     void showDashboard();
     void hideDashboard();
     void openSelectedWidget();
@@ -117,6 +118,7 @@ private:
     UpdateCheck *m_updateCheck = nullptr;
     int m_indxSel = -1;
     bool m_unloading = false;
+    bool m_weatherFontLoaded = false;
     bool m_startHidden = false;
     bool m_startMinimised = false;
 };

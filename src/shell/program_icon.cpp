@@ -1,7 +1,10 @@
 #include "shell/program_icon.h"
 
+#include <QImage>
 #include <QPainter>
 #include <QSvgRenderer>
+
+#include <iterator>
 
 namespace {
 const QString kSvg = QStringLiteral(":/icons/vantora.svg");
@@ -20,11 +23,14 @@ QPixmap render(QSvgRenderer &svg, int pixels)
 
 QIcon ProgramIcon::forWindows()
 {
+    // Drawn once at the largest size and scaled down: drawing the SVG is the slow part.
     static const QIcon icon = [] {
         QSvgRenderer svg(kSvg);
+        const QImage largest = render(svg, kWindowSizes[std::size(kWindowSizes) - 1]).toImage();
         QIcon made;
         for (int side : kWindowSizes)
-            made.addPixmap(render(svg, side));
+            made.addPixmap(QPixmap::fromImage(
+                largest.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
         return made;
     }();
     return icon;

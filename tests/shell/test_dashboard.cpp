@@ -1,4 +1,5 @@
 #include "core/settings_store.h"
+#include "core/shipped_data.h"
 #include "core/widget_index.h"
 #include "notes/note_document.h"
 #include "notes/notes_editor.h"
@@ -420,6 +421,12 @@ void TestDashboard::loadingFetchesAndShowsTheWeather()
     QCOMPARE(text("lblWEATHERDESC"), QStringLiteral("Cloudy"));
     QCOMPARE(text("lblWEATHERTEXT"), QStringLiteral("57F 13.9C"));
     QVERIFY(!text("lblWEATHERPIC").isEmpty());
+    // The glyph is drawn in the symbol font, loaded with the first weather and kept across a
+    // theme change.
+    auto *picture = d.findChild<QLabel *>(QStringLiteral("lblWEATHERPIC"));
+    QCOMPARE(picture->font().family(), ShippedData::weatherFontFamily());
+    d.ThemeElementsUpdate();
+    QCOMPARE(picture->font().family(), ShippedData::weatherFontFamily());
     QVERIFY(!weather->isHidden());
     QVERIFY(weather->toolTip().contains(QStringLiteral("Open-Meteo")));
 }
