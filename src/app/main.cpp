@@ -10,7 +10,24 @@
 
 #include <cstdio>
 
+#ifdef __GLIBC__
+#include <malloc.h>
+#endif
+
 namespace {
+// Blocks of this size and more are mapped for themselves and given back to the system when
+// freed. glibc otherwise raises the limit to the largest block freed so far, and the dictionaries
+// and documents read whole (megabytes each) would then stay in the heap of a program that runs
+// all day.
+constexpr int kLargeBlockBytes = 256 * 1024;
+
+void keepLargeBlocksOutOfTheHeap()
+{
+#ifdef __GLIBC__
+    mallopt(M_MMAP_THRESHOLD, kLargeBlockBytes);
+#endif
+}
+
 // How long a later launch waits for the running copy, which may itself be starting.
 constexpr int kHandOverTimeoutMs = 5000;
 
@@ -37,6 +54,7 @@ int handOver(int argc, char *argv[], const LaunchRequest &request)
 int main(int argc, char *argv[])
 {
     StartupTrace::begin();
+    keepLargeBlocksOutOfTheHeap();
     // Read before any window system is touched: --help answers without a display.
     const CommandLine command = CommandLine::parse(CommandLine::decode(argc, argv), QDir::currentPath());
     if (command.action() != CommandLine::Action::Run)
