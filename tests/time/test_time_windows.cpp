@@ -8,6 +8,7 @@
 #include "themes/theme.h"
 #include "time/alarm_dialog.h"
 #include "time/alarm_popup.h"
+#include "time/alarm_preset.h"
 #include "time/alarm_scheduler.h"
 #include "time/clock_model.h"
 #include "time/clock_settings_dialog.h"
@@ -82,6 +83,7 @@ private slots:
     void countdownDigitsStayInside_data();
     void countdownDigitsStayInside();
     void alarmDialogTakesEffectOnSave();
+    void schedulerMirrorsTimesOffTheQuarterHours();
     void alarmDialogRefusesMissingSoundFile();
     void popupEditOpensAlarmSetup();
     void popupShowsTheWholeMessage_data();
@@ -471,6 +473,7 @@ void TestTimeWindows::alarmDialogTakesEffectOnSave()
     child<QPushButton>(dialog, "btnSAVE")->click();
     QVERIFY(child<QCheckBox>(&scheduler, "chkSET_0")->isChecked());
     QCOMPARE(child<QLineEdit>(&scheduler, "txtMESSAGE_0")->text(), QStringLiteral("Wake up"));
+    QCOMPARE(child<QComboBox>(&scheduler, "cboTIME_0")->currentText(), QStringLiteral("07:15:00"));
     scheduler.scheduler()->AlarmRefresh();
     QVERIFY(scheduler.popup());
     QVERIFY(scheduler.popup()->isVisible());
@@ -480,6 +483,14 @@ void TestTimeWindows::alarmDialogTakesEffectOnSave()
 
     child<QPushButton>(scheduler.popup(), "btnDISMISS")->click();
     QVERIFY(!scheduler.popup()->isVisible());
+}
+
+void TestTimeWindows::schedulerMirrorsTimesOffTheQuarterHours()
+{
+    AlarmPreset{true, QStringLiteral("07:10:30"), QStringLiteral("Tea")}.save(1);
+    SchedulerWindow scheduler;
+    QCOMPARE(child<QComboBox>(&scheduler, "cboTIME_0")->currentText(), AlarmPreset().time);
+    QCOMPARE(child<QComboBox>(&scheduler, "cboTIME_1")->currentText(), QStringLiteral("07:10:30"));
 }
 
 void TestTimeWindows::alarmDialogRefusesMissingSoundFile()
