@@ -2,6 +2,7 @@
 // every day (files read, page painted), repainting the whole page, drawing a stroke (two
 // pointer samples and the repaint they cause per frame, as the window system sends them), and
 // writing the drawing. Goals: a month turn under 50 ms, every drawing frame under 8 ms.
+#include "bench_support.h"
 #include "calendar/calendar_store.h"
 #include "calendar/calendar_widget.h"
 #include "calendar/month_layout.h"
@@ -13,7 +14,6 @@
 #include <QDir>
 #include <QElapsedTimer>
 #include <QMouseEvent>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cmath>
@@ -21,18 +21,6 @@
 #include <vector>
 
 namespace {
-
-struct Figures
-{
-    double median;
-    double worst;
-};
-
-Figures summarise(std::vector<double> ms)
-{
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms.back()};
-}
 
 double elapsedMs(const QElapsedTimer &timer)
 {
@@ -72,8 +60,7 @@ void fillMonth(const CalendarStore &store, int year, int month)
 
 int main(int argc, char *argv[])
 {
-    QTemporaryDir home;
-    qputenv("VANTORA_HOME", home.path().toLocal8Bit());
+    BenchHome home;
     QApplication app(argc, argv);
     const CalendarStore store(CalendarStore::defaultFolder());
     QDir().mkpath(store.folder());

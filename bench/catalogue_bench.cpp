@@ -8,6 +8,7 @@
 // 2 ms. "first call" is the very first walk of the process, which also unpacks the table from
 // the resources when it was stored compressed.
 
+#include "bench_support.h"
 #include "core/shipped_data.h"
 #include "weather/location_catalogue.h"
 
@@ -15,7 +16,6 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QResource>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cstdio>
@@ -27,14 +27,6 @@ using namespace LocationCatalogue;
 namespace {
 
 constexpr double kGoalMs = 2.0;
-
-double timeMs(const std::function<void()> &work)
-{
-    QElapsedTimer timer;
-    timer.start();
-    work();
-    return timer.nsecsElapsed() / 1e6;
-}
 
 void report(const char *name, const std::function<void()> &work, int runs)
 {
@@ -65,8 +57,7 @@ const char *storage(const char *resourcePath)
 int main(int argc, char **argv)
 {
     QCoreApplication app(argc, argv);
-    QTemporaryDir home;
-    qputenv("VANTORA_HOME", QFile::encodeName(home.path()));
+    BenchHome home;
     const int runs = argc > 1 ? std::max(1, atoi(argv[1])) : 50;
 
     std::printf("resources: INTERNATIONAL %s, USTATES %s, COORDS %s; %d runs\n",

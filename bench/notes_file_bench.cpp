@@ -7,6 +7,7 @@
 // RtfWriter::write of that document and WriteFileSafely. Goals: open 400 ms, save 200 ms.
 // Prints the peak resident memory of the whole run at the end.
 
+#include "bench_support.h"
 #include "core/safe_file_write.h"
 #include "notes/rtf_reader.h"
 #include "notes/rtf_writer.h"
@@ -23,8 +24,6 @@
 #include <QTextList>
 #include <QTextTable>
 #include <QUrl>
-
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -136,13 +135,6 @@ Timing timeRuns(int runs, const std::function<void()> &step)
     }
     std::sort(samples.begin(), samples.end());
     return {samples[samples.size() / 2], samples.last()};
-}
-
-double peakResidentMegabytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0; // kilobytes on Linux
 }
 
 } // namespace

@@ -20,6 +20,7 @@
 //
 // Run with QT_QPA_PLATFORM=offscreen (set here when there is no display).
 
+#include "bench_support.h"
 #include "notes/page_box.h"
 #include "notes/spell_checker.h"
 #include "notes/spell_dictionary.h"
@@ -35,12 +36,9 @@
 #include <QFileInfo>
 #include <QKeyEvent>
 #include <QScrollBar>
-#include <QTemporaryDir>
 #include <QTextBlock>
 #include <QTextCursor>
 #include <QTextDocument>
-
-#include <sys/resource.h>
 
 #include <algorithm>
 #include <cstdio>
@@ -55,30 +53,6 @@ constexpr int kLoadRuns = 9;
 constexpr int kListRuns = 5;
 constexpr int kParagraphs = 1500;
 constexpr int kTypedCharacters = 300;
-
-struct Figures
-{
-    double median = 0;
-    double p95 = 0;
-    double worst = 0;
-};
-
-Figures summarise(std::vector<double> samples)
-{
-    if (samples.empty())
-        return {};
-    std::sort(samples.begin(), samples.end());
-    const size_t p95 = std::min(samples.size() - 1, samples.size() * 95 / 100);
-    return {samples[samples.size() / 2], samples[p95], samples.back()};
-}
-
-double timeMs(const std::function<void()> &work)
-{
-    QElapsedTimer clock;
-    clock.start();
-    work();
-    return clock.nsecsElapsed() / 1e6;
-}
 
 // ---- the generated document -------------------------------------------------------------
 
@@ -272,13 +246,6 @@ void printKeys(const char *label, const Figures &f)
     std::printf("%s median %.2f ms   95%% %.2f ms   worst %.2f ms\n", label, f.median, f.p95, f.worst);
 }
 
-double peakResidentMegabytes()
-{
-    rusage usage{};
-    getrusage(RUSAGE_SELF, &usage);
-    return usage.ru_maxrss / 1024.0; // kilobytes on Linux
-}
-
 int usage()
 {
     std::printf("usage: spell_bench <dictionary.dct> [text file] [misspelt out]\n");
@@ -299,8 +266,7 @@ int main(int argc, char *argv[])
     const QString misspeltOut = args.size() > 2 ? args[2] : QString();
 
     // A fresh data folder and settings file: the checker reads its list from there.
-    QTemporaryDir home;
-    qputenv("VANTORA_HOME", QFile::encodeName(home.path()));
+    BenchHome home;
     if (qEnvironmentVariableIsEmpty("DISPLAY") && qEnvironmentVariableIsEmpty("WAYLAND_DISPLAY"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
     QApplication app(argc, argv);

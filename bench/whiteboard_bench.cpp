@@ -2,6 +2,7 @@
 // highlighter, sent as the window system sends them, with the board repainted whole every
 // second sample (a frame of a 120 Hz mouse on a 60 Hz screen) and again whole once every
 // stroke is on it. Goal: every frame under 8 ms; the worst frame is printed beside the median.
+#include "bench_support.h"
 #include "core/drawing/drawing_area.h"
 #include "core/drawing/drawing_layer.h"
 #include "core/drawing/ink_canvas.h"
@@ -10,7 +11,6 @@
 #include <QElapsedTimer>
 #include <QImage>
 #include <QMouseEvent>
-#include <QTemporaryDir>
 
 #include <algorithm>
 #include <cmath>
@@ -23,19 +23,6 @@ constexpr QSize kBoard(1920, 1080);
 constexpr int kStrokes = 50;
 constexpr int kPointsPerStroke = 200;
 constexpr double kGoalMs = 8.0;
-
-struct Figures
-{
-    double median;
-    double p99;
-    double worst;
-};
-
-Figures summarise(std::vector<double> ms)
-{
-    std::sort(ms.begin(), ms.end());
-    return {ms[ms.size() / 2], ms[ms.size() * 99 / 100], ms.back()};
-}
 
 void send(QWidget *w, QEvent::Type type, const QPointF &pos)
 {
@@ -60,8 +47,7 @@ int main(int argc, char *argv[])
 {
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM"))
         qputenv("QT_QPA_PLATFORM", "offscreen");
-    QTemporaryDir home;
-    qputenv("VANTORA_HOME", home.path().toLocal8Bit());
+    BenchHome home;
     QApplication app(argc, argv);
 
     DrawingLayer layer;
