@@ -57,16 +57,10 @@ CalendarWidget::CalendarWidget(QWidget *parent)
       m_store(CalendarStore::defaultFolder()),
       m_layout(today().year(), today().month(), LocaleFirstDayOfWeek()), m_layer(new DrawingLayer(this))
 {
-    m_title = new QLabel(tr("Calendar"), bar());
-    m_title->setObjectName(QStringLiteral("lblTITLE"));
-    m_title->setAttribute(Qt::WA_TransparentForMouseEvents); // the bar drags the window
-
-    auto *column = new QVBoxLayout(panel());
-    column->setContentsMargins(6, 4, 6, 14);
-    column->setSpacing(3);
+    m_title = AddBarTitle(bar(), tr("Calendar"));
     auto *commands = new QWidget(panel());
     buildCommandRow(commands);
-    column->addWidget(commands);
+    QVBoxLayout *column = AddPanelColumn(panel(), commands);
     m_tools = new DrawingToolBar(
         kWindow, {DrawingPens::Pointer, DrawingPens::Pen, DrawingPens::Highlighter, DrawingPens::Eraser},
         panel());
@@ -528,8 +522,7 @@ void CalendarWidget::ThemeElementsUpdate()
 
 void CalendarWidget::relayout()
 {
-    if (m_title)
-        m_title->move(8, qMax(0, (barHeight() - m_title->height()) / 2));
+    PlaceBarTitle(m_title, barHeight());
     // Pen widths are in screen pixels: the page's scale changes with the window.
     if (m_page)
         applyPens();

@@ -64,15 +64,10 @@ NotesEditor::NotesEditor(QWidget *parent)
     , m_spell(SpellChecker::shared())
 {
     setAcceptDrops(true);
-    m_title = new QLabel(bar());
-    m_title->setObjectName(QStringLiteral("lblTITLE"));
-
-    auto *column = new QVBoxLayout(panel());
-    column->setContentsMargins(6, 4, 6, 14);
-    column->setSpacing(3);
+    m_title = AddBarTitle(bar());
     m_commands = new QWidget(panel());
     buildCommandRow(m_commands);
-    column->addWidget(m_commands);
+    QVBoxLayout *column = AddPanelColumn(panel(), m_commands);
     m_formatBar = new FormatBar(panel());
     column->addWidget(m_formatBar);
 
@@ -835,9 +830,7 @@ void NotesEditor::applyPanelStyle()
 
 void NotesEditor::relayout()
 {
-    if (!m_title)
-        return;
-    m_title->move(8, qMax(0, (barHeight() - m_title->height()) / 2));
+    PlaceBarTitle(m_title, barHeight());
 }
 
 void NotesEditor::saveValues()

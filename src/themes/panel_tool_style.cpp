@@ -8,6 +8,7 @@
 #include <QLayout>
 #include <QPalette>
 #include <QToolButton>
+#include <QVBoxLayout>
 
 QString PanelToolStyleSheet(const QColor &text, const QPalette &page)
 {
@@ -59,4 +60,27 @@ QColor ApplyPanelToolTheme(QLabel *title, QWidget *panel)
     title->adjustSize();
     panel->setStyleSheet(PanelToolStyleSheet(text, panel->palette()));
     return text;
+}
+
+QLabel *AddBarTitle(QWidget *bar, const QString &text)
+{
+    auto *title = new QLabel(text, bar);
+    title->setObjectName(QStringLiteral("lblTITLE"));
+    title->setAttribute(Qt::WA_TransparentForMouseEvents); // the bar drags the window
+    return title;
+}
+
+void PlaceBarTitle(QLabel *title, int barHeight)
+{
+    if (title)
+        title->move(8, qMax(0, (barHeight - title->height()) / 2));
+}
+
+QVBoxLayout *AddPanelColumn(QWidget *panel, QWidget *commands)
+{
+    auto *column = new QVBoxLayout(panel);
+    column->setContentsMargins(6, 4, 6, 14);
+    column->setSpacing(3);
+    column->addWidget(commands);
+    return column;
 }

@@ -8,6 +8,7 @@ class QColor;
 class QLabel;
 class QPalette;
 class QToolButton;
+class QVBoxLayout;
 class QWidget;
 
 // The style of tool buttons, tabs and labels on a painted panel (the notes editor, the
@@ -26,3 +27,10 @@ QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &c
 // calendar): its bar title in the bar's font, bold, and the panel's tools and labels in the
 // panel's text colour, which it returns for the window's own controls.
 QColor ApplyPanelToolTheme(QLabel *title, QWidget *panel);
+
+// The frame of such a window. The bar's title, "lblTITLE", lets presses through so that the bar
+// drags the window; it sits at the bar's left, centred in its height. The panel's column holds
+// the rows from the top, the first being `commands`.
+QLabel *AddBarTitle(QWidget *bar, const QString &text = QString());
+void PlaceBarTitle(QLabel *title, int barHeight);
+QVBoxLayout *AddPanelColumn(QWidget *panel, QWidget *commands);

@@ -55,16 +55,10 @@ WhiteboardWidget::WhiteboardWidget(QWidget *parent)
       m_document(new BoardDocument(this))
 {
     setAcceptDrops(true);
-    m_title = new QLabel(bar());
-    m_title->setObjectName(QStringLiteral("lblTITLE"));
-    m_title->setAttribute(Qt::WA_TransparentForMouseEvents); // the bar drags the window
-
-    auto *column = new QVBoxLayout(panel());
-    column->setContentsMargins(6, 4, 6, 14);
-    column->setSpacing(3);
+    m_title = AddBarTitle(bar());
     auto *commands = new QWidget(panel());
     buildCommandRow(commands);
-    column->addWidget(commands);
+    QVBoxLayout *column = AddPanelColumn(panel(), commands);
     m_tools = new DrawingToolBar(
         kWindow, {DrawingPens::Pen, DrawingPens::Highlighter, DrawingPens::Eraser, DrawingPens::Text},
         panel());
@@ -524,8 +518,7 @@ void WhiteboardWidget::ThemeElementsUpdate()
 
 void WhiteboardWidget::relayout()
 {
-    if (m_title)
-        m_title->move(8, qMax(0, (barHeight() - m_title->height()) / 2));
+    PlaceBarTitle(m_title, barHeight());
 }
 
 void WhiteboardWidget::saveValues()
