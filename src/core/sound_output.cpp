@@ -5,8 +5,6 @@
 #include <QLibrary>
 #include <QLoggingCategory>
 
-#include <memory>
-
 namespace {
 Q_LOGGING_CATEGORY(lcSound, "vantora.sound", QtWarningMsg)
 
@@ -14,14 +12,14 @@ Q_LOGGING_CATEGORY(lcSound, "vantora.sound", QtWarningMsg)
 #define VANTORA_MODULE_DIR_FROM_BIN "../lib/vantora"
 #endif
 
-std::unique_ptr<SoundOutput> load()
+SoundOutput *load()
 {
     QStringList tried;
     for (const QString &candidate : SoundModuleCandidates()) {
         QLibrary module(candidate);
         const auto create = reinterpret_cast<CreateSoundOutput>(module.resolve(kSoundModuleEntry));
         if (create)
-            return std::unique_ptr<SoundOutput>(create()); // the library stays loaded for the run
+            return create(); // the library stays loaded for the run
         tried << QStringLiteral("%1 (%2)").arg(QDir::toNativeSeparators(candidate), module.errorString());
     }
     qCWarning(lcSound, "No sounds can play: the sound module was not found. Tried: %s",
@@ -40,6 +38,8 @@ QStringList SoundModuleCandidates()
 
 SoundOutput *LoadedSoundOutput()
 {
-    static const std::unique_ptr<SoundOutput> output = load();
-    return output.get();
+    // Kept to the end of the process and never deleted: its sound effects belong to the audio
+    // backend, which must not be torn down after the application object is gone.
+    static SoundOutput *const output = load();
+    return output;
 }

@@ -11,8 +11,6 @@ namespace {
 class SoundEffectOutput : public SoundOutput
 {
 public:
-    ~SoundEffectOutput() override { qDeleteAll(m_effects); }
-
     void play(const QUrl &source) override
     {
         // One effect per source, kept for the run: a sound that is still playing is not
