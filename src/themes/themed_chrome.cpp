@@ -165,9 +165,21 @@ bool ThemedChrome::eventFilter(QObject *watched, QEvent *event)
 bool ThemedChrome::handleGripEvent(QEvent *event)
 {
     // The window system resizes where it can; without a window manager it refuses, and the
-    // window follows the mouse instead (its minimum size still holds).
-    auto *mouse = static_cast<QMouseEvent *>(event);
+    // window follows the mouse instead (its minimum size still holds). The grip also sees
+    // events that are not mouse events (a raise, a show), so the cast waits for the type check.
     switch (event->type()) {
+    case QEvent::MouseButtonPress:
+    case QEvent::MouseMove:
+    case QEvent::MouseButtonRelease:
+        return handleGripMouse(static_cast<QMouseEvent *>(event));
+    default:
+        return false;
+    }
+}
+
+bool ThemedChrome::handleGripMouse(QMouseEvent *mouse)
+{
+    switch (mouse->type()) {
     case QEvent::MouseButtonPress:
         if (mouse->button() != Qt::LeftButton)
             return false;

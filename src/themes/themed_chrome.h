@@ -5,6 +5,7 @@
 #include <QSize>
 
 class QLabel;
+class QMouseEvent;
 class QWidget;
 class PaintedFrame;
 class ThemedButton;
@@ -59,6 +60,7 @@ protected:
 private:
     bool handleRightPress(QEvent *event);
     bool handleGripEvent(QEvent *event);
+    bool handleGripMouse(QMouseEvent *mouse);
 
     QWidget *m_host;
     Options m_options;
