@@ -30,6 +30,15 @@ SpellHighlighter::SpellHighlighter(SpellChecker *checker, QObject *parent)
         connect(m_checker, &SpellChecker::dictionaryChanged, this, &SpellHighlighter::recheckAll);
 }
 
+// The base class detaches the document in its own destructor, which clears the underlines
+// and so reports a change of the contents; by then this part of the object is gone, so the
+// edit tracking lets go of the document first.
+SpellHighlighter::~SpellHighlighter()
+{
+    if (QTextDocument *current = document())
+        disconnect(current, &QTextDocument::contentsChange, this, &SpellHighlighter::noteEdit);
+}
+
 void SpellHighlighter::attach(QTextDocument *document)
 {
     if (QTextDocument *old = this->document())

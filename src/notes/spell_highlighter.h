@@ -20,6 +20,7 @@ class SpellHighlighter : public QSyntaxHighlighter
     Q_OBJECT
 public:
     SpellHighlighter(SpellChecker *checker, QObject *parent);
+    ~SpellHighlighter() override;
 
     // Underlines `document` (nullptr: none). Use this rather than setDocument.
     void attach(QTextDocument *document);
