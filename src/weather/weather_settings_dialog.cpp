@@ -63,7 +63,8 @@ WeatherSettingsDialog::WeatherSettingsDialog(QWidget *parent)
     m_find = named(new QLineEdit, "txtFIND");
     m_find->setPlaceholderText(tr("Find a place in the list"));
     m_find->setClearButtonEnabled(true);
-    m_code = named(new QLineEdit(QString::fromLatin1(LocationCatalogue::DefaultCode)), "txtADDR");
+    // Hidden and in no layout, so it needs a parent of its own to be freed with the dialog.
+    m_code = named(new QLineEdit(QString::fromLatin1(LocationCatalogue::DefaultCode), this), "txtADDR");
     m_code->hide();
     m_codeLabel = named(new QLabel, "lblCODE");
     m_fahrenheit = named(new QRadioButton(tr("Use the &Fahrenheit scale")), "optTEMP_0");
