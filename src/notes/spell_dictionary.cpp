@@ -16,10 +16,26 @@ constexpr qsizetype kPieceSize = 65536;
 // handful of entries instead of its whole sound group (some hold over a thousand words).
 constexpr int kLookupBits = 17;
 
-int LookupBucket(int code, qsizetype length)
+// Look-ups compare whole words, in any case (see SameWord), so a word is filed for them under a
+// hash of its case-folded letters: the chains stay short however many words share a sound key
+// and a length ("w00001" to "w99999" all have the key 000000).
+int LookupBucket(QStringView word)
 {
-    const quint32 mixed = (quint32(code) * 31u + quint32(length)) * 2654435761u;
-    return int(mixed >> (32 - kLookupBits));
+    quint32 hash = 2166136261u;
+    for (qsizetype i = 0; i < word.size(); ++i) {
+        char32_t unit = word[i].unicode();
+        if (unit < 128) {
+            if (unit >= u'A' && unit <= u'Z')
+                unit += 32;
+        } else if (QChar::isHighSurrogate(unit) && i + 1 < word.size() && word[i + 1].isLowSurrogate()) {
+            unit = QChar::toCaseFolded(QChar::surrogateToUcs4(word[i].unicode(), word[i + 1].unicode()));
+            ++i;
+        } else {
+            unit = QChar::toCaseFolded(unit);
+        }
+        hash = (hash ^ quint32(unit)) * 16777619u;
+    }
+    return int((hash * 2654435761u) >> (32 - kLookupBits));
 }
 
 // The digit of each ASCII character, 0 for those without one: vowels, h, w, y, digits, signs
@@ -203,7 +219,7 @@ void SpellDictionary::fileLastWord()
     }
     // In file order too, so the common words a list starts with are found first.
     m_lookupNext.push_back(-1);
-    m_lookup[size_t(LookupBucket(code, word.size()))].append(index, m_lookupNext);
+    m_lookup[size_t(LookupBucket(word))].append(index, m_lookupNext);
 }
 
 const std::vector<SpellDictionary::Chain> &SpellDictionary::groups() const
@@ -219,8 +235,8 @@ const std::vector<SpellDictionary::Chain> &SpellDictionary::groups() const
 
 bool SpellDictionary::add(const QString &word)
 {
-    // An equal word has the same key and length, so it is on the look-up chain.
-    for (int i = m_lookup[size_t(LookupBucket(KeyCode(word), word.size()))].first; i >= 0; i = m_lookupNext[size_t(i)]) {
+    // An equal word has the same hash, so it is on the look-up chain.
+    for (int i = m_lookup[size_t(LookupBucket(word))].first; i >= 0; i = m_lookupNext[size_t(i)]) {
         if (wordAt(i) == word)
             return false;
     }
@@ -274,7 +290,7 @@ bool SpellDictionary::load(const QString &path, QString *error)
 
 bool SpellDictionary::contains(QStringView word) const
 {
-    const int bucket = LookupBucket(KeyCode(word), word.size());
+    const int bucket = LookupBucket(word);
     for (int i = m_lookup[size_t(bucket)].first; i >= 0; i = m_lookupNext[size_t(i)]) {
         if (SameWord(wordAt(i), word))
             return true;

@@ -78,6 +78,6 @@ private:
 
     mutable std::vector<int> m_next;     // the next word of the same sound group, -1 at its end
     mutable std::vector<Chain> m_groups; // per key code: its sound group
-    std::vector<Chain> m_lookup;   // per key and length (hashed): the words a look-up compares
+    std::vector<Chain> m_lookup;   // per hash of the case-folded word: the words a look-up compares
     std::vector<int> m_lookupNext; // the next word of the same look-up chain
 };
