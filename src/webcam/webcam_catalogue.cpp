@@ -36,6 +36,15 @@ WebcamCamera shippedCamera(const QString &line)
     return camera;
 }
 
+// Only web addresses are read: a camera address is fetched without asking, so a file:, ftp: or
+// data: address (typed into the file by hand or by another program) must never be followed.
+bool isWebAddress(const QString &address)
+{
+    const QUrl url(address.trimmed(), QUrl::StrictMode);
+    return url.isValid() && (url.scheme() == QLatin1String("http") || url.scheme() == QLatin1String("https"))
+           && !url.host().isEmpty();
+}
+
 QByteArray ownFileText(const QList<WebcamCamera> &cameras)
 {
     QByteArray text;
@@ -62,6 +71,7 @@ WebcamCatalogue::WebcamCatalogue()
         return;
     }
     const QStringList lines = QString::fromUtf8(file.readAll()).split(u'\n');
+    QStringList refused;
     for (QString line : lines) {
         line = line.trimmed();
         const qsizetype bar = line.indexOf(u'|');
@@ -71,9 +81,15 @@ WebcamCatalogue::WebcamCatalogue()
         camera.name = line.left(bar).trimmed();
         camera.address = line.mid(bar + 1).trimmed();
         camera.own = true;
-        if (!find(camera.name))
+        if (!isWebAddress(camera.address))
+            refused.append(camera.name);
+        else if (!find(camera.name))
             m_cameras.append(camera);
     }
+    if (!refused.isEmpty())
+        m_loadProblem = tr("These cameras in %1 were left out because their address is not a web address "
+                           "(https:// or http://): %2.")
+                            .arg(LocalPath(file.fileName()), refused.join(QStringLiteral(", ")));
 }
 
 const WebcamCamera *WebcamCatalogue::find(const QString &name) const
@@ -94,9 +110,7 @@ QString WebcamCatalogue::checkOwnCamera(const QString &name, const QString &addr
         return tr("A camera's name cannot contain the character |.");
     if (trimmed != replacing && find(trimmed))
         return tr("There is already a camera called \"%1\".").arg(trimmed);
-    const QUrl url(address.trimmed(), QUrl::StrictMode);
-    if (!url.isValid() || (url.scheme() != QLatin1String("http") && url.scheme() != QLatin1String("https"))
-        || url.host().isEmpty())
+    if (!isWebAddress(address))
         return tr("Enter the full address of the camera's picture, starting with https:// or http://.");
     if (address.contains(u'|') || address.trimmed().contains(u' '))
         return tr("The address cannot contain spaces or the character |.");

@@ -23,6 +23,7 @@ private slots:
     void ownCameraChecks();
     void changesAndRemovesOnlyOwnCameras();
     void damagedLinesAreSkipped();
+    void onlyWebAddressesAreReadFromTheFile();
     void failedSaveChangesNothing();
 
 private:
@@ -190,6 +191,22 @@ void TestWebcamCatalogue::damagedLinesAreSkipped()
     QCOMPARE(catalogue.cameras().at(51).name, QStringLiteral("Field"));
     // A shipped camera cannot be replaced through the file.
     QVERIFY(catalogue.find(QStringLiteral("Austria - Wien (city)"))->address.contains(QLatin1String("foto-webcam")));
+}
+
+void TestWebcamCatalogue::onlyWebAddressesAreReadFromTheFile()
+{
+    // The file may be edited by hand or by another program; what the add dialog refuses is
+    // refused here too, and the user is told which cameras were left out.
+    QFile file(WebcamCatalogue::ownCamerasPath());
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("Local|file:///etc/passwd\nDish|ftp://example.org/dish.jpg\nInline|data:image/png;base64,AAAA\n"
+               "Bare|example.org/bare.jpg\nHarbour|HTTPS://example.org/harbour.jpg\n");
+    file.close();
+    const WebcamCatalogue catalogue;
+    QCOMPARE(catalogue.cameras().size(), 51);
+    QCOMPARE(catalogue.cameras().at(50).name, QStringLiteral("Harbour"));
+    for (const char *name : {"Local", "Dish", "Inline", "Bare"})
+        QVERIFY2(catalogue.loadProblem().contains(QLatin1String(name)), qPrintable(catalogue.loadProblem()));
 }
 
 void TestWebcamCatalogue::failedSaveChangesNothing()
