@@ -94,8 +94,18 @@ void BoardRecovery::writeNow()
     entry.originalPath = m_document->path();
     entry.type = kType;
     entry.content = bytes;
-    // A copy that cannot be written (a full disk) is tried again with the next change.
-    m_stored = m_store.store(entry) || m_stored;
+    // A copy that cannot be written (a full disk) is tried again with the next change; the
+    // user hears of it once, so they know to save while the safety net is down.
+    QString error;
+    if (m_store.store(entry, &error)) {
+        m_stored = true;
+        m_problem.clear();
+        return;
+    }
+    const bool wasWorking = m_problem.isEmpty();
+    m_problem = error.isEmpty() ? tr("the recovery folder cannot be written") : error;
+    if (wasWorking)
+        emit copyFailed(m_problem);
 }
 
 void BoardRecovery::discard()

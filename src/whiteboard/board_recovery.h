@@ -34,6 +34,15 @@ public:
     // Removes the copy and stops waiting: the user chose to lose the changes.
     void discard();
 
+    // Why the last copy could not be written (a full disk, a read-only folder); empty while
+    // copies are written.
+    QString problem() const { return m_problem; }
+
+signals:
+    // A copy could not be written after the last one could (or was the first), with the
+    // reason in words for the user; told once, not on every retry.
+    void copyFailed(const QString &problem);
+
 private:
     void boardChanged();
     void schedule();
@@ -44,4 +53,5 @@ private:
     QString m_id;
     QTimer *m_timer;
     bool m_stored = false;
+    QString m_problem;
 };

@@ -17,9 +17,11 @@
 #include <QClipboard>
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPointer>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <memory>
@@ -62,6 +64,7 @@ private slots:
     void copyAndPasteGoThroughTheClipboard();
     void unsavedBoardSurvivesAStop_data();
     void unsavedBoardSurvivesAStop();
+    void aCopyThatCannotBeWrittenIsToldOnce();
 
 private:
     std::unique_ptr<WhiteboardWidget> openBoardWindow();
@@ -351,6 +354,36 @@ void TestWhiteboardWidget::unsavedBoardSurvivesAStop()
         return;
     QVERIFY(board->saveBoard());
     QVERIFY(!BoardRecovery::leftBehind().has_value());
+}
+
+void TestWhiteboardWidget::aCopyThatCannotBeWrittenIsToldOnce()
+{
+    // A file where the recovery folder should be: no copy can be written, as on a full disk.
+    QDir().mkpath(QFileInfo(BoardRecovery::folder()).path());
+    QFile blocker(BoardRecovery::folder());
+    QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.close();
+
+    BoardDocument document;
+    document.newBoard(QSize(120, 80));
+    BoardRecovery recovery(&document);
+    QSignalSpy failed(&recovery, &BoardRecovery::copyFailed);
+    auto draw = [&document, &recovery](int y) {
+        InkStroke stroke(*document.layer(), {InkKind::Pen, Qt::black, 3}, InkShape::Freehand, {QPointF(5, y), 1});
+        stroke.moveTo({QPointF(100, y), 1});
+        stroke.finish();
+        recovery.writeNow();
+    };
+    draw(10);
+    QCOMPARE(failed.count(), 1);
+    QVERIFY(!recovery.problem().isEmpty());
+    draw(30); // still failing: not told again
+    QCOMPARE(failed.count(), 1);
+
+    QVERIFY(QFile::remove(BoardRecovery::folder()));
+    draw(50);
+    QVERIFY(recovery.problem().isEmpty());
+    QVERIFY(BoardRecovery::leftBehind().has_value());
 }
 
 QTEST_MAIN(TestWhiteboardWidget)
