@@ -1,5 +1,6 @@
 #include "core/web_downloader.h"
 
+#include "core/bounded_network_read.h"
 #include "core/in_process_host.h"
 #include "core/network_policy.h"
 
@@ -176,14 +177,8 @@ void WebDownloader::startNetworkRead(const QUrl &url, int options)
 
     QNetworkReply *reply = m_network->get(request);
     m_reply = reply;
-    connect(reply, &QNetworkReply::metaDataChanged, this, [this, reply] {
-        const QVariant length = reply->header(QNetworkRequest::ContentLengthHeader);
-        if (length.isValid())
-            checkNetworkSize(reply, length.toLongLong());
-    });
-    connect(reply, &QNetworkReply::downloadProgress, this, [this, reply](qint64 received, qint64 total) {
-        checkNetworkSize(reply, qMax(received, total));
-    });
+    // The size is held to the limit as the bytes arrive; time limits are the host's to set.
+    BoundedNetworkRead::watch(reply, {m_replyLimit, 0, 0});
     connect(reply, &QNetworkReply::finished, this, [this, reply] { onNetworkFinished(reply); });
 }
 
@@ -194,18 +189,6 @@ void WebDownloader::startInProcessRead(InProcessReply *reply)
     connect(reply, &InProcessReply::finished, this, [this, reply] { onInProcessFinished(reply); });
 }
 
-void WebDownloader::checkNetworkSize(QNetworkReply *reply, qint64 size)
-{
-    if (reply != m_reply || size <= m_replyLimit)
-        return;
-    m_reply = nullptr;
-    disconnect(reply, nullptr, this, nullptr);
-    reply->abort();
-    reply->deleteLater();
-    settle();
-    failTooLarge();
-}
-
 void WebDownloader::onNetworkFinished(QNetworkReply *reply)
 {
     if (reply != m_reply)
@@ -214,13 +197,17 @@ void WebDownloader::onNetworkFinished(QNetworkReply *reply)
     reply->deleteLater();
     settle();
 
+    BoundedNetworkRead *guard = BoundedNetworkRead::of(reply);
+    const QByteArray data = guard->takeData();
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (status >= 400)
+    if (guard->stopReason() == BoundedNetworkRead::Stop::TooLarge)
+        failTooLarge();
+    else if (status >= 400)
         fail(status, describeStatus(reply, status));
     else if (reply->error() != QNetworkReply::NoError)
         fail(reply->error(), describeNetworkError(reply));
     else
-        complete(reply->readAll());
+        complete(data);
 }
 
 void WebDownloader::onInProcessFinished(InProcessReply *reply)

@@ -74,8 +74,6 @@ private:
     void cancelRead();
     void startNetworkRead(const QUrl &url, int options);
     void startInProcessRead(InProcessReply *reply);
-    // Aborts the running network read when its announced or received size is over the limit.
-    void checkNetworkSize(QNetworkReply *reply, qint64 size);
     void onNetworkFinished(QNetworkReply *reply);
     void onInProcessFinished(InProcessReply *reply);
     // Ends the running read: duration measured, key back to 0.

@@ -1,5 +1,6 @@
 #include "weather/live_weather_adapter.h"
 
+#include "core/bounded_network_read.h"
 #include "core/clock_source.h"
 #include "core/in_process_host.h"
 #include "core/network_policy.h"
@@ -26,14 +27,11 @@ struct WeatherSourceResult
 
 namespace {
 
-constexpr int SourceTimeoutMs = 20 * 1000;
-constexpr qint64 SourceReplyLimit = 1024 * 1024;
 // A failure that never reached a server (no network, a refused connection) costs the sources
 // nothing, so it may be retried sooner than the 15 minutes of their terms.
 constexpr int UnreachedRetrySeconds = 60;
 constexpr int NotFoundError = 404;
 constexpr int SourcesFailedError = 503;
-constexpr const char *TooLargeProperty = "vantoraTooLarge";
 constexpr const char *RefusedProperty = "vantoraRefused";
 
 // The User-Agent of every source request: "Vantora/1.0.0 (+<contact>)". met.no refuses
@@ -100,8 +98,7 @@ WeatherSourceResult networkProblem(const QNetworkReply *reply)
     case QNetworkReply::ConnectionRefusedError:
         return {std::nullopt, QStringLiteral("connection refused"), true};
     case QNetworkReply::TimeoutError:
-    case QNetworkReply::OperationCanceledError: // the transfer timeout cancels the request
-        return {std::nullopt, QStringLiteral("no answer within 20 seconds"), true};
+        return {std::nullopt, QStringLiteral("no answer in time"), true};
     case QNetworkReply::NetworkSessionFailedError:
     case QNetworkReply::TemporaryNetworkFailureError:
     case QNetworkReply::UnknownNetworkError:
@@ -116,12 +113,17 @@ WeatherSourceResult networkProblem(const QNetworkReply *reply)
 // The outcome of a finished source request whose body `parse` reads.
 template <typename Parse> WeatherSourceResult readSourceReply(QNetworkReply *reply, Parse parse)
 {
-    if (reply->property(TooLargeProperty).toBool())
-        return {std::nullopt, QStringLiteral("reply larger than 1 MiB"), false};
     if (reply->property(RefusedProperty).toBool())
         return {std::nullopt, QStringLiteral("network reads are switched off"), true};
+    BoundedNetworkRead *guard = BoundedNetworkRead::of(reply);
+    const QByteArray body = guard ? guard->takeData() : reply->readAll();
+    if (guard && guard->stopReason() != BoundedNetworkRead::Stop::None) {
+        // Nothing was heard at all: as good as unreached, and as cheap to ask again.
+        const bool silent = guard->stopReason() != BoundedNetworkRead::Stop::TooLarge && body.isEmpty()
+                            && !reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
+        return {std::nullopt, guard->stopPhrase(), silent};
+    }
     const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    const QByteArray body = reply->readAll();
     if (status >= 400)
         return {std::nullopt, statusPhrase(status, body), false};
     if (reply->error() != QNetworkReply::NoError || status == 0)
@@ -261,14 +263,8 @@ QNetworkReply *LiveWeatherAdapter::get(const QUrl &url, const QByteArray &ifModi
     request.setRawHeader("Accept", "application/json");
     if (!ifModifiedSince.isEmpty())
         request.setRawHeader("If-Modified-Since", ifModifiedSince);
-    request.setTransferTimeout(SourceTimeoutMs);
     QNetworkReply *reply = m_network->get(request);
-    connect(reply, &QNetworkReply::downloadProgress, reply, [reply](qint64 received, qint64 total) {
-        if (received > SourceReplyLimit || total > SourceReplyLimit) {
-            reply->setProperty(TooLargeProperty, true);
-            reply->abort();
-        }
-    });
+    BoundedNetworkRead::watch(reply, m_limits);
     return reply;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/bounded_network_read.h"
 #include "weather/weather_conditions.h"
 
 #include <QByteArray>
@@ -33,6 +34,10 @@ public:
     // The feed host that the adapter answers (reserved; it never resolves on a network).
     static constexpr const char *BuiltInHost = "weather.vantora.invalid";
     static constexpr int RefreshSeconds = 15 * 60;
+    // A source read ends within 20 seconds whatever the server does, and is given up sooner when
+    // the server goes quiet: a source that trickles must not hold up the weather (or the later
+    // reads for the same place, which wait for this one).
+    static constexpr BoundedNetworkRead::Limits SourceLimits{1024 * 1024, 20 * 1000, 10 * 1000};
 
     explicit LiveWeatherAdapter(QObject *parent = nullptr);
     ~LiveWeatherAdapter() override;
@@ -49,6 +54,8 @@ public:
     void setSourceAddressesForTesting(const QUrl &openMeteoBase, const QUrl &metNoBase);
     // Forgets every remembered answer (tests).
     void clearCacheForTesting();
+    // Tests: the size and time limits of each source read.
+    void setSourceLimitsForTesting(const BoundedNetworkRead::Limits &limits) { m_limits = limits; }
 
 private:
     // A reply that waits for the sources, with the feed host its picture address names.
@@ -87,5 +94,6 @@ private:
     QNetworkAccessManager *m_network = nullptr;
     QUrl m_openMeteoBase;
     QUrl m_metNoBase;
+    BoundedNetworkRead::Limits m_limits = SourceLimits;
     QHash<QString, PlaceRecord> m_places;
 };

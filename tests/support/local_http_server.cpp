@@ -1,6 +1,10 @@
 #include "support/local_http_server.h"
 
+#include <QPointer>
 #include <QTcpSocket>
+#include <QTimer>
+
+#include <memory>
 
 LocalHttpServer::LocalHttpServer()
 {
@@ -85,6 +89,11 @@ void LocalHttpServer::answer(QTcpSocket *socket, const QByteArray &head)
     }
     QByteArray out = "HTTP/1.1 " + QByteArray::number(response.status) + " Status\r\n";
     out += "Content-Type: " + response.contentType + "\r\n";
+    if (response.trickleMs > 0) {
+        socket->write(out + "Connection: close\r\n\r\n");
+        trickle(socket, response.body, response.trickleMs);
+        return;
+    }
     out += "Content-Length: " + QByteArray::number(response.body.size()) + "\r\n";
     for (const auto &[name, value] : response.headers)
         out += name + ": " + value + "\r\n";
@@ -92,4 +101,20 @@ void LocalHttpServer::answer(QTcpSocket *socket, const QByteArray &head)
     out += response.body;
     socket->write(out);
     socket->disconnectFromHost();
+}
+
+// One byte at a time, for a server that is alive but too slow to be waited for.
+void LocalHttpServer::trickle(QTcpSocket *socket, const QByteArray &body, int intervalMs)
+{
+    auto *timer = new QTimer(socket);
+    auto sent = std::make_shared<qsizetype>(0);
+    connect(timer, &QTimer::timeout, socket, [socket, timer, body, sent] {
+        if (*sent >= body.size()) {
+            timer->stop();
+            socket->disconnectFromHost();
+            return;
+        }
+        socket->write(body.mid((*sent)++, 1));
+    });
+    timer->start(intervalMs);
 }

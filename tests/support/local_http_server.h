@@ -23,6 +23,7 @@ public:
         QList<QPair<QByteArray, QByteArray>> headers; // extra headers
         bool hang = false;         // read the request, never answer
         bool dropConnection = false; // close without answering
+        int trickleMs = 0;           // > 0: no length, then the body one byte every trickleMs
     };
 
     struct Request
@@ -47,6 +48,7 @@ public:
 
 private:
     void answer(QTcpSocket *socket, const QByteArray &head);
+    void trickle(QTcpSocket *socket, const QByteArray &body, int intervalMs);
 
     QHash<QByteArray, Response> m_responses;
     QList<Request> m_requests;

@@ -64,6 +64,8 @@ private slots:
 
     void sources_data();
     void sources();
+    void slowSourcesAreGivenUp_data();
+    void slowSourcesAreGivenUp();
     void refreshLimitHoldsForForcedReads();
     void failureIsRememberedUntilTheNextTry();
     void unreachedSourcesAreRetriedAfterAMinute();
@@ -388,6 +390,34 @@ void TestLiveWeatherAdapter::sources()
         QVERIFY2(userAgent.match(QString::fromLatin1(asked.headers.value("user-agent"))).hasMatch(),
                  asked.headers.value("user-agent").constData());
     }
+}
+
+void TestLiveWeatherAdapter::slowSourcesAreGivenUp_data()
+{
+    QTest::addColumn<LocalHttpServer::Response>("source");
+    QTest::addColumn<QString>("why");
+
+    LocalHttpServer::Response hanging;
+    hanging.hang = true;
+    QTest::newRow("accepts and never answers") << hanging << "the server sent nothing for 1 second";
+    // Each byte comes well within the stall limit, so only the limit on the whole read ends it.
+    LocalHttpServer::Response trickling = response(200, recorded("openmeteo_london_day_cloudy.json"));
+    trickling.trickleMs = 100;
+    QTest::newRow("one byte at a time") << trickling << "no complete answer within 2 seconds";
+}
+
+void TestLiveWeatherAdapter::slowSourcesAreGivenUp()
+{
+    QFETCH(LocalHttpServer::Response, source);
+    QFETCH(QString, why);
+    m_adapter->setSourceLimitsForTesting({1024 * 1024, 2000, 1000});
+    m_server->setResponse(OpenMeteoPath, source);
+    m_server->setResponse(MetNoPath, source);
+
+    const InProcessReply *reply = answerNow();
+    QVERIFY(reply->isFinished());
+    QVERIFY(reply->hasFailed());
+    QCOMPARE(reply->errorDescription(), QStringLiteral("Open-Meteo: %1; met.no: %1.").arg(why));
 }
 
 void TestLiveWeatherAdapter::refreshLimitHoldsForForcedReads()
