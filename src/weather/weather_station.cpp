@@ -1,6 +1,5 @@
 #include "weather/weather_station.h"
 
-#include "core/app_paths.h"
 #include "core/clock_source.h"
 #include "core/settings_store.h"
 #include "core/shipped_data.h"
@@ -9,7 +8,10 @@
 #include "weather/location_catalogue.h"
 #include "weather/weather_settings.h"
 
+#include <QDir>
 #include <QLocale>
+#include <QTemporaryFile>
+#include <QTimer>
 
 namespace {
 constexpr int kNotAvailableCode = 3200;
@@ -36,10 +38,19 @@ QString WeatherStation::settingsWindow()
 }
 
 WeatherStation::WeatherStation(QObject *parent)
-    : QObject(parent), m_downloader(new WebDownloader(WebDownloader::WeatherReplyLimit, this))
+    : QObject(parent), m_downloader(new WebDownloader(WebDownloader::WeatherReplyLimit, this)),
+      m_timeLimit(new QTimer(this))
 {
+    m_timeLimit->setSingleShot(true);
+    m_timeLimit->setInterval(FetchTimeLimitMs);
+    connect(m_timeLimit, &QTimer::timeout, this, &WeatherStation::onTimeLimit);
     connect(m_downloader, &WebDownloader::DownloadComplete, this, &WeatherStation::onComplete);
     connect(m_downloader, &WebDownloader::DownloadFailed, this, &WeatherStation::onFailed);
+}
+
+void WeatherStation::setFetchTimeLimitForTesting(int ms)
+{
+    m_timeLimit->setInterval(ms);
 }
 
 WeatherStation *WeatherStation::shared()
@@ -78,6 +89,9 @@ void WeatherStation::GetWeatherData()
         LiveWeatherAdapter::installBuiltInHost();
     // "webpagedata.txt" in the program's folder is a reserved name; nothing reads or writes it.
     m_downloader->DownloadStart(BuildFeedUrl(locationCode()), WebDownloader::ForceFetch);
+    // The downloader waits as long as the server keeps the connection; the station does not.
+    m_fetching = true;
+    m_timeLimit->start();
     emit statusChanged();
 }
 
@@ -91,12 +105,19 @@ QString WeatherStation::pictureGlyph() const
 
 bool WeatherStation::isFetching() const
 {
-    return m_downloader->StatusBusy();
+    return m_fetching;
 }
 
 void WeatherStation::onComplete()
 {
-    m_txtData = NormaliseFeedReply(m_downloader->DataBytes(), AppPaths::dataPath(QStringLiteral("web.txt")));
+    m_fetching = false;
+    m_timeLimit->stop();
+    // The reply passes through a scratch file of its own in the temporary folder: the data
+    // folder is also where the user keeps notes, and a note called web.txt is theirs.
+    QTemporaryFile scratch(QDir::tempPath() + QStringLiteral("/vantora-weather-XXXXXX.txt"));
+    const QString scratchPath = scratch.open() ? scratch.fileName() : QString();
+    scratch.close();
+    m_txtData = NormaliseFeedReply(m_downloader->DataBytes(), scratchPath);
     if (parse().labels) {
         m_lastSuccess = ClockSource::now();
         m_lastProblem.clear();
@@ -110,9 +131,19 @@ void WeatherStation::onComplete()
 void WeatherStation::onFailed(int, const QString &description)
 {
     // The labels keep what they show; only the tooltip tells what happened.
+    m_fetching = false;
+    m_timeLimit->stop();
     m_lastFailure = ClockSource::now();
     m_lastProblem = description;
     emit statusChanged();
+}
+
+void WeatherStation::onTimeLimit()
+{
+    if (!m_fetching)
+        return;
+    m_downloader->DownloadCancel();
+    onFailed(0, tr("the weather source did not answer within %1 seconds.").arg(m_timeLimit->interval() / 1000));
 }
 
 void WeatherStation::DataCurrent()
@@ -140,7 +171,7 @@ QString WeatherStation::dataSource() const
 QString WeatherStation::statusText() const
 {
     QString text;
-    if (m_downloader->StatusBusy())
+    if (m_fetching)
         text = tr("Fetching the weather...");
     else if (!m_lastProblem.isEmpty())
         text = tr("The weather could not be updated at %1: %2").arg(ShortTime(m_lastFailure), m_lastProblem);

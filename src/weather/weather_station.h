@@ -6,6 +6,7 @@
 #include <QObject>
 #include <QString>
 
+class QTimer;
 class WebDownloader;
 
 // The program's one source of weather: it holds the location code, fetches the feed with its
@@ -58,6 +59,12 @@ public:
 
     WebDownloader *downloader() const { return m_downloader; }
 
+    // The longest a fetch may take before it is given up as failed. The built-in source asks
+    // two services in turn, each for at most 20 seconds.
+    static constexpr int FetchTimeLimitMs = 45 * 1000;
+    // Tests: the limit in force (FetchTimeLimitMs unless changed).
+    void setFetchTimeLimitForTesting(int ms);
+
 signals:
     // The readout changed (picture, labels or both).
     void readoutChanged();
@@ -67,10 +74,12 @@ signals:
 private:
     void onComplete();
     void onFailed(int errorNumber, const QString &description);
+    void onTimeLimit();
     // Runs the parser on the last reply; readoutChanged() when anything shown changed.
     WeatherFeedParser::Outcome parse();
 
     WebDownloader *m_downloader;
+    QTimer *m_timeLimit;
     WeatherFeedParser m_parser;
     QString m_txtData;
     QString m_code;
@@ -78,4 +87,5 @@ private:
     QDateTime m_lastFailure;
     QString m_lastProblem;
     bool m_hasLabels = false;
+    bool m_fetching = false;
 };

@@ -52,6 +52,8 @@ private slots:
     void showsTheReportInEitherUnit();
     void keepsItsLabelsWhenTheFetchFails_data();
     void keepsItsLabelsWhenTheFetchFails();
+    void aHangingSourceIsGivenUp();
+    void aNoteCalledWebTxtSurvivesAFetch();
     void refreshRedrawsAndSaysUpdated();
     void applyStoresThePlaceAndFetchesIt();
     void findNarrowsThePlaceList();
@@ -136,7 +138,7 @@ void TestWeatherWidget::showsTheReportInEitherUnit()
     QCOMPARE(r.glyph, ShippedData::weatherGlyph(26));
     QCOMPARE(station.dataSource(), QStringLiteral("Open-Meteo"));
     QVERIFY2(station.statusText().startsWith(QStringLiteral("Updated at")), qPrintable(station.statusText()));
-    // The scratch file of the reading exists only while the reply is read.
+    // The reading's scratch file is not left in the data folder, where the user keeps notes.
     QVERIFY(!QFile::exists(m_home->filePath(QStringLiteral("web.txt"))));
     QCOMPARE(m_server->requests().size(), 1);
     QCOMPARE(m_server->requests().constFirst().headers.value("cache-control"), QByteArray("no-cache"));
@@ -171,6 +173,50 @@ void TestWeatherWidget::keepsItsLabelsWhenTheFetchFails()
     QCOMPARE(LabelText(&widget, "lblNUMBERDESC"), QStringLiteral("Accessing Weather"));
     const QString tip = widget.panel()->toolTip();
     QVERIFY2(tip.contains(QStringLiteral("could not be updated")) && tip.contains(problem), qPrintable(tip));
+}
+
+void TestWeatherWidget::aHangingSourceIsGivenUp()
+{
+    useServer();
+    LocalHttpServer::Response hanging;
+    hanging.hang = true;
+    m_server->setResponse(kLondonPath, hanging);
+    WeatherStation station;
+    station.setFetchTimeLimitForTesting(300);
+    QSignalSpy status(&station, &WeatherStation::statusChanged);
+    station.GetWeatherData();
+    QVERIFY(station.isFetching());
+    QTRY_VERIFY_WITH_TIMEOUT(!station.isFetching(), 5000);
+    QVERIFY2(station.statusText().contains(QStringLiteral("did not answer within")), qPrintable(station.statusText()));
+    QVERIFY(!station.statusText().contains(QStringLiteral("Fetching")));
+
+    // The next fetch is not held up by the one given up.
+    m_server->setBody(kLondonPath, FeedDocument(QStringLiteral("London, United Kingdom"), 26,
+                                                QStringLiteral("Cloudy"), 57));
+    QSignalSpy changed(&station, &WeatherStation::readoutChanged);
+    station.GetWeatherData();
+    QVERIFY(changed.wait(5000));
+    QCOMPARE(station.readout().description, QStringLiteral("Cloudy"));
+}
+
+void TestWeatherWidget::aNoteCalledWebTxtSurvivesAFetch()
+{
+    const QString note = m_home->filePath(QStringLiteral("web.txt"));
+    QFile file(note);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    file.write("Sites to read: a list of my own");
+    file.close();
+
+    useServer();
+    m_server->setBody(kLondonPath, FeedDocument(QStringLiteral("London, United Kingdom"), 26,
+                                                QStringLiteral("Cloudy"), 57));
+    WeatherStation station;
+    QSignalSpy changed(&station, &WeatherStation::readoutChanged);
+    station.GetWeatherData();
+    QVERIFY(changed.wait(5000));
+    QVERIFY(QFile::exists(note));
+    QVERIFY(file.open(QIODevice::ReadOnly));
+    QCOMPARE(file.readAll(), QByteArray("Sites to read: a list of my own"));
 }
 
 void TestWeatherWidget::refreshRedrawsAndSaysUpdated()
