@@ -154,8 +154,11 @@ void ApplicationStart::showRequested(const LaunchRequest &request)
     }
     if (!request.documents.isEmpty()) {
         if (auto *editor = qobject_cast<NotesEditor *>(registry.open(WidgetNotes))) {
-            for (const QString &path : request.documents)
-                editor->openFile(path);
+            // Looked at once more just before: the file may have been swapped for a pipe since.
+            for (const QString &path : request.documents) {
+                if (LaunchRequest::documentProblem(path, path).isEmpty())
+                    editor->openFile(path);
+            }
         }
     }
     // Nothing the request named could open (a widget this build lacks): the dashboard shows.

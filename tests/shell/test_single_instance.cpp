@@ -1,5 +1,6 @@
 #include "core/settings_store.h"
 #include "core/widget_index.h"
+#include "scoped_environment.h"
 #include "shell/launch_request.h"
 #include "shell/single_instance.h"
 #include "support/file_size_limit.h"
@@ -15,6 +16,7 @@
 #include <QProcess>
 #include <QScopeGuard>
 #include <QSet>
+#include <QTemporaryDir>
 #include <QTest>
 
 #include <sys/resource.h>
@@ -40,6 +42,7 @@ private slots:
     void failedAcceptDoesNotEndListening();
     void requestsNamingNoDocumentAreRefused_data();
     void requestsNamingNoDocumentAreRefused();
+    void sessionFolderOfOthersIsPassedOver();
 
 private:
     QProcess *startProgram(const QStringList &arguments = {},
@@ -50,6 +53,8 @@ private:
 
     std::unique_ptr<TestHome> m_home;
     QList<QProcess *> m_processes;
+    // Outlives the programs started over it.
+    std::unique_ptr<QTemporaryDir> m_scratch;
 };
 
 void TestSingleInstance::init()
@@ -67,6 +72,7 @@ void TestSingleInstance::cleanup()
         delete process;
     }
     m_processes.clear();
+    m_scratch.reset();
     m_home.reset();
 }
 
@@ -293,6 +299,36 @@ void TestSingleInstance::requestsNamingNoDocumentAreRefused()
     QTest::qWait(200);
     QVERIFY(visibleWindowsOfRunningCopy(1000).contains(QStringLiteral("mdb_IDX")));
     QCOMPARE(copy->state(), QProcess::Running);
+}
+
+void TestSingleInstance::sessionFolderOfOthersIsPassedOver()
+{
+    // No home override: the lock goes where a session keeps it, unless others can reach that.
+    m_scratch = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_scratch->isValid());
+    const QString session = m_scratch->filePath(QStringLiteral("run"));
+    QVERIFY(QDir().mkdir(session));
+    QCOMPARE(::chmod(QFile::encodeName(session).constData(), 0755), 0);
+    // Only root can hand it to another user; others get a folder open to all instead.
+    if (::geteuid() == 0)
+        QCOMPARE(::chown(QFile::encodeName(session).constData(), 65534, 65534), 0);
+    ScopedEnvironment environment;
+    environment.set("VANTORA_HOME", QString());
+    environment.set("XDG_RUNTIME_DIR", session);
+    for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+        environment.set(name, m_scratch->filePath(QString::fromLatin1(name)));
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("8"));
+
+    QProcess *first = startProgram();
+    QVERIFY(waitUntilAnswering());
+    QVERIFY2(SingleInstance::serverName().startsWith(
+                 m_scratch->filePath(QStringLiteral("XDG_CACHE_HOME/vantora/"))),
+             qPrintable(SingleInstance::serverName()));
+    QVERIFY(QDir(session).isEmpty());
+    QProcess *later = startProgram({QStringLiteral("--open"), QStringLiteral("timer")});
+    QVERIFY(later->waitForFinished(10000));
+    QCOMPARE(later->exitCode(), 0);
+    QCOMPARE(first->state(), QProcess::Running);
 }
 
 QTEST_MAIN(TestSingleInstance)
