@@ -1,7 +1,6 @@
 #include "scoped_environment.h"
 #include "shell/launch_request.h"
 #include "shell/single_instance.h"
-#include "support/file_size_limit.h"
 #include "support/test_home.h"
 
 #include <QDir>
@@ -98,8 +97,6 @@ private slots:
     void busyCopyAnswersAtOnce();
     void lockFolderIsPrivate_data();
     void lockFolderIsPrivate();
-    void unwritableLockIsNoOtherCopy_data();
-    void unwritableLockIsNoOtherCopy();
 
 private:
     bool startServer();
@@ -265,44 +262,6 @@ void TestLaunchServer::lockFolderIsPrivate()
     QVERIFY(SingleInstance::serverName().startsWith(folder + QLatin1Char('/')));
     SingleInstance instance;
     QCOMPARE(instance.claim(), SingleInstance::Claim::Ours);
-}
-
-void TestLaunchServer::unwritableLockIsNoOtherCopy_data()
-{
-    QTest::addColumn<QString>("how");
-    QTest::addColumn<QString>("problemMentions");
-    QTest::newRow("full disk") << "full"
-                               << "cannot be written";
-    QTest::newRow("read-only folder") << "read-only"
-                                      << "permission denied";
-    QTest::newRow("a file where the folder goes") << "file"
-                                                  << "not a folder";
-}
-
-void TestLaunchServer::unwritableLockIsNoOtherCopy()
-{
-    QFETCH(QString, how);
-    QFETCH(QString, problemMentions);
-    const QString folder = m_home->filePath(QStringLiteral(".vantora-run"));
-    std::unique_ptr<FileSizeLimit> limit;
-    if (how == QLatin1String("full")) {
-        limit = std::make_unique<FileSizeLimit>(0);
-        QVERIFY(limit->isActive());
-    } else if (how == QLatin1String("read-only")) {
-        if (isRoot())
-            QSKIP("root writes into a read-only folder; the full disk row covers the same failure");
-        QVERIFY(QDir().mkdir(folder));
-        QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0500), 0);
-    } else {
-        QFile file(folder);
-        QVERIFY(file.open(QIODevice::WriteOnly));
-    }
-    SingleInstance instance;
-    QString problem;
-    QCOMPARE(instance.claim(&problem), SingleInstance::Claim::Unavailable);
-    QVERIFY2(problem.contains(problemMentions), qPrintable(problem));
-    QVERIFY(!instance.listen());
-    ::chmod(QFile::encodeName(folder).constData(), 0700);
 }
 
 QTEST_GUILESS_MAIN(TestLaunchServer)

@@ -207,6 +207,11 @@ void TestSingleInstance::unreachableOrUnusableLockStillStarts()
     } else if (how == QLatin1String("file")) {
         QFile file(folder);
         QVERIFY(file.open(QIODevice::WriteOnly));
+    } else if (how == QLatin1String("read-only")) {
+        if (::geteuid() == 0)
+            QSKIP("root writes into a read-only folder; the full disk row fails the same way");
+        QVERIFY(QDir().mkdir(folder));
+        QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0500), 0);
     } else if (how == QLatin1String("open")) {
         QVERIFY(QDir().mkdir(folder));
         QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0777), 0);
