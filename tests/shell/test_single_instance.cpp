@@ -193,6 +193,8 @@ void TestSingleInstance::unreachableOrUnusableLockStillStarts_data()
                                                      << "other users";
     QTest::newRow("full disk") << "full"
                                << "cannot be written";
+    QTest::newRow("read-only lock folder") << "read-only"
+                                           << "permission denied";
 }
 
 void TestSingleInstance::unreachableOrUnusableLockStillStarts()
