@@ -7,6 +7,9 @@
 
 #include <QApplication>
 #include <QDir>
+#include <QJsonDocument>
+#include <QJsonObject>
+#include <QLoggingCategory>
 
 #include <cstdio>
 
@@ -15,6 +18,9 @@
 #endif
 
 namespace {
+
+Q_LOGGING_CATEGORY(lcMain, "vantora.instance", QtInfoMsg)
+
 // Blocks of this size and more are mapped for themselves and given back to the system when
 // freed. glibc otherwise raises the limit to the largest block freed so far, and the dictionaries
 // and documents read whole (megabytes each) would then stay in the heap of a program that runs
@@ -38,16 +44,67 @@ void nameProgram()
     QCoreApplication::setApplicationVersion(CommandLine::version());
 }
 
+enum class HandOver
+{
+    Done,
+    Refused,
+    NobodyThere,
+};
+
 // A later launch: the request goes to the running copy, which shows what it names.
-int handOver(int argc, char *argv[], const LaunchRequest &request)
+HandOver handOver(int argc, char *argv[], const LaunchRequest &request)
 {
     QCoreApplication app(argc, argv);
     QString error;
-    if (!SingleInstance::send(request.toJson(), nullptr, kHandOverTimeoutMs, &error)) {
+    QByteArray reply;
+    switch (SingleInstance::deliver(request.toJson(), &reply, kHandOverTimeoutMs, &error)) {
+    case SingleInstance::Delivery::Answered:
+        break;
+    case SingleInstance::Delivery::Unanswered:
+        // It has the request and may still carry it out: a second copy would be one too many.
         std::fprintf(stderr, "vantora: %s\n", qPrintable(error));
-        return CommandLine::Failure;
+        return HandOver::Refused;
+    case SingleInstance::Delivery::Unreachable:
+        // Holding the lock but not listening: rather two copies than none the user can reach.
+        std::fprintf(stderr, "vantora: %s; starting this copy on its own\n", qPrintable(error));
+        return HandOver::NobodyThere;
     }
-    return 0;
+    const QString refusal = QJsonDocument::fromJson(reply).object().value(QStringLiteral("error")).toString();
+    if (!refusal.isEmpty()) {
+        std::fprintf(stderr, "vantora: %s\n", qPrintable(refusal));
+        return HandOver::Refused;
+    }
+    return HandOver::Done;
+}
+
+// Claims the single copy, or hands the request over. False: this launch is done (*exitCode).
+bool becomeTheRunningCopy(SingleInstance &instance, int argc, char *argv[], const LaunchRequest &request,
+                          int *exitCode)
+{
+    QString problem;
+    switch (instance.claim(&problem)) {
+    case SingleInstance::Claim::Ours:
+        return true;
+    case SingleInstance::Claim::Unavailable:
+        std::fprintf(stderr, "vantora: %s; starting without handing later launches over to this copy\n",
+                     qPrintable(problem));
+        qCInfo(lcMain, "no single-copy lock: %s", qPrintable(problem));
+        return true;
+    case SingleInstance::Claim::HeldElsewhere:
+        break;
+    }
+    switch (handOver(argc, argv, request)) {
+    case HandOver::Done:
+        *exitCode = 0;
+        return false;
+    case HandOver::Refused:
+        *exitCode = CommandLine::Failure;
+        return false;
+    case HandOver::NobodyThere:
+        break;
+    }
+    qCInfo(lcMain, "the running copy could not be reached; this one runs on its own");
+    return true;
 }
 } // namespace
 
@@ -61,8 +118,9 @@ int main(int argc, char *argv[])
         return command.report();
     nameProgram();
     SingleInstance instance;
-    if (!instance.claim())
-        return handOver(argc, argv, command.request());
+    int exitCode = 0;
+    if (!becomeTheRunningCopy(instance, argc, argv, command.request(), &exitCode))
+        return exitCode;
 
     StartupTrace::mark("single copy claimed");
     // The dashboard's menu bar stays in its window, painted with the theme like the rest of it,
@@ -75,7 +133,7 @@ int main(int argc, char *argv[])
     QGuiApplication::setDesktopFileName(QStringLiteral("io.vantora.Vantora"));
     QApplication::setWindowIcon(ProgramIcon::forWindows());
     QString listenProblem;
-    if (!instance.listen(&listenProblem))
+    if (instance.holdsLock() && !instance.listen(&listenProblem))
         std::fprintf(stderr, "vantora: later launches cannot reach this one: %s\n",
                      qPrintable(listenProblem));
 

@@ -115,9 +115,17 @@ QByteArray ApplicationStart::answerLaunch(const QByteArray &request)
         answer.insert(QStringLiteral("error"), QStringLiteral("not a request this version understands"));
         return QJsonDocument(answer).toJson(QJsonDocument::Compact);
     }
+    // Checked again here: the file may have changed since the launch looked, and anything of
+    // this user can write to the socket. A pipe or a device would block this thread for good.
+    const QString problem = launch.documentsProblem();
+    if (!problem.isEmpty()) {
+        answer.insert(QStringLiteral("error"), problem);
+        return QJsonDocument(answer).toJson(QJsonDocument::Compact);
+    }
     answer.insert(QStringLiteral("visible"), QJsonArray::fromStringList(visibleWindowNames()));
     // While the start is still running (the first-run wizard waits for the user), requests wait
-    // for it to finish.
+    // for it to finish. Otherwise they run once the answer is out: opening a large document
+    // takes a while.
     if (m_started)
         QTimer::singleShot(0, this, [this, launch] { showRequested(launch); });
     else
@@ -146,8 +154,11 @@ void ApplicationStart::showRequested(const LaunchRequest &request)
     }
     if (!request.documents.isEmpty()) {
         if (auto *editor = qobject_cast<NotesEditor *>(registry.open(WidgetNotes))) {
-            for (const QString &path : request.documents)
-                editor->openFile(path);
+            // Looked at once more just before: the file may have been swapped for a pipe since.
+            for (const QString &path : request.documents) {
+                if (LaunchRequest::documentProblem(path, path).isEmpty())
+                    editor->openFile(path);
+            }
         }
     }
     // Nothing the request named could open (a widget this build lacks): the dashboard shows.

@@ -129,12 +129,9 @@ void CommandLine::addDocument(const QString &argument, const QString &workingFol
     // A launcher may pass file:// addresses for %U.
     QString path = argument.startsWith(QLatin1String("file://")) ? QUrl(argument).toLocalFile() : argument;
     const QFileInfo info(QDir(workingFolder), path);
-    if (!info.exists()) {
-        fail(QStringLiteral("no such file: %1").arg(argument), Failure);
-        return;
-    }
-    if (!info.isFile()) {
-        fail(QStringLiteral("not a document: %1").arg(argument), Failure);
+    const QString problem = LaunchRequest::documentProblem(info.absoluteFilePath(), argument);
+    if (!problem.isEmpty()) {
+        fail(problem, Failure);
         return;
     }
     const QString absolute = QDir::cleanPath(info.absoluteFilePath());

@@ -1,7 +1,10 @@
 #include "shell/launch_request.h"
 
 #include "core/widget_index.h"
+#include "notes/document_file.h"
 
+#include <QDir>
+#include <QFileInfo>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -65,6 +68,35 @@ bool LaunchRequest::fromJson(const QByteArray &json, LaunchRequest *request)
     read.hidden = object.value(QStringLiteral("hidden")).toBool(false);
     *request = read;
     return true;
+}
+
+QString LaunchRequest::documentProblem(const QString &path, const QString &shown)
+{
+    // The running copy has another working folder than the launch that sent the path.
+    if (!QDir::isAbsolutePath(path))
+        return QStringLiteral("not an absolute path: %1").arg(shown);
+    const QFileInfo info(path);
+    if (!info.exists())
+        return QStringLiteral("no such file: %1").arg(shown);
+    if (!info.isFile())
+        return QStringLiteral("not a document: %1").arg(shown);
+    if (!info.isReadable())
+        return QStringLiteral("cannot be read: %1").arg(shown);
+    if (info.size() > DocumentFile::kLargestFile)
+        return QStringLiteral("larger than the %1 MB a note can be: %2")
+            .arg(DocumentFile::kLargestFile / (1024 * 1024))
+            .arg(shown);
+    return {};
+}
+
+QString LaunchRequest::documentsProblem() const
+{
+    for (const QString &path : documents) {
+        const QString problem = documentProblem(path, QDir::toNativeSeparators(path));
+        if (!problem.isEmpty())
+            return problem;
+    }
+    return {};
 }
 
 QStringList LaunchRequest::targetNames()

@@ -22,6 +22,15 @@ struct LaunchRequest
     // False (and *request untouched) for anything that is not a request this program wrote.
     static bool fromJson(const QByteArray &json, LaunchRequest *request);
 
+    // Why `path` cannot be opened as a document, or an empty text when it can: an absolute path
+    // to an existing regular file this user may read, no larger than a note can be. Pipes and
+    // devices are refused, as opening one could wait for ever or never end. `shown` is how the
+    // message names it (as the user typed it). The command line and the running copy, for a
+    // request from a later launch, both check with it.
+    static QString documentProblem(const QString &path, const QString &shown);
+    // The first problem of any of `documents`; empty when all can be opened.
+    QString documentsProblem() const;
+
     // Every name --open accepts, in the order the help lists them.
     static QStringList targetNames();
     // The widget index of a widget name (WidgetClock, ...); WidgetNone for "webcam",

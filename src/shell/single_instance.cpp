@@ -5,22 +5,34 @@
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
+#include <QEvent>
+#include <QFile>
 #include <QLocalServer>
 #include <QLocalSocket>
 #include <QLockFile>
+#include <QLoggingCategory>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
 #include <QtEndian>
 
+#ifndef Q_OS_WIN
+#include <cerrno>
+#include <cstring>
+#include <sys/stat.h>
+#include <unistd.h>
+#endif
+
 namespace {
 
+Q_LOGGING_CATEGORY(lcInstance, "vantora.instance", QtInfoMsg)
+
 // A request or an answer: a 4-byte big-endian length, then the bytes.
-constexpr qsizetype kMaxMessageBytes = 1 << 20;
 constexpr int kHeaderBytes = 4;
-// A connection that has not sent its whole request by then is dropped.
-constexpr int kConnectionTimeoutMs = 5000;
 constexpr int kConnectRetryMs = 50;
+// Qt closes its server without a signal when accepting fails; this catches any case the event
+// filter misses.
+constexpr int kServerWatchMs = 2000;
 // sockaddr_un holds 108 bytes with the terminating zero.
 constexpr int kMaxSocketPathBytes = 100;
 
@@ -39,7 +51,7 @@ bool takeMessage(const QByteArray &buffer, QByteArray *message, bool *invalid)
     if (buffer.size() < kHeaderBytes)
         return false;
     const quint32 length = qFromBigEndian<quint32>(buffer.constData());
-    if (length > quint32(kMaxMessageBytes)) {
+    if (length > quint32(SingleInstance::kMaxMessageBytes)) {
         *invalid = true;
         return false;
     }
@@ -53,29 +65,45 @@ QString baseName()
 {
     const QByteArray hash = QCryptographicHash::hash(QDir::cleanPath(AppPaths::settingsFile()).toUtf8(),
                                                      QCryptographicHash::Sha1);
-    // Hidden: VANTORA_HOME is also the data folder the notes editor browses.
     return QStringLiteral(".vantora-") + QString::fromLatin1(hash.toHex().left(12));
 }
 
-QString runtimeFolder()
+bool socketNameFits(const QString &folder)
 {
-    const QString home = QString::fromLocal8Bit(qgetenv("VANTORA_HOME"));
-    if (!home.isEmpty() &&
-        QDir::cleanPath(home + QLatin1Char('/') + baseName()).toUtf8().size() + 7 <= kMaxSocketPathBytes)
-        return QDir::cleanPath(home);
-#ifdef Q_OS_WIN
-    return QDir::tempPath();
-#else
-    // Asked once: Qt warns on every call when the session set no XDG_RUNTIME_DIR.
-    static const QString runtime = QStandardPaths::writableLocation(QStandardPaths::RuntimeLocation);
-    return runtime;
-#endif
+    return (folder + QLatin1Char('/') + baseName()).toUtf8().size() + 7 <= kMaxSocketPathBytes;
 }
 
-void setFailure(QString *error, const QString &text)
+bool setFailure(QString *error, const QString &text)
 {
     if (error)
         *error = text;
+    return false;
+}
+
+enum class Answer
+{
+    Complete,
+    ClosedUnread,
+    Missing,
+};
+
+Answer readAnswer(QLocalSocket &socket, const QDeadlineTimer &deadline, QByteArray *message)
+{
+    QByteArray buffer;
+    for (;;) {
+        buffer += socket.read(kHeaderBytes + SingleInstance::kMaxMessageBytes + 1 - buffer.size());
+        bool invalid = false;
+        if (takeMessage(buffer, message, &invalid))
+            return Answer::Complete;
+        if (invalid || buffer.size() > kHeaderBytes + SingleInstance::kMaxMessageBytes)
+            return Answer::Missing;
+        // Closed without a word: the running copy had too many connections open at once.
+        if (socket.state() != QLocalSocket::ConnectedState && socket.bytesAvailable() == 0)
+            return buffer.isEmpty() ? Answer::ClosedUnread : Answer::Missing;
+        if (deadline.hasExpired())
+            return Answer::Missing;
+        socket.waitForReadyRead(int(deadline.remainingTime()));
+    }
 }
 
 } // namespace
@@ -84,13 +112,79 @@ SingleInstance::SingleInstance(QObject *parent) : QObject(parent) {}
 
 SingleInstance::~SingleInstance()
 {
-    if (m_server)
+    if (m_server) {
+        m_server->removeEventFilter(this);
         m_server->close();
+    }
+}
+
+bool SingleInstance::isPrivateFolder(const QString &path, bool mayFix, QString *problem)
+{
+#ifdef Q_OS_WIN
+    Q_UNUSED(path);
+    Q_UNUSED(mayFix);
+    Q_UNUSED(problem);
+    return true;
+#else
+    const QByteArray native = QFile::encodeName(path);
+    const QString shown = QDir::toNativeSeparators(path);
+    if (mayFix && ::mkdir(native.constData(), 0700) != 0 && errno != EEXIST)
+        return setFailure(problem, QStringLiteral("cannot make the folder %1: %2")
+                                       .arg(shown, QString::fromLocal8Bit(std::strerror(errno))));
+    struct stat info = {};
+    if (::lstat(native.constData(), &info) != 0)
+        return setFailure(problem, QStringLiteral("cannot use the folder %1: %2")
+                                       .arg(shown, QString::fromLocal8Bit(std::strerror(errno))));
+    if (!S_ISDIR(info.st_mode))
+        return setFailure(problem, QStringLiteral("%1 is not a folder").arg(shown));
+    if (info.st_uid != ::geteuid())
+        return setFailure(problem, QStringLiteral("%1 belongs to another user").arg(shown));
+    if ((info.st_mode & 077) == 0)
+        return true;
+    // Others may have put files in a folder they could write to: that one is not repaired.
+    if (!mayFix || (info.st_mode & 022) != 0)
+        return setFailure(problem, QStringLiteral("%1 is open to other users").arg(shown));
+    if (::chmod(native.constData(), 0700) != 0)
+        return setFailure(problem, QStringLiteral("cannot close the folder %1 to other users: %2")
+                                       .arg(shown, QString::fromLocal8Bit(std::strerror(errno))));
+    return true;
+#endif
+}
+
+QString SingleInstance::runtimeFolder(QString *problem)
+{
+#ifdef Q_OS_WIN
+    Q_UNUSED(problem);
+    return QDir::tempPath();
+#else
+    // Hidden: VANTORA_HOME is also the data folder the notes editor browses.
+    const QString home = QString::fromLocal8Bit(qgetenv("VANTORA_HOME"));
+    const QString homeFolder = QDir::cleanPath(home + QStringLiteral("/.vantora-run"));
+    if (!home.isEmpty() && socketNameFits(homeFolder)) {
+        QDir().mkpath(home);
+        return isPrivateFolder(homeFolder, true, problem) ? homeFolder : QString();
+    }
+    // The session's own folder, unless someone else could have made it (a session without one
+    // gets a name under /tmp from Qt that any user can take first).
+    const QString runtime = QDir::cleanPath(QString::fromLocal8Bit(qgetenv("XDG_RUNTIME_DIR")));
+    if (!runtime.isEmpty() && QDir::isAbsolutePath(runtime) && socketNameFits(runtime) &&
+        isPrivateFolder(runtime, false))
+        return runtime;
+    const QString cache = QStandardPaths::writableLocation(QStandardPaths::GenericCacheLocation);
+    if (cache.isEmpty()) {
+        setFailure(problem, QStringLiteral("no cache folder to keep the lock in"));
+        return {};
+    }
+    QDir().mkpath(cache);
+    const QString folder = QDir::cleanPath(cache + QStringLiteral("/vantora"));
+    return isPrivateFolder(folder, true, problem) ? folder : QString();
+#endif
 }
 
 QString SingleInstance::lockFilePath()
 {
-    return runtimeFolder() + QLatin1Char('/') + baseName() + QStringLiteral(".lock");
+    const QString folder = runtimeFolder();
+    return folder.isEmpty() ? QString() : folder + QLatin1Char('/') + baseName() + QStringLiteral(".lock");
 }
 
 QString SingleInstance::serverName()
@@ -99,40 +193,108 @@ QString SingleInstance::serverName()
     // Pipe names are machine-wide: the user's name keeps two users' copies apart.
     return baseName() + QLatin1Char('-') + QString::fromLocal8Bit(qgetenv("USERNAME"));
 #else
-    return runtimeFolder() + QLatin1Char('/') + baseName() + QStringLiteral(".socket");
+    const QString folder = runtimeFolder();
+    return folder.isEmpty() ? QString() : folder + QLatin1Char('/') + baseName() + QStringLiteral(".socket");
 #endif
 }
 
-bool SingleInstance::claim()
+SingleInstance::Claim SingleInstance::claim(QString *problem)
 {
     if (m_lock)
-        return true;
-    QDir().mkpath(runtimeFolder());
-    auto lock = std::make_unique<QLockFile>(lockFilePath());
+        return Claim::Ours;
+    QString why;
+    const QString folder = runtimeFolder(&why);
+    if (folder.isEmpty()) {
+        setFailure(problem, why);
+        return Claim::Unavailable;
+    }
+    const QString path = folder + QLatin1Char('/') + baseName() + QStringLiteral(".lock");
+    auto lock = std::make_unique<QLockFile>(path);
     // Held for the whole run: only a holder that is gone makes it stale, never its age.
     lock->setStaleLockTime(0);
-    if (!lock->tryLock(0))
-        return false;
-    m_lock = std::move(lock);
-    return true;
+    if (lock->tryLock(0)) {
+        m_lock = std::move(lock);
+        return Claim::Ours;
+    }
+    switch (lock->error()) {
+    case QLockFile::LockFailedError:
+        return Claim::HeldElsewhere;
+    case QLockFile::PermissionError:
+        setFailure(problem, QStringLiteral("the lock file %1 cannot be made: permission denied")
+                                .arg(QDir::toNativeSeparators(path)));
+        break;
+    default:
+        setFailure(problem, QStringLiteral("the lock file %1 cannot be written (the disk may be full)")
+                                .arg(QDir::toNativeSeparators(path)));
+        break;
+    }
+    return Claim::Unavailable;
 }
 
 bool SingleInstance::listen(QString *error)
 {
-    if (m_server)
+    if (m_watch)
         return true;
+    // Without the lock the socket name may be another copy's: never take it over.
+    if (!m_lock)
+        return setFailure(error, QStringLiteral("this copy does not hold the lock"));
+    if (!openServer(error))
+        return false;
+    m_watch = new QTimer(this);
+    m_watch->setInterval(kServerWatchMs);
+    connect(m_watch, &QTimer::timeout, this, &SingleInstance::checkServer);
+    m_watch->start();
+    return true;
+}
+
+bool SingleInstance::isListening() const
+{
+    return m_server && m_server->isListening();
+}
+
+bool SingleInstance::openServer(QString *error)
+{
+    const QString name = serverName();
+    if (name.isEmpty())
+        return setFailure(error, QStringLiteral("no private folder for the socket"));
     // We hold the lock, so a socket already there was left by a copy that crashed.
-    QLocalServer::removeServer(serverName());
+    QLocalServer::removeServer(name);
     auto *server = new QLocalServer(this);
     server->setSocketOptions(QLocalServer::UserAccessOption);
-    if (!server->listen(serverName())) {
+    server->setMaxPendingConnections(kMaxOpenConnections);
+    if (!server->listen(name)) {
         setFailure(error, server->errorString());
         delete server;
         return false;
     }
     m_server = server;
     connect(m_server, &QLocalServer::newConnection, this, &SingleInstance::acceptConnections);
+    // A failed accept makes Qt close the server and drop its socket notifier, without a signal.
+    m_server->installEventFilter(this);
     return true;
+}
+
+bool SingleInstance::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched == m_server && event->type() == QEvent::ChildRemoved)
+        QMetaObject::invokeMethod(this, &SingleInstance::checkServer, Qt::QueuedConnection);
+    return QObject::eventFilter(watched, event);
+}
+
+void SingleInstance::checkServer()
+{
+    if (isListening())
+        return;
+    if (m_server) {
+        qCWarning(lcInstance, "later launches could no longer connect (%s); listening again",
+                  qPrintable(m_server->errorString()));
+        m_server->removeEventFilter(this);
+        m_server->deleteLater();
+        m_server = nullptr;
+    }
+    QString error;
+    if (!openServer(&error))
+        qCWarning(lcInstance, "cannot listen for later launches: %s", qPrintable(error));
 }
 
 void SingleInstance::setHandler(Handler handler)
@@ -143,16 +305,31 @@ void SingleInstance::setHandler(Handler handler)
 
 void SingleInstance::acceptConnections()
 {
-    while (QLocalSocket *socket = m_server->nextPendingConnection()) {
+    while (m_server) {
+        QLocalSocket *socket = m_server->nextPendingConnection();
+        if (!socket)
+            break;
+        // Kept when the server is made anew.
+        socket->setParent(this);
+        if (m_pending.size() >= kMaxOpenConnections) {
+            // The sender tries again; a launch that waits gets its turn once others are done.
+            socket->abort();
+            socket->deleteLater();
+            continue;
+        }
         m_pending.insert(socket, {});
+        socket->setReadBufferSize(kHeaderBytes + kMaxMessageBytes + 1);
         connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readRequest(socket); });
         connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
             m_pending.remove(socket);
             socket->deleteLater();
         });
         QTimer::singleShot(kConnectionTimeoutMs, socket, [this, socket] {
-            if (m_pending.contains(socket))
-                socket->abort();
+            QByteArray request;
+            bool invalid = false;
+            // A whole request waiting for the start to finish is kept; a slow one is not.
+            if (m_pending.contains(socket) && !takeMessage(m_pending.value(socket), &request, &invalid))
+                drop(socket);
         });
         readRequest(socket);
     }
@@ -163,8 +340,20 @@ void SingleInstance::readRequest(QLocalSocket *socket)
     const auto it = m_pending.find(socket);
     if (it == m_pending.end())
         return;
-    it->append(socket->readAll());
+    it->append(socket->read(kHeaderBytes + kMaxMessageBytes + 1 - it->size()));
+    if (it->size() > kHeaderBytes + kMaxMessageBytes) {
+        drop(socket);
+        return;
+    }
     answerWaiting();
+}
+
+void SingleInstance::drop(QLocalSocket *socket)
+{
+    m_pending.remove(socket);
+    socket->disconnect(this);
+    socket->abort();
+    socket->deleteLater();
 }
 
 void SingleInstance::answerWaiting()
@@ -180,8 +369,7 @@ void SingleInstance::answerWaiting()
             m_pending.remove(socket);
             answer(socket, request);
         } else if (invalid) {
-            m_pending.remove(socket);
-            socket->abort();
+            drop(socket);
         }
     }
 }
@@ -190,39 +378,46 @@ void SingleInstance::answer(QLocalSocket *socket, const QByteArray &request)
 {
     const QByteArray reply = m_handler(request);
     socket->write(frame(reply));
+    // Out now: what the request asks for runs next and may keep this thread busy for longer than
+    // the launch waits for its answer.
+    socket->flush();
     socket->disconnectFromServer();
 }
 
-bool SingleInstance::send(const QByteArray &request, QByteArray *reply, int timeoutMs, QString *error)
+SingleInstance::Delivery SingleInstance::deliver(const QByteArray &request, QByteArray *reply, int timeoutMs,
+                                                 QString *error)
 {
     const QDeadlineTimer deadline(timeoutMs);
-    QLocalSocket socket;
+    QString why = QStringLiteral("no lock folder");
     for (;;) {
-        socket.connectToServer(serverName());
-        if (socket.waitForConnected(int(deadline.remainingTime())))
-            break;
-        if (deadline.hasExpired()) {
-            setFailure(error,
-                       QStringLiteral("the running copy did not answer (%1)").arg(socket.errorString()));
-            return false;
+        const QString name = serverName();
+        if (!name.isEmpty()) {
+            QLocalSocket socket;
+            socket.connectToServer(name);
+            if (socket.waitForConnected(int(deadline.remainingTime()))) {
+                socket.write(frame(request));
+                QByteArray message;
+                switch (readAnswer(socket, deadline, &message)) {
+                case Answer::Complete:
+                    if (reply)
+                        *reply = message;
+                    return Delivery::Answered;
+                case Answer::Missing:
+                    setFailure(error, QStringLiteral("the running copy did not answer"));
+                    return Delivery::Unanswered;
+                case Answer::ClosedUnread:
+                    why = QStringLiteral("it is busy with other connections");
+                    break;
+                }
+            } else {
+                why = socket.errorString();
+            }
         }
-        // Not listening yet: the running copy is still starting.
-        socket.abort();
+        if (deadline.hasExpired()) {
+            setFailure(error, QStringLiteral("the running copy cannot be reached (%1)").arg(why));
+            return Delivery::Unreachable;
+        }
+        // Not listening yet (the running copy is still starting), or turned away.
         QThread::msleep(kConnectRetryMs);
     }
-    socket.write(frame(request));
-    QByteArray buffer;
-    QByteArray message;
-    bool invalid = false;
-    while (!takeMessage(buffer, &message, &invalid)) {
-        if (invalid || deadline.hasExpired() ||
-            (!socket.waitForReadyRead(int(deadline.remainingTime())) && socket.bytesAvailable() == 0)) {
-            setFailure(error, QStringLiteral("the running copy did not answer"));
-            return false;
-        }
-        buffer += socket.readAll();
-    }
-    if (reply)
-        *reply = message;
-    return true;
 }

@@ -10,6 +10,9 @@
 #include <QTest>
 #include <QUrl>
 
+#include <sys/stat.h>
+#include <unistd.h>
+
 using Action = CommandLine::Action;
 
 class TestCommandLine : public QObject
@@ -23,6 +26,8 @@ private slots:
     void requestTravelsIntact();
     void foreignRequestsAreRefused_data();
     void foreignRequestsAreRefused();
+    void documentProblem_data();
+    void documentProblem();
 
 private:
     QTemporaryDir m_folder;
@@ -37,6 +42,7 @@ void TestCommandLine::initTestCase()
         QVERIFY(file.open(QIODevice::WriteOnly));
     }
     QVERIFY(QDir(m_folder.path()).mkdir(QStringLiteral("folder")));
+    QCOMPARE(::mkfifo(QFile::encodeName(m_folder.filePath(QStringLiteral("pipe"))).constData(), 0600), 0);
 }
 
 void TestCommandLine::parse_data()
@@ -85,6 +91,10 @@ void TestCommandLine::parse_data()
         << QStringList{"list.txt", "gone.txt"} << Action::Fail << 1 << none << false << none << "gone.txt";
     QTest::newRow("a folder is no document")
         << QStringList{"folder"} << Action::Fail << 1 << none << false << none << "folder";
+    QTest::newRow("a pipe is no document")
+        << QStringList{"pipe"} << Action::Fail << 1 << none << false << none << "not a document: pipe";
+    QTest::newRow("a device is no document")
+        << QStringList{"/dev/zero"} << Action::Fail << 1 << none << false << none << "not a document";
 }
 
 void TestCommandLine::parse()
@@ -161,6 +171,56 @@ void TestCommandLine::foreignRequestsAreRefused()
     const LaunchRequest before = request;
     QVERIFY(!LaunchRequest::fromJson(json, &request));
     QCOMPARE(request, before);
+}
+
+void TestCommandLine::documentProblem_data()
+{
+    QTest::addColumn<QString>("path"); // relative to the folder unless it starts with '/'
+    QTest::addColumn<qint64>("size");  // made that large (a sparse file) first when positive
+    QTest::addColumn<int>("mode");     // given these permissions first when positive
+    QTest::addColumn<QString>("problemMentions");
+
+    QTest::newRow("a text file") << "list.txt" << qint64(0) << 0 << "";
+    QTest::newRow("a relative path") << "RELATIVE:list.txt" << qint64(0) << 0 << "not an absolute path";
+    QTest::newRow("missing") << "gone.txt" << qint64(0) << 0 << "no such file";
+    QTest::newRow("a pipe") << "pipe" << qint64(0) << 0 << "not a document";
+    QTest::newRow("a device") << "/dev/zero" << qint64(0) << 0 << "not a document";
+    QTest::newRow("unreadable") << "secret.txt" << qint64(0) << 0200 << "cannot be read";
+    QTest::newRow("larger than a note can be")
+        << "huge.txt" << qint64(257) * 1024 * 1024 << 0 << "larger than the 256 MB";
+}
+
+void TestCommandLine::documentProblem()
+{
+    QFETCH(QString, path);
+    QFETCH(qint64, size);
+    QFETCH(int, mode);
+    QFETCH(QString, problemMentions);
+    if (mode > 0 && ::geteuid() == 0)
+        QSKIP("root reads any file");
+    if (path.startsWith(QLatin1String("RELATIVE:")))
+        path = path.mid(9);
+    else if (!path.startsWith(QLatin1Char('/')))
+        path = m_folder.filePath(path);
+    if (size > 0 || mode > 0) {
+        QFile file(path);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+        QVERIFY(file.resize(size));
+        file.close();
+        if (mode > 0)
+            QCOMPARE(::chmod(QFile::encodeName(path).constData(), mode_t(mode)), 0);
+    }
+    const QString problem = LaunchRequest::documentProblem(path, path);
+    if (problemMentions.isEmpty())
+        QVERIFY2(problem.isEmpty(), qPrintable(problem));
+    else
+        QVERIFY2(problem.contains(problemMentions), qPrintable(problem));
+    // A request carrying the path is judged the same way.
+    LaunchRequest request;
+    request.documents = {path};
+    QCOMPARE(request.documentsProblem().isEmpty(), problemMentions.isEmpty());
+    if (size > 0)
+        QFile::remove(path);
 }
 
 QTEST_GUILESS_MAIN(TestCommandLine)

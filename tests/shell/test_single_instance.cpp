@@ -1,16 +1,27 @@
 #include "core/settings_store.h"
 #include "core/widget_index.h"
+#include "scoped_environment.h"
 #include "shell/launch_request.h"
 #include "shell/single_instance.h"
+#include "support/file_size_limit.h"
 #include "support/test_home.h"
 
+#include <QDir>
 #include <QElapsedTimer>
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QLocalSocket>
 #include <QProcess>
+#include <QScopeGuard>
+#include <QSet>
+#include <QTemporaryDir>
 #include <QTest>
+
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <memory>
 
@@ -26,16 +37,24 @@ private slots:
     void laterLaunchHandsOverAndExits();
     void crashedCopyNeverBlocksAStart();
     void launchesAtOnceLeaveOneCopy();
-    void heldLockWithoutAnswerFailsWithoutASecondCopy();
+    void unreachableOrUnusableLockStillStarts_data();
+    void unreachableOrUnusableLockStillStarts();
+    void failedAcceptDoesNotEndListening();
+    void requestsNamingNoDocumentAreRefused_data();
+    void requestsNamingNoDocumentAreRefused();
+    void sessionFolderOfOthersIsPassedOver();
 
 private:
-    QProcess *startProgram(const QStringList &arguments = {});
+    QProcess *startProgram(const QStringList &arguments = {},
+                           QProcess::ProcessChannelMode mode = QProcess::ForwardedOutputChannel);
     // The windows the running copy shows, asked over its socket; empty when nobody answers.
     static QStringList visibleWindowsOfRunningCopy(int timeoutMs = 100);
     static bool waitUntilAnswering();
 
     std::unique_ptr<TestHome> m_home;
     QList<QProcess *> m_processes;
+    // Outlives the programs started over it.
+    std::unique_ptr<QTemporaryDir> m_scratch;
 };
 
 void TestSingleInstance::init()
@@ -53,14 +72,15 @@ void TestSingleInstance::cleanup()
         delete process;
     }
     m_processes.clear();
+    m_scratch.reset();
     m_home.reset();
 }
 
-QProcess *TestSingleInstance::startProgram(const QStringList &arguments)
+QProcess *TestSingleInstance::startProgram(const QStringList &arguments, QProcess::ProcessChannelMode mode)
 {
     auto *process = new QProcess;
     m_processes.append(process);
-    process->setProcessChannelMode(QProcess::ForwardedOutputChannel);
+    process->setProcessChannelMode(mode);
     process->start(QStringLiteral(VANTORA_PROGRAM), arguments);
     if (!process->waitForStarted(10000))
         qWarning("could not start %s", VANTORA_PROGRAM);
@@ -160,15 +180,162 @@ void TestSingleInstance::launchesAtOnceLeaveOneCopy()
     }
 }
 
-void TestSingleInstance::heldLockWithoutAnswerFailsWithoutASecondCopy()
+void TestSingleInstance::unreachableOrUnusableLockStillStarts_data()
 {
-    // A running copy that holds the lock but does not answer (hung, or not listening yet).
+    QTest::addColumn<QString>("how");
+    QTest::addColumn<QString>("warningMentions");
+    // The copy holding it hangs, or Qt closed its socket: a later launch must not be locked out.
+    QTest::newRow("lock held, nobody listening") << "held"
+                                                 << "cannot be reached";
+    QTest::newRow("a file where the lock folder goes") << "file"
+                                                       << "not a folder";
+    QTest::newRow("lock folder others can write to") << "open"
+                                                     << "other users";
+    QTest::newRow("full disk") << "full"
+                               << "cannot be written";
+    QTest::newRow("read-only lock folder") << "read-only"
+                                           << "permission denied";
+}
+
+void TestSingleInstance::unreachableOrUnusableLockStillStarts()
+{
+    QFETCH(QString, how);
+    QFETCH(QString, warningMentions);
+    const QString folder = m_home->filePath(QStringLiteral(".vantora-run"));
     SingleInstance holder;
-    QVERIFY(holder.claim());
-    QProcess *launch = startProgram({QStringLiteral("--open"), QStringLiteral("clock")});
-    launch->setProcessChannelMode(QProcess::SeparateChannels);
-    QVERIFY(launch->waitForFinished(15000));
-    QCOMPARE(launch->exitCode(), 1);
+    std::unique_ptr<FileSizeLimit> fullDisk;
+    if (how == QLatin1String("held")) {
+        QCOMPARE(holder.claim(), SingleInstance::Claim::Ours);
+    } else if (how == QLatin1String("file")) {
+        QFile file(folder);
+        QVERIFY(file.open(QIODevice::WriteOnly));
+    } else if (how == QLatin1String("read-only")) {
+        if (::geteuid() == 0)
+            QSKIP("root writes into a read-only folder; the full disk row fails the same way");
+        QVERIFY(QDir().mkdir(folder));
+        QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0500), 0);
+    } else if (how == QLatin1String("open")) {
+        QVERIFY(QDir().mkdir(folder));
+        QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0777), 0);
+    } else {
+        // Passed on to the program, which cannot make its lock file any longer than nothing.
+        fullDisk = std::make_unique<FileSizeLimit>(0);
+        QVERIFY(fullDisk->isActive());
+    }
+    QProcess *launch =
+        startProgram({QStringLiteral("--open"), QStringLiteral("clock")}, QProcess::SeparateChannels);
+    fullDisk.reset();
+    QByteArray warnings;
+    QTRY_VERIFY_WITH_TIMEOUT((warnings += launch->readAllStandardError()).contains(warningMentions.toUtf8()),
+                             10000);
+    QVERIFY2(warnings.contains("on its own") || warnings.contains("starting without"), warnings.constData());
+    QTest::qWait(1000);
+    QCOMPARE(launch->state(), QProcess::Running);
+}
+
+void TestSingleInstance::failedAcceptDoesNotEndListening()
+{
+    QProcess *copy = startProgram({}, QProcess::SeparateChannels);
+    QVERIFY(waitUntilAnswering());
+    // Room for two more descriptors: the next connections cannot be accepted. A new one takes
+    // the lowest number free, and only numbers below the limit are given.
+    const QString fdFolder = QStringLiteral("/proc/%1/fd").arg(copy->processId());
+    QSet<int> used;
+    for (const QString &name :
+         QDir(fdFolder).entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot))
+        used.insert(name.toInt());
+    int limit = 0;
+    for (int free = 0; free < 2; ++limit)
+        free += used.contains(limit) ? 0 : 1;
+    rlimit previous = {};
+    QCOMPARE(prlimit(copy->processId(), RLIMIT_NOFILE, nullptr, &previous), 0);
+    rlimit lowered = previous;
+    lowered.rlim_cur = rlim_t(limit);
+    QCOMPARE(prlimit(copy->processId(), RLIMIT_NOFILE, &lowered, nullptr), 0);
+
+    QList<QLocalSocket *> flood;
+    auto cleanUp = qScopeGuard([&flood] { qDeleteAll(flood); });
+    for (int i = 0; i < 2 * SingleInstance::kMaxOpenConnections; ++i) {
+        flood.append(new QLocalSocket);
+        flood.last()->connectToServer(SingleInstance::serverName());
+    }
+    QByteArray warnings;
+    QTRY_VERIFY_WITH_TIMEOUT((warnings += copy->readAllStandardError()).contains("listening again"), 5000);
+    QCOMPARE(prlimit(copy->processId(), RLIMIT_NOFILE, &previous, nullptr), 0);
+    qDeleteAll(std::exchange(flood, {}));
+
+    QTRY_VERIFY_WITH_TIMEOUT(visibleWindowsOfRunningCopy().contains(QStringLiteral("mdb_IDX")), 8000);
+    QCOMPARE(copy->state(), QProcess::Running);
+}
+
+void TestSingleInstance::requestsNamingNoDocumentAreRefused_data()
+{
+    QTest::addColumn<QString>("document");
+    QTest::addColumn<QString>("errorMentions");
+    // Opening a pipe waits for a writer; a device is read until memory runs out.
+    QTest::newRow("a pipe") << "FIFO"
+                            << "not a document";
+    QTest::newRow("an endless device") << "/dev/zero"
+                                       << "not a document";
+    QTest::newRow("a folder") << "FOLDER"
+                              << "not a document";
+    // The running copy works in another folder than the launch that sent it.
+    QTest::newRow("a relative path") << "letter.txt"
+                                     << "not an absolute path";
+    QTest::newRow("a missing file") << "FOLDER/gone.txt"
+                                    << "no such file";
+}
+
+void TestSingleInstance::requestsNamingNoDocumentAreRefused()
+{
+    QFETCH(QString, document);
+    QFETCH(QString, errorMentions);
+    const QString fifo = m_home->filePath(QStringLiteral("pipe"));
+    QCOMPARE(::mkfifo(QFile::encodeName(fifo).constData(), 0600), 0);
+    document.replace(QStringLiteral("FIFO"), fifo);
+    document.replace(QStringLiteral("FOLDER"), m_home->path());
+
+    QProcess *copy = startProgram();
+    QVERIFY(waitUntilAnswering());
+    QByteArray reply;
+    QVERIFY(SingleInstance::send(QJsonDocument(QJsonObject{{"documents", QJsonArray{document}}}).toJson(),
+                                 &reply, 3000));
+    const QString error = QJsonDocument::fromJson(reply).object().value(QStringLiteral("error")).toString();
+    QVERIFY2(error.contains(errorMentions), reply.constData());
+    // Still free to answer: nothing was opened.
+    QTest::qWait(200);
+    QVERIFY(visibleWindowsOfRunningCopy(1000).contains(QStringLiteral("mdb_IDX")));
+    QCOMPARE(copy->state(), QProcess::Running);
+}
+
+void TestSingleInstance::sessionFolderOfOthersIsPassedOver()
+{
+    // No home override: the lock goes where a session keeps it, unless others can reach that.
+    m_scratch = std::make_unique<QTemporaryDir>();
+    QVERIFY(m_scratch->isValid());
+    const QString session = m_scratch->filePath(QStringLiteral("run"));
+    QVERIFY(QDir().mkdir(session));
+    QCOMPARE(::chmod(QFile::encodeName(session).constData(), 0755), 0);
+    // Only root can hand it to another user; others get a folder open to all instead.
+    if (::geteuid() == 0)
+        QCOMPARE(::chown(QFile::encodeName(session).constData(), 65534, 65534), 0);
+    ScopedEnvironment environment;
+    environment.set("VANTORA_HOME", QString());
+    environment.set("XDG_RUNTIME_DIR", session);
+    for (const char *name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME"})
+        environment.set(name, m_scratch->filePath(QString::fromLatin1(name)));
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("8"));
+
+    QProcess *first = startProgram();
+    QVERIFY(waitUntilAnswering());
+    QVERIFY2(SingleInstance::serverName().startsWith(
+                 m_scratch->filePath(QStringLiteral("XDG_CACHE_HOME/vantora/"))),
+             qPrintable(SingleInstance::serverName()));
+    QVERIFY(QDir(session).isEmpty());
+    QProcess *later = startProgram({QStringLiteral("--open"), QStringLiteral("timer")});
+    QVERIFY(later->waitForFinished(10000));
+    QCOMPARE(later->exitCode(), 0);
+    QCOMPARE(first->state(), QProcess::Running);
 }
 
 QTEST_MAIN(TestSingleInstance)
