@@ -1,4 +1,5 @@
 #include "notes/print_engine.h"
+#include "notes/print_paper.h"
 #include "notes/print_page_view.h"
 #include "notes/print_preview_window.h"
 #include "notes/rtf_reader.h"
@@ -153,12 +154,14 @@ QString toolOrEmpty(const char *name)
     return QStandardPaths::findExecutable(QString::fromLatin1(name));
 }
 
-// The words of the first page of a PDF with their boxes in points, as pdftotext reads them.
-QHash<QString, QRectF> wordsOf(const QString &pdf)
+// The words of page `page` (1 for the first) of a PDF with their boxes in points, as pdftotext
+// reads them.
+QHash<QString, QRectF> wordsOf(const QString &pdf, int page = 1)
 {
     QProcess process;
-    process.start(toolOrEmpty("pdftotext"), {QStringLiteral("-bbox"), QStringLiteral("-f"), QStringLiteral("1"),
-                                             QStringLiteral("-l"), QStringLiteral("1"), pdf, QStringLiteral("-")});
+    const QString number = QString::number(page);
+    process.start(toolOrEmpty("pdftotext"),
+                  {QStringLiteral("-bbox"), QStringLiteral("-f"), number, QStringLiteral("-l"), number, pdf, QStringLiteral("-")});
     process.waitForFinished(30000);
     static const QRegularExpression word(QStringLiteral(
         "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\" xMax=\"([\\d.]+)\" yMax=\"([\\d.]+)\">([^<]*)</word>"));
@@ -242,6 +245,8 @@ private slots:
     void printedWhereThePageShowsIt();
     void previewShowsWhatPrints_data();
     void previewShowsWhatPrints();
+    void pagesFillDownToTheBottomMargin_data();
+    void pagesFillDownToTheBottomMargin();
 
 private:
     // The PDF written by `route`, made once.
@@ -427,6 +432,66 @@ void TestPrintPositions::previewShowsWhatPrints()
     QVERIFY(onPaper >= 0);
     QVERIFY2(std::abs(inPreview - onPaper) <= kTolerancePx,
              qPrintable(QStringLiteral("preview x %1 px, paper x %2 px").arg(inPreview).arg(onPaper)));
+}
+
+void TestPrintPositions::pagesFillDownToTheBottomMargin_data()
+{
+    QTest::addColumn<int>("paperCode");
+    QTest::addColumn<double>("marginCm");
+    QTest::addColumn<qreal>("points");
+    QTest::newRow("A4, 2 cm, 12 pt") << 9 << 2.0 << 12.0;
+    QTest::newRow("A5, 1 cm, 10 pt") << 11 << 1.0 << 10.0;
+    QTest::newRow("Letter, 3 cm, 20 pt") << 1 << 3.0 << 20.0;
+}
+
+void TestPrintPositions::pagesFillDownToTheBottomMargin()
+{
+    QFETCH(int, paperCode);
+    QFETCH(double, marginCm);
+    QFETCH(qreal, points);
+    QTextDocument document;
+    QTextCursor cursor(&document);
+    QTextCharFormat format;
+    format.setFontPointSize(points);
+    for (int i = 1; i <= 200; ++i) {
+        if (i > 1)
+            cursor.insertBlock();
+        cursor.insertText(QStringLiteral("Row%1").arg(i, 4, 10, QLatin1Char('0')), format);
+    }
+    PrintSettings settings;
+    settings.paperCode = paperCode;
+    for (double &margin : settings.marginCm)
+        margin = marginCm;
+    PrintLayout layout;
+    layout.layOut(document, settings, {QStringLiteral("rows.rtf"), QDateTime(), QMarginsF()});
+    QVERIFY(layout.pageCount() > 2);
+    const QString pdf = m_home->filePath(QStringLiteral("rows-%1.pdf").arg(QTest::currentDataTag()).replace(' ', '-'));
+    QFile file(pdf);
+    QVERIFY(file.open(QIODevice::WriteOnly));
+    QVERIFY(layout.writePdf(file, QStringLiteral("rows")));
+    file.close();
+
+    // The lines of the first page: the last ends above the bottom margin (and its foot), and
+    // one more would not have fitted.
+    const QHash<QString, QRectF> words = wordsOf(pdf);
+    QList<QRectF> rows;
+    for (auto it = words.begin(); it != words.end(); ++it) {
+        if (it.key().startsWith(QLatin1String("Row")))
+            rows.append(it.value());
+    }
+    std::sort(rows.begin(), rows.end(), [](const QRectF &a, const QRectF &b) { return a.top() < b.top(); });
+    QVERIFY(rows.size() > 5);
+    const qreal pitch = (rows.last().top() - rows.first().top()) / (rows.size() - 1);
+    const qreal textBottom = layout.textRect().bottom() / PrintLayout::kDotsPerInch * 72.0;
+    const qreal paperHeight = PageSizeOfPaper(paperCode, {}).size(QPageSize::Point).height();
+    QVERIFY(textBottom < paperHeight - marginCm / 2.54 * 72.0);
+    const qreal lastBottom = rows.first().bottom() + pitch * (rows.size() - 1);
+    QVERIFY2(lastBottom <= textBottom + kTolerancePt && lastBottom + pitch > textBottom - kTolerancePt,
+             qPrintable(QStringLiteral("%1 rows of %2 pt end at %3 pt, the text at %4 pt")
+                            .arg(rows.size()).arg(pitch).arg(lastBottom).arg(textBottom)));
+    // And the next page goes on with the next line.
+    const QString next = QStringLiteral("Row%1").arg(rows.size() + 1, 4, 10, QLatin1Char('0'));
+    QVERIFY(wordsOf(pdf, 2).contains(next));
 }
 
 QTEST_MAIN(TestPrintPositions)
