@@ -78,9 +78,7 @@ QSizeF naturalPictureSize(const QTextDocument &document, const QTextImageFormat 
 
 } // namespace
 
-PrintLayout::PrintLayout() : m_layoutDevice(1, 1, QImage::Format_RGB32)
-{
-}
+PrintLayout::PrintLayout() : m_layoutDevice(1, 1, QImage::Format_RGB32) {}
 
 PrintLayout::~PrintLayout() = default;
 

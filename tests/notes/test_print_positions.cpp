@@ -1,6 +1,6 @@
 #include "notes/print_engine.h"
-#include "notes/print_paper.h"
 #include "notes/print_page_view.h"
+#include "notes/print_paper.h"
 #include "notes/print_preview_window.h"
 #include "notes/rtf_reader.h"
 #include "support/test_home.h"
@@ -84,7 +84,8 @@ void addPicture(QTextDocument &document, QTextCursor &cursor, const QString &nam
 void addRtfParagraph(QTextCursor &cursor)
 {
     QTextDocument read;
-    const QByteArray rtf = "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}\\pard\\li1440\\fs24 Hrtf read from a file\\par}";
+    const QByteArray rtf =
+        "{\\rtf1\\ansi\\deff0{\\fonttbl{\\f0 Arial;}}\\pard\\li1440\\fs24 Hrtf read from a file\\par}";
     QVERIFY(RtfReader::read(rtf, &read).ok);
     QCOMPARE(read.begin().blockFormat().leftMargin(), 96.0);
     const QTextBlock paragraph = read.begin();
@@ -101,7 +102,8 @@ void buildSample(QTextDocument &document)
     addParagraph(cursor, QStringLiteral("Hzero starts at the margin"), indented(0));
     addParagraph(cursor, QStringLiteral("Hhalf is indented half an inch"), indented(48));
     addParagraph(cursor, QStringLiteral("Honehalf is indented an inch and a half"), indented(144));
-    addParagraph(cursor, QStringLiteral("Hstart has a first line indent under a left indent"), indented(48, 48));
+    addParagraph(cursor, QStringLiteral("Hstart has a first line indent under a left indent"),
+                 indented(48, 48));
     QTextBlockFormat right = indented(0, 0, 72);
     right.setAlignment(Qt::AlignRight);
     addParagraph(cursor, QStringLiteral("Flush right three quarters in Hrightend"), right);
@@ -113,11 +115,13 @@ void buildSample(QTextDocument &document)
     below.setTopMargin(48);
     addParagraph(cursor, QStringLiteral("Hbelow has room before it"), below);
     addPicture(document, cursor, QStringLiteral("probe.png"), kPictureColour, QStringLiteral("Hpicture"), 0);
-    addPicture(document, cursor, QStringLiteral("shifted.png"), kShiftedPictureColour, QStringLiteral("Hshifted"), 96);
+    addPicture(document, cursor, QStringLiteral("shifted.png"), kShiftedPictureColour,
+               QStringLiteral("Hshifted"), 96);
 
     cursor.insertBlock(QTextBlockFormat(), bodyText());
     QTextTableFormat table;
-    table.setColumnWidthConstraints({QTextLength(QTextLength::FixedLength, 144), QTextLength(QTextLength::FixedLength, 192)});
+    table.setColumnWidthConstraints(
+        {QTextLength(QTextLength::FixedLength, 144), QTextLength(QTextLength::FixedLength, 192)});
     table.setCellPadding(8);
     table.setCellSpacing(4);
     table.setBorder(3);
@@ -160,8 +164,8 @@ QHash<QString, QRectF> wordsOf(const QString &pdf, int page = 1)
 {
     QProcess process;
     const QString number = QString::number(page);
-    process.start(toolOrEmpty("pdftotext"),
-                  {QStringLiteral("-bbox"), QStringLiteral("-f"), number, QStringLiteral("-l"), number, pdf, QStringLiteral("-")});
+    process.start(toolOrEmpty("pdftotext"), {QStringLiteral("-bbox"), QStringLiteral("-f"), number,
+                                             QStringLiteral("-l"), number, pdf, QStringLiteral("-")});
     process.waitForFinished(30000);
     static const QRegularExpression word(QStringLiteral(
         "<word xMin=\"([\\d.]+)\" yMin=\"([\\d.]+)\" xMax=\"([\\d.]+)\" yMax=\"([\\d.]+)\">([^<]*)</word>"));
@@ -170,8 +174,9 @@ QHash<QString, QRectF> wordsOf(const QString &pdf, int page = 1)
     for (auto it = word.globalMatch(xhtml); it.hasNext();) {
         const QRegularExpressionMatch match = it.next();
         if (!words.contains(match.captured(5)))
-            words.insert(match.captured(5), QRectF(QPointF(match.captured(1).toDouble(), match.captured(2).toDouble()),
-                                                   QPointF(match.captured(3).toDouble(), match.captured(4).toDouble())));
+            words.insert(match.captured(5),
+                         QRectF(QPointF(match.captured(1).toDouble(), match.captured(2).toDouble()),
+                                QPointF(match.captured(3).toDouble(), match.captured(4).toDouble())));
     }
     return words;
 }
@@ -180,9 +185,10 @@ QHash<QString, QRectF> wordsOf(const QString &pdf, int page = 1)
 QImage rasterOf(const QString &pdf, int dpi)
 {
     const QString stem = pdf + QStringLiteral(".raster");
-    QProcess::execute(toolOrEmpty("pdftoppm"), {QStringLiteral("-png"), QStringLiteral("-r"), QString::number(dpi),
-                                                QStringLiteral("-singlefile"), QStringLiteral("-f"), QStringLiteral("1"),
-                                                QStringLiteral("-l"), QStringLiteral("1"), pdf, stem});
+    QProcess::execute(toolOrEmpty("pdftoppm"),
+                      {QStringLiteral("-png"), QStringLiteral("-r"), QString::number(dpi),
+                       QStringLiteral("-singlefile"), QStringLiteral("-f"), QStringLiteral("1"),
+                       QStringLiteral("-l"), QStringLiteral("1"), pdf, stem});
     return QImage(stem + QStringLiteral(".png")).convertToFormat(QImage::Format_RGB32);
 }
 
@@ -207,7 +213,8 @@ QRect areaOf(const QImage &image, const QColor &colour)
             return false;
         const QColor pixel = image.pixelColor(x, y);
         return std::abs(pixel.red() - colour.red()) + std::abs(pixel.green() - colour.green()) +
-                   std::abs(pixel.blue() - colour.blue()) < 12;
+                   std::abs(pixel.blue() - colour.blue()) <
+               12;
     };
     constexpr int kStep = 4; // pictures are far larger
     for (int y = 0; y < image.height(); y += kStep) {
@@ -295,7 +302,8 @@ QString TestPrintPositions::printedBy(const QString &route)
 {
     if (m_pdfs.contains(route))
         return m_pdfs.value(route);
-    const QString path = m_home->filePath(QString(route).replace(QLatin1Char(' '), QLatin1Char('-')) + ".pdf");
+    const QString path =
+        m_home->filePath(QString(route).replace(QLatin1Char(' '), QLatin1Char('-')) + ".pdf");
     bool written = false;
     if (route == QLatin1String("saved as PDF")) {
         written = m_engine->savePdf(path, nullptr);
@@ -329,17 +337,28 @@ void TestPrintPositions::printedWhereThePageShowsIt_data()
         const auto row = [route](const char *name) -> QTestData & {
             return QTest::addRow("%s: %s", route, name) << QString::fromLatin1(route);
         };
-        row("no indent") << "Hzero" << "left" << 0.0;
-        row("half an inch") << "Hhalf" << "left" << 36.0;
-        row("an inch and a half") << "Honehalf" << "left" << 108.0;
-        row("first line indent") << "Hstart" << "left" << 72.0;
-        row("right indent") << "Hrightend" << "right" << -54.0;
-        row("an inch read from RTF") << "Hrtf" << "left" << 72.0;
-        row("spacing before and after") << "Hbelow" << "below Habove" << asOnScreen;
-        row("after a picture") << "Hpicture" << "left" << 144.0;
-        row("after a picture, indented") << "Hshifted" << "left" << 216.0;
-        row("first table cell") << "Hcellone" << "left" << asOnScreen;
-        row("second table cell") << "Hcelltwo" << "left" << asOnScreen;
+        row("no indent") << "Hzero"
+                         << "left" << 0.0;
+        row("half an inch") << "Hhalf"
+                            << "left" << 36.0;
+        row("an inch and a half") << "Honehalf"
+                                  << "left" << 108.0;
+        row("first line indent") << "Hstart"
+                                 << "left" << 72.0;
+        row("right indent") << "Hrightend"
+                            << "right" << -54.0;
+        row("an inch read from RTF") << "Hrtf"
+                                     << "left" << 72.0;
+        row("spacing before and after") << "Hbelow"
+                                        << "below Habove" << asOnScreen;
+        row("after a picture") << "Hpicture"
+                               << "left" << 144.0;
+        row("after a picture, indented") << "Hshifted"
+                                         << "left" << 216.0;
+        row("first table cell") << "Hcellone"
+                                << "left" << asOnScreen;
+        row("second table cell") << "Hcelltwo"
+                                 << "left" << asOnScreen;
     }
 }
 
@@ -371,8 +390,10 @@ void TestPrintPositions::printedWhereThePageShowsIt()
         actual = printed.top() - words.value(above).top();
         expectedPt = (screen.top() - onScreen(m_document, above).top()) * kPointsPerPixel;
     }
-    QVERIFY2(std::abs(actual - expectedPt) <= kTolerancePt,
-             qPrintable(QStringLiteral("%1 printed %2 pt, the page shows %3 pt").arg(word).arg(actual).arg(expectedPt)));
+    QVERIFY2(
+        std::abs(actual - expectedPt) <= kTolerancePt,
+        qPrintable(
+            QStringLiteral("%1 printed %2 pt, the page shows %3 pt").arg(word).arg(actual).arg(expectedPt)));
 }
 
 void TestPrintPositions::previewShowsWhatPrints_data()
@@ -413,8 +434,14 @@ void TestPrintPositions::previewShowsWhatPrints()
                      std::abs(inPreview.width() - onPaper.width()) <= kTolerancePx &&
                      std::abs(inPreview.height() - onPaper.height()) <= kTolerancePx,
                  qPrintable(QStringLiteral("preview %1,%2 %3x%4, paper %5,%6 %7x%8")
-                                .arg(inPreview.x()).arg(inPreview.y()).arg(inPreview.width()).arg(inPreview.height())
-                                .arg(onPaper.x()).arg(onPaper.y()).arg(onPaper.width()).arg(onPaper.height())));
+                                .arg(inPreview.x())
+                                .arg(inPreview.y())
+                                .arg(inPreview.width())
+                                .arg(inPreview.height())
+                                .arg(onPaper.x())
+                                .arg(onPaper.y())
+                                .arg(onPaper.width())
+                                .arg(onPaper.height())));
         // Printed at its size on the page: 2 in by 1 in.
         QVERIFY(std::abs(onPaper.width() - 2 * dpi) <= kTolerancePx);
         QVERIFY(std::abs(onPaper.height() - dpi) <= kTolerancePx);
@@ -465,7 +492,8 @@ void TestPrintPositions::pagesFillDownToTheBottomMargin()
     PrintLayout layout;
     layout.layOut(document, settings, {QStringLiteral("rows.rtf"), QDateTime(), QMarginsF()});
     QVERIFY(layout.pageCount() > 2);
-    const QString pdf = m_home->filePath(QStringLiteral("rows-%1.pdf").arg(QTest::currentDataTag()).replace(' ', '-'));
+    const QString pdf =
+        m_home->filePath(QStringLiteral("rows-%1.pdf").arg(QTest::currentDataTag()).replace(' ', '-'));
     QFile file(pdf);
     QVERIFY(file.open(QIODevice::WriteOnly));
     QVERIFY(layout.writePdf(file, QStringLiteral("rows")));
@@ -488,7 +516,10 @@ void TestPrintPositions::pagesFillDownToTheBottomMargin()
     const qreal lastBottom = rows.first().bottom() + pitch * (rows.size() - 1);
     QVERIFY2(lastBottom <= textBottom + kTolerancePt && lastBottom + pitch > textBottom - kTolerancePt,
              qPrintable(QStringLiteral("%1 rows of %2 pt end at %3 pt, the text at %4 pt")
-                            .arg(rows.size()).arg(pitch).arg(lastBottom).arg(textBottom)));
+                            .arg(rows.size())
+                            .arg(pitch)
+                            .arg(lastBottom)
+                            .arg(textBottom)));
     // And the next page goes on with the next line.
     const QString next = QStringLiteral("Row%1").arg(rows.size() + 1, 4, 10, QLatin1Char('0'));
     QVERIFY(wordsOf(pdf, 2).contains(next));
