@@ -236,6 +236,11 @@ QRect areaOf(const QImage &image, const QColor &colour)
     return QRect();
 }
 
+QString describe(const QRect &area)
+{
+    return QStringLiteral("%1,%2 %3x%4").arg(area.x()).arg(area.y()).arg(area.width()).arg(area.height());
+}
+
 } // namespace
 
 // What the page view shows is what prints: indents, spacing, tables and pictures at the size
@@ -430,18 +435,11 @@ void TestPrintPositions::previewShowsWhatPrints()
         const QRect inPreview = areaOf(preview, picture);
         const QRect onPaper = areaOf(printed, picture);
         QVERIFY(!onPaper.isEmpty());
-        QVERIFY2((inPreview.topLeft() - onPaper.topLeft()).manhattanLength() <= kTolerancePx &&
-                     std::abs(inPreview.width() - onPaper.width()) <= kTolerancePx &&
-                     std::abs(inPreview.height() - onPaper.height()) <= kTolerancePx,
-                 qPrintable(QStringLiteral("preview %1,%2 %3x%4, paper %5,%6 %7x%8")
-                                .arg(inPreview.x())
-                                .arg(inPreview.y())
-                                .arg(inPreview.width())
-                                .arg(inPreview.height())
-                                .arg(onPaper.x())
-                                .arg(onPaper.y())
-                                .arg(onPaper.width())
-                                .arg(onPaper.height())));
+        QVERIFY2(
+            (inPreview.topLeft() - onPaper.topLeft()).manhattanLength() <= kTolerancePx &&
+                std::abs(inPreview.width() - onPaper.width()) <= kTolerancePx &&
+                std::abs(inPreview.height() - onPaper.height()) <= kTolerancePx,
+            qPrintable(QStringLiteral("preview %1, paper %2").arg(describe(inPreview), describe(onPaper))));
         // Printed at its size on the page: 2 in by 1 in.
         QVERIFY(std::abs(onPaper.width() - 2 * dpi) <= kTolerancePx);
         QVERIFY(std::abs(onPaper.height() - dpi) <= kTolerancePx);
