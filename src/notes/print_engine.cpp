@@ -296,9 +296,7 @@ bool PrintEngine::PagesPrint(QWidget *owner)
     if (!hasContent(owner))
         return false;
     QPrinter printer(QPrinterInfo::printerInfo(m_printerName), QPrinter::HighResolution);
-    printer.setFullPage(true);
-    printer.setPageLayout(m_layout.pageLayout());
-    printer.setDocName(m_fileName);
+    preparePrinter(printer);
     QPrintDialog dialog(&printer, owner);
     dialog.setMinMax(1, m_layout.pageCount());
     dialog.setOption(QAbstractPrintDialog::PrintPageRange);
@@ -312,6 +310,19 @@ bool PrintEngine::PagesPrint(QWidget *owner)
     } else if (printer.printRange() == QPrinter::CurrentPage) {
         first = last = m_page;
     }
+    return printPages(printer, first, last, owner);
+}
+
+void PrintEngine::preparePrinter(QPrinter &printer) const
+{
+    // The pages are drawn edge to edge: the layout keeps the margins itself.
+    printer.setFullPage(true);
+    printer.setPageLayout(m_layout.pageLayout());
+    printer.setDocName(m_fileName);
+}
+
+bool PrintEngine::printPages(QPrinter &printer, int first, int last, QWidget *owner)
+{
     QProgressDialog progress(tr("Printing..."), tr("Cancel"), 0, last - first + 1, owner);
     progress.setWindowTitle(tr("Vantora Print"));
     progress.setMinimumDuration(kProgressDelayMs);

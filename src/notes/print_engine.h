@@ -9,6 +9,7 @@
 
 #include <optional>
 
+class QPrinter;
 class QTextDocument;
 class QWidget;
 
@@ -93,6 +94,11 @@ public:
     // Prints every page through the platform's print dialog. Without a printer, or with an
     // empty document, the user is told so and nothing is printed.
     bool PagesPrint(QWidget *owner);
+    // Gives `printer` the paper of the pages, drawn edge to edge.
+    void preparePrinter(QPrinter &printer) const;
+    // Sends pages `first` to `last` (0-based) to a printer set up by preparePrinter(), with a
+    // progress window that can stop it (the printer's job is then abandoned).
+    bool printPages(QPrinter &printer, int first, int last, QWidget *owner);
     // Writes the pages as a PDF file (no printer needed). The user is told about an empty
     // document or a failed write; the old file stays whole.
     bool savePdf(const QString &path, QWidget *owner);

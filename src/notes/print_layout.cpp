@@ -8,6 +8,7 @@
 #include <QPagedPaintDevice>
 #include <QPainter>
 #include <QPdfWriter>
+#include <QScreen>
 #include <QTextBlock>
 #include <QTextDocument>
 #include <QTextImageFormat>
@@ -18,15 +19,12 @@ namespace {
 
 // The text area is never smaller than this, whatever the margins say.
 constexpr qreal kSmallestTextMm = 10.0;
-// A printer that cannot be asked (the preview without one, a PDF) is taken to have the edge
-// most office printers have: a quarter of an inch.
-constexpr qreal kDotsPerMeter = PrintLayout::kDotsPerInch / 0.0254;
 // Pictures are fitted a little inside the text height: the line under a picture also needs
 // room for the descent of its text.
 constexpr qreal kPictureHeightShare = 0.95;
-// Half a layout dot: lines touching a page's band from outside are left out of it.
+// Half a document pixel: lines touching a page's band from outside are left out of it.
 constexpr qreal kClipInset = 0.5;
-// Text sizes are set in points but drawn in layout units.
+// The head and foot are set in points but drawn in page units.
 constexpr qreal kDotsPerPoint = PrintLayout::kDotsPerInch / 72.0;
 
 QFont headFont(qreal points, bool bold)
@@ -61,7 +59,7 @@ QImage pictureOf(const QTextDocument &document, const QTextImageFormat &format)
     return QImage::fromData(data.toByteArray());
 }
 
-// The size a picture is shown at before fitting, in the 96-dpi pixels its format counts in.
+// The size a picture is shown at before fitting, in the pixels its format counts in.
 QSizeF naturalPictureSize(const QTextDocument &document, const QTextImageFormat &format)
 {
     const bool hasWidth = format.hasProperty(QTextFormat::ImageWidth);
@@ -80,13 +78,19 @@ QSizeF naturalPictureSize(const QTextDocument &document, const QTextImageFormat 
 
 } // namespace
 
-PrintLayout::PrintLayout() : m_layoutDevice(1, 1, QImage::Format_RGB32)
-{
-    m_layoutDevice.setDotsPerMeterX(qRound(kDotsPerMeter));
-    m_layoutDevice.setDotsPerMeterY(qRound(kDotsPerMeter));
-}
+PrintLayout::PrintLayout() : m_layoutDevice(1, 1, QImage::Format_RGB32) {}
 
 PrintLayout::~PrintLayout() = default;
+
+int PrintLayout::screenDpi()
+{
+    // What the text layout itself takes when it has no paint device: the primary screen's
+    // logical resolution, unless the program was told to assume 96 dpi.
+    if (QCoreApplication::testAttribute(Qt::AA_Use96Dpi))
+        return 96;
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen ? qRound(screen->logicalDotsPerInchY()) : 96;
+}
 
 void PrintLayout::layOut(const QTextDocument &document, const PrintSettings &settings, const Context &context)
 {
@@ -94,15 +98,24 @@ void PrintLayout::layOut(const QTextDocument &document, const PrintSettings &set
     m_context = context;
     placeAreas(settings, context.printerEdgeMm);
 
+    // The document's lengths (indents, spacing, table widths and padding, picture sizes) are
+    // pixels of the screen, where the editor shows them; laid out there, they keep their size
+    // beside the text. Laid out for the printer they would shrink by its resolution over the
+    // screen's (an inch and a half of indent printed as a tenth of an inch at 1200 dpi).
+    const qreal dotsPerMeter = std::round(screenDpi() / 0.0254);
+    m_layoutDevice.setDotsPerMeterX(int(dotsPerMeter));
+    m_layoutDevice.setDotsPerMeterY(int(dotsPerMeter));
+    m_documentDpi = m_layoutDevice.logicalDpiY();
+
     m_document.reset(document.clone());
     m_document->setUndoRedoEnabled(false);
     m_document->setDocumentMargin(0);
     m_document->documentLayout()->setPaintDevice(&m_layoutDevice);
-    m_document->setTextWidth(m_text.width());
+    m_document->setTextWidth(m_text.width() / documentScale());
     fitPictures();
 
     const QList<LaidOutLine> lines = CollectLaidOutLines(*m_document);
-    m_pages = BreakIntoPages(lines, m_text.height(), m_document->characterCount() - 1);
+    m_pages = BreakIntoPages(lines, m_text.height() / documentScale(), m_document->characterCount() - 1);
 }
 
 void PrintLayout::clear()
@@ -155,9 +168,8 @@ void PrintLayout::placeAreas(const PrintSettings &settings, const QMarginsF &pri
 
 void PrintLayout::fitPictures()
 {
-    // The picture handler counts sizes in 96-dpi pixels and scales them to the layout device.
-    const qreal unitsPerPixel = kDotsPerInch / 96.0;
-    const QSizeF room(m_text.width() / unitsPerPixel, m_text.height() * kPictureHeightShare / unitsPerPixel);
+    // Picture sizes are screen pixels, the document's own units here.
+    const QSizeF room = QSizeF(m_text.width(), m_text.height() * kPictureHeightShare) / documentScale();
     struct Fitted
     {
         int position;
@@ -297,8 +309,10 @@ void PrintLayout::drawPage(QPainter &painter, int index, const QRectF &target, b
     drawHeadFoot(painter, index);
 
     const PageSlice &slice = m_pages[index];
-    const QRectF band(0, slice.top, m_text.width(), slice.bottom - slice.top);
-    painter.translate(m_text.left(), m_text.top() - slice.top);
+    const QRectF band(0, slice.top, m_text.width() / documentScale(), slice.bottom - slice.top);
+    painter.translate(m_text.topLeft());
+    painter.scale(documentScale(), documentScale());
+    painter.translate(0, -slice.top);
     painter.setClipRect(band);
     QAbstractTextDocumentLayout::PaintContext context;
     // A line ending exactly at the cut is not drawn again (clipped away) on the next page: it
@@ -311,9 +325,9 @@ void PrintLayout::drawPage(QPainter &painter, int index, const QRectF &target, b
     painter.restore();
 }
 
-QImage PrintLayout::pageImage(int index, qreal dotsPerLayoutUnit, qreal devicePixelRatio) const
+QImage PrintLayout::pageImage(int index, qreal dotsPerPageUnit, qreal devicePixelRatio) const
 {
-    const QSizeF size = m_paper.size() * dotsPerLayoutUnit * devicePixelRatio;
+    const QSizeF size = m_paper.size() * dotsPerPageUnit * devicePixelRatio;
     QImage image(std::max(1, qRound(size.width())), std::max(1, qRound(size.height())),
                  QImage::Format_ARGB32_Premultiplied);
     image.fill(Qt::white);

@@ -16,9 +16,15 @@ class QPagedPaintDevice;
 class QPainter;
 class QTextDocument;
 
-// A document laid out on printed pages: a copy of the text laid out at a fixed high resolution
-// (so the preview, the PDF and the printer get the same line breaks), broken into pages, and
-// each page drawn with its head and foot on any painter.
+// A document laid out on printed pages: a copy of the text laid out once, as the editor's page
+// lays it out at actual size, broken into pages, and each page drawn with its head and foot on
+// any painter. The preview, the PDF and the printer therefore get the same line breaks as the
+// page on screen, with indents, spacing, tables and pictures at the size the page shows them.
+//
+// Two kinds of units: the page (paper, margins, head, foot, text area) is counted in page
+// units, dots of kDotsPerInch; the copy of the document is laid out in the screen's pixels
+// (documentDpi()), in which the document's own lengths are given, and drawn scaled up by
+// documentScale(). Page slices are in document pixels.
 //
 // The paper's margins are measured from its edge; a margin smaller than the printer's
 // unprintable edge is widened to it. Inside them the head and the foot take a band each when
@@ -27,7 +33,7 @@ class QTextDocument;
 class PrintLayout
 {
 public:
-    // Layout units are dots of this resolution.
+    // Page units are dots of this resolution.
     static constexpr qreal kDotsPerInch = 1200.0;
     static qreal dotsFromMm(qreal mm) { return mm * kDotsPerInch / 25.4; }
 
@@ -56,8 +62,15 @@ public:
 
     // The paper and its orientation, without margins (the pages are drawn edge to edge).
     QPageLayout pageLayout() const;
-    QSizeF paperSize() const { return m_paper.size(); } // in layout units
+    QSizeF paperSize() const { return m_paper.size(); } // in page units
     QRectF textRect() const { return m_text; }
+    // The resolution the document is laid out at: the screen's, as the text layout uses it
+    // without a paint device of its own (the editor's page at 100 %).
+    qreal documentDpi() const { return m_documentDpi; }
+    // Page units per document pixel.
+    qreal documentScale() const { return kDotsPerInch / m_documentDpi; }
+    // The screen resolution documents are laid out at, in dots per inch.
+    static int screenDpi();
     QRectF headRect() const { return m_head; }
     QRectF footRect() const { return m_foot; }
     // True when the margins left too little room and were narrowed for the text to fit.
@@ -73,8 +86,8 @@ public:
     // Draws page `index` scaled into `target` (device coordinates), keeping its proportions.
     // `paper` fills the paper white first (the preview; a printer has its own paper).
     void drawPage(QPainter &painter, int index, const QRectF &target, bool paper = false) const;
-    // Page `index` as an image, `dotsPerLayoutUnit` device pixels per layout unit.
-    QImage pageImage(int index, qreal dotsPerLayoutUnit, qreal devicePixelRatio = 1.0) const;
+    // Page `index` as an image, `dotsPerPageUnit` device pixels per page unit.
+    QImage pageImage(int index, qreal dotsPerPageUnit, qreal devicePixelRatio = 1.0) const;
 
     // Called after each page with the pages done and the total; returning false stops.
     using Progress = std::function<bool(int done, int total)>;
@@ -91,6 +104,7 @@ private:
 
     std::unique_ptr<QTextDocument> m_document;
     QImage m_layoutDevice;
+    qreal m_documentDpi = 96.0;
     PrintSettings m_settings;
     Context m_context;
     QPageLayout m_pageLayout;
