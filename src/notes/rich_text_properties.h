@@ -31,6 +31,10 @@ namespace RichText {
 // QByteArray: the complete original "{\pict ...}" group of a picture shown as a placeholder.
 constexpr int RawPictureProperty = QTextFormat::UserProperty + 1;
 
+// int: the number of a numbered list's first item when it is not 1 (kept for saving; the
+// list is shown counting from 1).
+constexpr int ListStartProperty = QTextFormat::UserProperty + 2;
+
 // Resource names of pictures read from RTF or inserted by the user: "rtfpicture:<n>".
 inline constexpr char kPictureScheme[] = "rtfpicture";
 
@@ -38,5 +42,14 @@ constexpr double kTwipsPerPixel = 15.0;
 
 inline double TwipsToPixels(double twips) { return twips / kTwipsPerPixel; }
 inline int PixelsToTwips(double pixels) { return qRound(pixels * kTwipsPerPixel); }
+
+// Where an RTF list paragraph's text starts (\li) at a nesting level (0 for a top-level list):
+// one document indent per level, the way Qt indents a QTextList. The marker hangs in front of
+// the text by kListHangingTwips (\fi). A list paragraph's own left margin adds to this.
+constexpr int kListHangingTwips = -360;
+inline int ListLeftIndentTwips(int level, double indentWidthPixels)
+{
+    return (level + 1) * PixelsToTwips(indentWidthPixels);
+}
 
 } // namespace RichText
