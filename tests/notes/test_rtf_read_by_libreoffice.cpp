@@ -227,7 +227,7 @@ private slots:
     void page();
 
 private:
-    QTemporaryDir m_folder;
+    QTemporaryDir m_folder{QDir::tempPath() + QStringLiteral("/rtf-lo-XXXXXX")};
     QHash<QString, HtmlPage> m_pages;
 };
 
@@ -237,6 +237,7 @@ void TestRtfReadByLibreOffice::initTestCase()
     if (soffice.isEmpty())
         QSKIP("soffice (LibreOffice) is not installed: packaging/install-build-deps.sh installs it");
     QVERIFY(m_folder.isValid());
+    m_folder.setAutoRemove(qEnvironmentVariableIsEmpty("VANTORA_KEEP_TEST_FILES"));
     QStringList files;
     for (const Sample &sample : kSamples) {
         QTextDocument document;
@@ -315,7 +316,8 @@ void TestRtfReadByLibreOffice::page()
     } else if (check == u"nested fits") {
         found = QStringLiteral("yes");
         for (const HtmlPage::Table &table : page.tables) {
-            if (table.enclosingCellWidth > 0 && table.width > table.enclosingCellWidth)
+            // HTML widths are whole pixels, each rounded on its own.
+            if (table.enclosingCellWidth > 0 && table.width > table.enclosingCellWidth + 1)
                 found = QStringLiteral("no: a table %1 wide in a cell %2 wide").arg(table.width).arg(table.enclosingCellWidth);
         }
     } else if (check.startsWith(u"face of:")) {

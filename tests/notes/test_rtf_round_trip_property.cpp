@@ -370,6 +370,18 @@ QString firstDifference(const QStringList &first, const QStringList &second)
     return {};
 }
 
+// The document's characters without paragraph, cell and picture marks: what no round trip
+// may change, however it lays them out.
+QString characters(const QTextDocument &document)
+{
+    QString text = document.toRawText();
+    text.removeIf([](QChar c) {
+        return c == QChar::ParagraphSeparator || c == QChar::ObjectReplacementCharacter || c.unicode() == 0xFDD0
+            || c.unicode() == 0xFDD1;
+    });
+    return text;
+}
+
 QStringList filesIn(const QString &folder)
 {
     QStringList paths;
@@ -431,11 +443,17 @@ void TestRtfRoundTripProperty::checkRoundTrip(const QString &name, QTextDocument
     const QByteArray written2 = RtfWriter::write(second);
     QTextDocument third;
     RtfReader::read(written2, &third);
-    for (const QRegularExpressionMatch &match : controlWord.globalMatch(QString::fromLatin1(written2)))
+    // A backslash in the text is written doubled; it starts no control word.
+    const QString withoutEscapes = QString::fromLatin1(written1 + written2).remove(QLatin1String("\\\\"));
+    for (const QRegularExpressionMatch &match : controlWord.globalMatch(withoutEscapes))
         m_writtenWords.insert(match.captured(1));
     const QStringList outline2 = outline(second);
     const QStringList outline3 = outline(third);
-    if (outline2 != outline3)
+    // Nothing of the text may be lost on the way, even where formats change.
+    if (characters(first) != characters(second))
+        m_failures << name + QStringLiteral(": the text changed on the first round trip: ")
+                + firstDifference({characters(first)}, {characters(second)});
+    else if (outline2 != outline3)
         m_failures << name + QStringLiteral(": ") + firstDifference(outline2, outline3);
     else if (RtfWriter::write(third) != written2)
         m_failures << name + QStringLiteral(": written again, the bytes differ");
