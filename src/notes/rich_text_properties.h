@@ -8,17 +8,22 @@
 // Lengths: RTF counts in twips (1/20 point). QTextDocument lengths (margins, indents, picture
 // sizes) are in pixels of a 96 dpi page, so one pixel is 15 twips. Font sizes stay in points.
 //
-// Characters: QTextCharFormat fontFamilies (first entry), fontPointSize, fontWeight (Bold or
-// Normal), fontItalic, fontUnderline, fontStrikeOut, foreground (text colour), background
-// (highlight), verticalAlignment (AlignSuperScript / AlignSubScript / AlignNormal), and
-// anchor + anchorHref for the text of a hyperlink.
+// Characters: QTextCharFormat fontFamilies (the run's font first; a second entry is the East
+// Asian font of its CJK characters, RTF \dbch\af), fontPointSize, fontWeight (Bold or Normal),
+// fontItalic, fontUnderline, fontStrikeOut, fontCapitalization (AllUppercase for \caps,
+// SmallCaps for \scaps), foreground (text colour), background (highlight), verticalAlignment
+// (AlignSuperScript / AlignSubScript / AlignNormal), and anchor + anchorHref for the text of a
+// hyperlink.
 //
 // Paragraphs: QTextBlockFormat alignment (AlignLeft, AlignHCenter, AlignRight, AlignJustify),
 // leftMargin, rightMargin, textIndent (first line), topMargin (before), bottomMargin (after),
-// and lineHeight: ProportionalHeight in percent of single spacing (115 = 1.15 lines),
-// MinimumHeight or FixedHeight in pixels (RTF \slN with \slmult0, positive or negative).
+// lineHeight: ProportionalHeight in percent of single spacing (115 = 1.15 lines),
+// MinimumHeight or FixedHeight in pixels (RTF \slN with \slmult0, positive or negative),
+// layoutDirection (\rtlpar, \ltrpar) and pageBreakPolicy (PageBreak_AlwaysBefore for \pagebb
+// and for the paragraph after a \page).
 // Lists are QTextLists (ListDisc for bullets, ListDecimal and the letter and roman styles for
-// numbers) whose indent is the nesting level plus one. Tables are QTextTables.
+// numbers) whose indent is the nesting level plus one; a list paragraph's leftMargin is what
+// it is indented beyond its level. Tables are QTextTables, merged cells QTextTable merges.
 //
 // Pictures: a QTextImageFormat whose name() is a resource of the document
 // (QTextDocument::ImageResource). PNG and JPEG pictures are kept as their original encoded

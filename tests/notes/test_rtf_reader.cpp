@@ -323,6 +323,8 @@ void TestRtfReader::faultFiles_data()
                                       << "decimal/1 '' '.' from 1 item 2";
     QTest::newRow("pn without ls") << "legacy-pn-with-ls.rtf" << "second" << "numbering"
                                    << "decimal/1 '' '.' from 1 item 2";
+    QTest::newRow("pn start and texts") << "legacy-pn-start.rtf" << "Fourth item" << "numbering"
+                                        << "lower-roman/1 '(' ')' from 3 item 2";
     QTest::newRow("pn list ends") << "legacy-pn-with-ls.rtf" << "Plain paragraph" << "numbering" << "none";
     QTest::newRow("list without indents") << "list-written-by-vantora.rtf" << "Level two 2" << "numbering"
                                           << "decimal/2 '' '.' from 1 item 2";
