@@ -414,6 +414,12 @@ void TestRtfReader::snippets_data()
     QTest::newRow("fallback skipped") << QByteArray("\\u8364?x") << QString::fromUtf16(u"€x");
     QTest::newRow("uc2 in a group") << QByteArray("{\\uc2\\u228\\'E8a}b") << QString::fromUtf16(u"äb");
     QTest::newRow("uc0") << QByteArray("\\uc0\\u8364 x") << QString::fromUtf16(u"€x");
+    // A fallback is at most 4 bytes long (GB18030); a longer \\uc is damage and counts as 1.
+    QTest::newRow("uc4") << QByteArray("{\\uc4\\u1046 abcd}e") << QString::fromUtf16(u"Жe");
+    QTest::newRow("uc5 is damage") << QByteArray("\\uc5\\u1046 abcdef") << QString::fromUtf16(u"Жbcdef");
+    QTest::newRow("negative uc") << QByteArray("\\uc-3\\u1046 ab") << QString::fromUtf16(u"Жb");
+    QTest::newRow("page ends paragraph") << QByteArray("a\\page b") << QString::fromUtf16(u"a\u2029b");
+    QTest::newRow("page after par") << QByteArray("a\\par\\page b") << QString::fromUtf16(u"a\u2029b");
     QTest::newRow("negative pair") << QByteArray("\\u-10179?\\u-9047?") << QString::fromUtf16(u"💩");
     QTest::newRow("pair across uc") << QByteArray("\\uc0 \\u55357\\uc1 \\u56832\\'3f.") << QString::fromUtf16(u"😀.");
     QTest::newRow("lone high") << QByteArray("\\u55296?x") << QString::fromUtf16(u"\uFFFDx");
