@@ -85,10 +85,34 @@ void buildCjkAndColour(QTextCursor &cursor)
     cursor.insertText(QStringLiteral(u"Chinese \u6f22\u5b57\u6587\u672c and Japanese \u3072\u3089\u304c\u306a"),
                       font("Liberation Serif"));
     cursor.insertBlock();
+    QTextCharFormat song;
+    song.setFontFamilies({QStringLiteral(u"\u5b8b\u4f53")}); // a font named in Chinese
+    cursor.insertText(QStringLiteral(u"\u5b8b\u4f53\u5b57"), song);
+    cursor.insertBlock();
     QTextCharFormat bold = font("Liberation Serif");
     bold.setFontWeight(QFont::Bold);
     bold.setForeground(QColor(255, 0, 0));
     cursor.insertText(QStringLiteral("Bold red words"), bold);
+}
+
+void buildLayout(QTextCursor &cursor)
+{
+    QTextCharFormat format = font("Liberation Sans");
+    format.setFontCapitalization(QFont::SmallCaps);
+    cursor.insertText(QStringLiteral("Small capitals"), format);
+    format.setFontCapitalization(QFont::AllUppercase);
+    cursor.insertText(QStringLiteral(" all capitals"), format);
+    QTextBlockFormat block;
+    block.setLayoutDirection(Qt::RightToLeft);
+    block.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    cursor.insertBlock(block);
+    cursor.insertText(QStringLiteral(u"\u05e9\u05dc\u05d5\u05dd on a new page"));
+    cursor.insertBlock(QTextBlockFormat());
+    QTextTable *table = cursor.insertTable(3, 2);
+    table->mergeCells(0, 0, 2, 1);
+    table->mergeCells(2, 0, 1, 2);
+    table->cellAt(0, 0).firstCursorPosition().insertText(QStringLiteral("Two rows"));
+    table->cellAt(2, 0).firstCursorPosition().insertText(QStringLiteral("Two columns"));
 }
 
 struct Sample
@@ -102,6 +126,7 @@ const Sample kSamples[] = {
     {"nested-table", buildNestedTable},
     {"picture", buildPicture},
     {"cjk-bold-colour", buildCjkAndColour},
+    {"layout", buildLayout},
 };
 
 // What an HTML page holds, read with a small tag scanner: the text with blanks collapsed,
@@ -124,6 +149,7 @@ struct HtmlPage
     QList<Table> tables;
     int pictures = 0;
     QStringList colours;
+    QStringList tags;
     int boldRuns = 0;
 
     QString faceOf(const QString &phrase) const
@@ -179,6 +205,7 @@ HtmlPage readHtml(const QString &html)
             continue;
         }
         const QString name = tag.section(u' ', 0, 0).toLower();
+        page.tags << tag;
         if (name == u"ul" || name == u"ol")
             ++listDepth;
         else if (name == u"/ul" || name == u"/ol")
@@ -292,9 +319,17 @@ void TestRtfReadByLibreOffice::page_data()
     QTest::newRow("kana") << "cjk-bold-colour" << "contains" << QString::fromUtf16(u"\u3072\u3089\u304c\u306a");
     QTest::newRow("east asian font") << "cjk-bold-colour" << QString::fromUtf16(u"face of:\u6f22\u5b57")
                                      << "Noto Sans CJK SC";
+    QTest::newRow("font named in Chinese") << "cjk-bold-colour" << QString::fromUtf16(u"face of:\u5b8b\u4f53\u5b57")
+                                           << QString::fromUtf16(u"\u5b8b\u4f53");
     QTest::newRow("latin font kept") << "cjk-bold-colour" << "face of:Chinese" << "Liberation Serif, serif";
     QTest::newRow("bold") << "cjk-bold-colour" << "bold runs" << "1";
     QTest::newRow("red") << "cjk-bold-colour" << "colour" << "#ff0000";
+    QTest::newRow("small caps") << "layout" << "tag with:small-caps" << "yes";
+    QTest::newRow("all caps") << "layout" << "tag with:uppercase" << "yes";
+    QTest::newRow("right to left") << "layout" << "tag with:dir=\"rtl\"" << "yes";
+    QTest::newRow("page break") << "layout" << "tag with:page-break-before: always" << "yes";
+    QTest::newRow("rows merged") << "layout" << "tag with:rowspan=\"2\"" << "yes";
+    QTest::newRow("columns merged") << "layout" << "tag with:colspan=\"2\"" << "yes";
 }
 
 void TestRtfReadByLibreOffice::page()
@@ -322,6 +357,11 @@ void TestRtfReadByLibreOffice::page()
         }
     } else if (check.startsWith(u"face of:")) {
         found = page.faceOf(check.section(u':', 1));
+    } else if (check.startsWith(u"tag with:")) {
+        const QString part = check.section(u':', 1);
+        found = std::any_of(page.tags.begin(), page.tags.end(), [&](const QString &tag) { return tag.contains(part); })
+            ? QStringLiteral("yes")
+            : QStringLiteral("no");
     } else if (check == u"pictures") {
         found = QString::number(page.pictures);
     } else if (check == u"bold runs") {
