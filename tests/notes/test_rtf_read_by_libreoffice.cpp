@@ -97,11 +97,13 @@ void buildCjkAndColour(QTextCursor &cursor)
 
 void buildLayout(QTextCursor &cursor)
 {
-    QTextCharFormat format = font("Liberation Sans");
-    format.setFontCapitalization(QFont::SmallCaps);
-    cursor.insertText(QStringLiteral("Small capitals"), format);
-    format.setFontCapitalization(QFont::AllUppercase);
-    cursor.insertText(QStringLiteral(" all capitals"), format);
+    const std::pair<QFont::Capitalization, const char *> runs[] = {{QFont::SmallCaps, "Small capitals"},
+                                                                   {QFont::AllUppercase, " all capitals"}};
+    for (const auto &[capitalization, text] : runs) {
+        QTextCharFormat format = font("Liberation Sans");
+        format.setFontCapitalization(capitalization);
+        cursor.insertText(QString::fromLatin1(text), format);
+    }
     QTextBlockFormat block;
     block.setLayoutDirection(Qt::RightToLeft);
     block.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
