@@ -151,7 +151,8 @@ class BodyWriter
 public:
     BodyWriter(const QTextDocument &document, RtfWriterTables &tables, RtfWriterOutput &out)
         : m_document(document), m_tables(tables), m_out(out), m_defaultFont(document.defaultFont()),
-          m_indentWidthTwips(RichText::PixelsToTwips(document.indentWidth()))
+          m_indentWidthTwips(RichText::PixelsToTwips(document.indentWidth())),
+          m_cjkFallback(cjkFallbackFamily(document))
     {
     }
 
@@ -178,6 +179,7 @@ private:
     void closeLink();
 
     QString familyOf(const QTextCharFormat &format) const;
+    static QString cjkFallbackFamily(const QTextDocument &document);
     double pointSizeOf(const QTextCharFormat &format) const;
 
     const QTextDocument &m_document;
@@ -185,6 +187,7 @@ private:
     RtfWriterOutput &m_out;
     const QFont m_defaultFont;
     const int m_indentWidthTwips;
+    const QString m_cjkFallback; // the East Asian font of CJK text in a Latin font
 };
 
 // Writes the blocks and tables of a frame or table cell. Every paragraph ends with \par but a
@@ -496,7 +499,7 @@ RunStyle BodyWriter::styleOf(const QTextCharFormat &format, QStringView text)
         const QStringList families = format.property(QTextFormat::FontFamilies).toStringList();
         QString asian = families.size() > 1 ? families.at(1) : QString();
         if (asian.isEmpty())
-            asian = isCjkFamily(family) ? family : QString::fromUtf16(kCjkFallbackFamily);
+            asian = isCjkFamily(family) ? family : m_cjkFallback;
         style.asianFont = m_tables.fontIndex(asian);
     }
     style.capitalization = format.fontCapitalization();
@@ -601,6 +604,20 @@ QString BodyWriter::familyOf(const QTextCharFormat &format) const
         return families.first();
     const QString family = format.stringProperty(QTextFormat::FontFamily);
     return family.isEmpty() ? m_defaultFont.family() : family;
+}
+
+// A CJK font the document uses somewhere, or else a common one.
+QString BodyWriter::cjkFallbackFamily(const QTextDocument &document)
+{
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            for (const QString &family : it.fragment().charFormat().fontFamilies().toStringList()) {
+                if (isCjkFamily(family))
+                    return family;
+            }
+        }
+    }
+    return QString::fromUtf16(kCjkFallbackFamily);
 }
 
 double BodyWriter::pointSizeOf(const QTextCharFormat &format) const

@@ -85,10 +85,6 @@ void buildCjkAndColour(QTextCursor &cursor)
     cursor.insertText(QStringLiteral(u"Chinese \u6f22\u5b57\u6587\u672c and Japanese \u3072\u3089\u304c\u306a"),
                       font("Liberation Serif"));
     cursor.insertBlock();
-    QTextCharFormat song;
-    song.setFontFamilies({QStringLiteral(u"\u5b8b\u4f53")}); // a font named in Chinese
-    cursor.insertText(QStringLiteral(u"\u5b8b\u4f53\u5b57"), song);
-    cursor.insertBlock();
     QTextCharFormat bold = font("Liberation Serif");
     bold.setFontWeight(QFont::Bold);
     bold.setForeground(QColor(255, 0, 0));
@@ -110,6 +106,9 @@ void buildLayout(QTextCursor &cursor)
     cursor.insertBlock(block);
     cursor.insertText(QStringLiteral(u"\u05e9\u05dc\u05d5\u05dd on a new page"));
     cursor.insertBlock(QTextBlockFormat());
+    QTextCharFormat song;
+    song.setFontFamilies({QStringLiteral(u"\u5b8b\u4f53")}); // a font named in Chinese
+    cursor.insertText(QStringLiteral(u"\u5b8b\u4f53\u5b57"), song);
     QTextTable *table = cursor.insertTable(3, 2);
     table->mergeCells(0, 0, 2, 1);
     table->mergeCells(2, 0, 1, 2);
@@ -321,7 +320,7 @@ void TestRtfReadByLibreOffice::page_data()
     QTest::newRow("kana") << "cjk-bold-colour" << "contains" << QString::fromUtf16(u"\u3072\u3089\u304c\u306a");
     QTest::newRow("east asian font") << "cjk-bold-colour" << QString::fromUtf16(u"face of:\u6f22\u5b57")
                                      << "Noto Sans CJK SC";
-    QTest::newRow("font named in Chinese") << "cjk-bold-colour" << QString::fromUtf16(u"face of:\u5b8b\u4f53\u5b57")
+    QTest::newRow("font named in Chinese") << "layout" << QString::fromUtf16(u"face of:\u5b8b\u4f53\u5b57")
                                            << QString::fromUtf16(u"\u5b8b\u4f53");
     QTest::newRow("latin font kept") << "cjk-bold-colour" << "face of:Chinese" << "Liberation Serif, serif";
     QTest::newRow("bold") << "cjk-bold-colour" << "bold runs" << "1";

@@ -97,15 +97,24 @@ void buildNestedTable(QTextCursor &cursor)
     outer->cellAt(1, 1).firstCursorPosition().insertTable(1, 2, third);
 }
 
+// The document's own CJK font, rather than a common one, for CJK text in a Latin font.
+void buildCjkWithDocumentFont(QTextCursor &cursor)
+{
+    QTextCharFormat latin;
+    latin.setFontFamilies({QStringLiteral("Liberation Sans")});
+    cursor.insertText(QStringLiteral(u"\u65e5\u672c"), latin);
+    QTextCharFormat chinese;
+    chinese.setFontFamilies({QStringLiteral(u"宋体")});
+    cursor.insertText(QStringLiteral(u"\u8a9e"), chinese);
+}
+
 void buildCjk(QTextCursor &cursor)
 {
     QTextCharFormat latin;
     latin.setFontFamilies({QStringLiteral("Liberation Serif")});
     cursor.insertText(QStringLiteral(u"latin 日本"), latin);
-    QTextCharFormat chinese;
-    chinese.setFontFamilies({QStringLiteral(u"宋体")});
-    cursor.insertText(QStringLiteral(u"测试"), chinese);
-    cursor.insertText(QStringLiteral(" plain"), latin);
+    cursor.insertBlock();
+    cursor.insertText(QStringLiteral("plain"), latin);
 }
 
 } // namespace
@@ -241,10 +250,14 @@ void TestRtfWriter::forOtherReaders_data()
         << QByteArrayList{"\\cellx6480", "\\cellx8640\r\n\\nestrow"};
     QTest::newRow("east asian font")
         << Builder(buildCjk)
-        << QByteArrayList{"{\\f1\\fswiss\\fcharset0 Noto Sans CJK SC;}", "{\\f2\\fnil\\fcharset0\\u23435?\\u20307?;}",
-                          "{\\dbch\\af1\\loch\\f0\\fs24 latin \\u26085?", "{\\dbch\\af2\\loch\\f2\\fs24\\u27979?",
-                          "{\\f0\\fs24  plain}"}
+        << QByteArrayList{"{\\f1\\fswiss\\fcharset0 Noto Sans CJK SC;}", "{\\dbch\\af1\\loch\\f0\\fs24 latin \\u26085?",
+                          "{\\f0\\fs24 plain}"}
         << QByteArrayList{};
+    QTest::newRow("document's east asian font")
+        << Builder(buildCjkWithDocumentFont)
+        << QByteArrayList{"{\\f1\\fnil\\fcharset0\\u23435?\\u20307?;}", "{\\dbch\\af1\\loch\\f0\\fs24\\u26085?",
+                          "{\\dbch\\af1\\loch\\f1\\fs24\\u-30050?"}
+        << QByteArrayList{"Noto Sans CJK"};
 }
 
 // What other word processors need to show the document as the editor does.
