@@ -14,6 +14,7 @@ packages=(
   qt6-qpa-plugins qt6-image-formats-plugins
   fonts-dejavu-core
   poppler-utils
+  libreoffice-writer-nogui
   tzdata
   libglib2.0-bin gsettings-desktop-schemas
   desktop-file-utils appstream

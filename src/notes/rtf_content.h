@@ -31,6 +31,7 @@ struct RtfListItem
     QTextListFormat::Style style = QTextListFormat::ListDisc;
     QString prefix;                       // text before a number
     QString suffix = QStringLiteral("."); // text after a number
+    int start = 1;                        // the first item's number
 };
 
 struct RtfTable;
@@ -55,16 +56,23 @@ struct RtfCell
     std::vector<RtfBlock> blocks;
 };
 
-// A row definition: where each cell ends (\cellx, twips from the left) and the space
-// between a cell's border and its text (\trgaph, twips; -1 when not given).
+// How a cell joins its neighbours: \clvmgf starts a run of cells merged downwards and
+// \clvmrg continues it; \clmgf and \clmrg do the same to the right.
+enum class RtfCellMerge { None, VerticalFirst, VerticalContinue, HorizontalFirst, HorizontalContinue };
+
+// A row definition: where each cell ends (\cellx, twips from the left), how each cell is
+// merged, and the space between a cell's border and its text (\trgaph, twips; -1 when not given).
 struct RtfRowDefinition
 {
     std::vector<int> cellEdges;
+    std::vector<RtfCellMerge> merges; // one per cell edge
+    RtfCellMerge pendingMerge = RtfCellMerge::None;
     int gap = -1;
 };
 
 struct RtfTable
 {
     std::vector<std::vector<RtfCell>> rows;
+    std::vector<RtfRowDefinition> rowDefinitions; // one per row
     RtfRowDefinition definition; // of the first row: the table's column widths
 };

@@ -64,7 +64,8 @@ void RtfContentCollector::endParagraph(const QTextBlockFormat &format, const QTe
     flow.push_back(std::move(block));
 }
 
-void RtfContentCollector::endCell(const QTextBlockFormat &format, const QTextCharFormat &endFormat, int tableLevel)
+void RtfContentCollector::endCell(const QTextBlockFormat &format, const QTextCharFormat &endFormat, int tableLevel,
+                                  const RtfListItem &list)
 {
     tableLevel = std::max(tableLevel, 1);
     std::vector<RtfBlock> &flow = flowAt(tableLevel);
@@ -73,6 +74,7 @@ void RtfContentCollector::endCell(const QTextBlockFormat &format, const QTextCha
     if (!m_paragraph.runs.empty() || flow.empty() || flow.back().table) {
         RtfBlock block;
         block.paragraph = takeParagraph(format, endFormat);
+        block.paragraph.list = list;
         flow.push_back(std::move(block));
     }
     OpenTable &open = m_tables[size_t(std::min(tableLevel, kDeepestTable)) - 1];
@@ -98,8 +100,10 @@ void RtfContentCollector::endRow(int tableLevel, const RtfRowDefinition &definit
         open.row.pop_back();
     if (open.table->rows.empty())
         open.table->definition = definition;
-    if (!open.row.empty())
+    if (!open.row.empty()) {
         open.table->rows.push_back(std::move(open.row));
+        open.table->rowDefinitions.push_back(definition);
+    }
     open.row.clear();
 }
 
@@ -119,8 +123,10 @@ void RtfContentCollector::closeDeepestTable()
     m_tables.pop_back();
     if (!open.cell.blocks.empty())
         open.row.push_back(std::move(open.cell));
-    if (!open.row.empty())
+    if (!open.row.empty()) {
         open.table->rows.push_back(std::move(open.row));
+        open.table->rowDefinitions.emplace_back(); // a row the file never ended
+    }
     if (open.table->rows.empty())
         return;
     RtfBlock block;

@@ -20,7 +20,8 @@ public:
     void endParagraph(const QTextBlockFormat &format, const QTextCharFormat &endFormat,
                       const RtfListItem &list, int tableLevel);
     // Ends the paragraph in progress as the last one of the current cell at `tableLevel`.
-    void endCell(const QTextBlockFormat &format, const QTextCharFormat &endFormat, int tableLevel);
+    void endCell(const QTextBlockFormat &format, const QTextCharFormat &endFormat, int tableLevel,
+                 const RtfListItem &list = RtfListItem());
     // Ends the row; empty cells beyond the `definedCells` the row definition gave are dropped.
     void endRow(int tableLevel, const RtfRowDefinition &definition);
 

@@ -36,7 +36,7 @@ void RtfDocumentBuilder::writeParagraph(QTextCursor &cursor, const RtfParagraph 
 {
     if (fresh) {
         cursor.setBlockFormat(paragraph.format);
-        cursor.setBlockCharFormat(paragraph.endFormat);
+        cursor.setBlockCharFormat(withCellSpans(paragraph.endFormat, cursor.blockCharFormat()));
     } else {
         cursor.insertBlock(paragraph.format, paragraph.endFormat);
     }
@@ -50,37 +50,77 @@ void RtfDocumentBuilder::writeParagraph(QTextCursor &cursor, const RtfParagraph 
     }
 }
 
+bool RtfDocumentBuilder::hasContent(const RtfCell &cell)
+{
+    return std::any_of(cell.blocks.begin(), cell.blocks.end(),
+                       [](const RtfBlock &block) { return block.table || !block.paragraph.runs.empty(); });
+}
+
+// The first block of a table cell carries the cell's spans in its character format: a merged
+// cell stays merged when its first paragraph takes the format read for it.
+QTextCharFormat RtfDocumentBuilder::withCellSpans(QTextCharFormat format, const QTextCharFormat &current)
+{
+    for (const int property : {int(QTextFormat::TableCellRowSpan), int(QTextFormat::TableCellColumnSpan)}) {
+        if (current.hasProperty(property))
+            format.setProperty(property, current.property(property));
+    }
+    return format;
+}
+
 void RtfDocumentBuilder::writeTable(QTextCursor &cursor, const RtfTable &table)
 {
-    int columns = 1;
-    for (const auto &row : table.rows)
-        columns = std::max(columns, int(row.size()));
+    const RtfTableGrid grid = LayOutRtfTable(table);
+    const int columns = grid.columns;
     QTextTableFormat format;
     const RtfRowDefinition &definition = table.definition;
     format.setCellPadding(definition.gap >= 0 ? RichText::TwipsToPixels(definition.gap) : 2);
     format.setBorderCollapse(true);
-    // Column widths from the first row's cell edges, when they fit the columns and ascend.
-    if (int(definition.cellEdges.size()) == columns) {
-        QList<QTextLength> widths;
-        int left = 0;
-        for (int edge : definition.cellEdges) {
-            if (edge <= left)
-                break;
-            widths.append(QTextLength(QTextLength::FixedLength, RichText::TwipsToPixels(edge - left)));
-            left = edge;
-        }
-        if (widths.size() == columns)
-            format.setColumnWidthConstraints(widths);
-    }
+    format.setColumnWidthConstraints(columnWidths(grid, definition));
     QTextTable *textTable = cursor.insertTable(int(table.rows.size()), columns, format);
+    mergeCells(textTable, grid);
     for (int r = 0; r < int(table.rows.size()); ++r) {
         const auto &row = table.rows[size_t(r)];
         for (int c = 0; c < int(row.size()); ++c) {
-            QTextCursor cellCursor = textTable->cellAt(r, c).firstCursorPosition();
-            writeFlow(cellCursor, row[size_t(c)].blocks, true);
+            const RtfCellPlacement &place = grid.cells[size_t(r)][size_t(c)];
+            const QTextTableCell cell = textTable->cellAt(r, place.column);
+            // A merged-over cell rarely holds text; what it holds goes after its owner's.
+            if (place.covered && !hasContent(row[size_t(c)]))
+                continue;
+            QTextCursor cellCursor = place.covered ? cell.lastCursorPosition() : cell.firstCursorPosition();
+            writeFlow(cellCursor, row[size_t(c)].blocks, !place.covered);
         }
     }
     cursor.setPosition(textTable->lastPosition() + 1);
+}
+
+// Column widths from the grid's edges, or else from the first row's cell edges when they fit
+// the columns and ascend.
+QList<QTextLength> RtfDocumentBuilder::columnWidths(const RtfTableGrid &grid, const RtfRowDefinition &definition)
+{
+    const QList<int> edges = !grid.columnEdges.isEmpty()
+        ? grid.columnEdges
+        : QList<int>(definition.cellEdges.begin(), definition.cellEdges.end());
+    QList<QTextLength> widths;
+    if (edges.size() != grid.columns)
+        return widths;
+    int left = 0;
+    for (int edge : edges) {
+        if (edge <= left)
+            return {};
+        widths.append(QTextLength(QTextLength::FixedLength, RichText::TwipsToPixels(edge - left)));
+        left = edge;
+    }
+    return widths;
+}
+
+void RtfDocumentBuilder::mergeCells(QTextTable *table, const RtfTableGrid &grid)
+{
+    for (const auto &row : grid.cells) {
+        for (const RtfCellPlacement &cell : row) {
+            if (!cell.covered && (cell.rowSpan > 1 || cell.columnSpan > 1))
+                table->mergeCells(cell.row, cell.column, cell.rowSpan, cell.columnSpan);
+        }
+    }
 }
 
 void RtfDocumentBuilder::attachToList(QTextCursor &cursor, const RtfListItem &item)
@@ -106,5 +146,7 @@ void RtfDocumentBuilder::attachToList(QTextCursor &cursor, const RtfListItem &it
         format.setNumberPrefix(item.prefix);
     if (item.suffix != QLatin1String("."))
         format.setNumberSuffix(item.suffix);
+    if (item.start != 1)
+        format.setProperty(RichText::ListStartProperty, item.start);
     m_lists.insert(key, cursor.createList(format));
 }

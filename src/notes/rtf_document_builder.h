@@ -1,6 +1,7 @@
 #pragma once
 
 #include "notes/rtf_content.h"
+#include "notes/rtf_table_grid.h"
 
 #include <QHash>
 #include <QPair>
@@ -8,6 +9,7 @@
 
 class QTextDocument;
 class QTextList;
+class QTextTable;
 
 // Writes collected RTF content into a QTextDocument: one insertText per run, one insertTable
 // per table, and QTextLists for list paragraphs (one list per list key and level; a deeper
@@ -25,6 +27,10 @@ private:
     void writeParagraph(QTextCursor &cursor, const RtfParagraph &paragraph, bool fresh);
     void writeTable(QTextCursor &cursor, const RtfTable &table);
     void attachToList(QTextCursor &cursor, const RtfListItem &item);
+    static QList<QTextLength> columnWidths(const RtfTableGrid &grid, const RtfRowDefinition &definition);
+    static void mergeCells(QTextTable *table, const RtfTableGrid &grid);
+    static bool hasContent(const RtfCell &cell);
+    static QTextCharFormat withCellSpans(QTextCharFormat format, const QTextCharFormat &current);
 
     QTextDocument *m_document;
     QHash<QPair<int, int>, QTextList *> m_lists;

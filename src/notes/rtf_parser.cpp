@@ -10,8 +10,10 @@ namespace {
 
 constexpr char16_t kReplacement = 0xFFFD;
 constexpr char16_t kLineSeparator = 0x2028;
-// A \ucN larger than this is damage; skipping more would swallow real text.
-constexpr int kLongestFallback = 16;
+// The longest fallback of a \uN: a character takes at most 4 bytes in any code page
+// (GB18030). A larger \ucN is damage, read as the default of 1, as other readers do;
+// honouring it would swallow the real text that follows.
+constexpr int kLongestFallback = 4;
 constexpr int kMostColors = 65536;
 constexpr int kMostListLevels = 9;
 // Limits of a row definition; larger values are damage.
@@ -132,7 +134,7 @@ std::vector<RtfBlock> RtfParser::parse()
     }
     resolvePendingSurrogate();
     flushRun();
-    return m_collector.finish(blockFormat(state().paragraph, false), charFormat(state().chars));
+    return m_collector.finish(blockFormat(state().paragraph, -1), charFormat(state().chars));
 }
 
 void RtfParser::handleToken(const RtfTokenizer::Token &token)
@@ -246,6 +248,9 @@ void RtfParser::handleText(QByteArrayView text)
                 m_fontName.append(c);
         }
         break;
+    case Destination::ListNumberText:
+        addBytes(text);
+        break;
     case Destination::ColorTable:
         for (const char c : text) {
             if (c == ';')
@@ -278,7 +283,8 @@ void RtfParser::handleHexByte(char byte)
         m_fontName.append(byte);
     else if (destination == Destination::LevelText)
         m_levelText += QChar(uchar(byte));
-    else if ((destination == Destination::Body && !state().chars.hidden) || destination == Destination::FieldInstruction)
+    else if ((destination == Destination::Body && !state().chars.hidden) || destination == Destination::FieldInstruction
+             || destination == Destination::ListNumberText)
         addBytes(QByteArrayView(&byte, 1));
 }
 
@@ -338,6 +344,10 @@ void RtfParser::handleWord(const RtfTokenizer::Token &token)
         s.destination = Destination::Skip; // an optional destination this reader does not know
         return;
     }
+    if (s.destination == Destination::FontTable && (word == RtfWord::Unicode || word == RtfWord::UnicodeSkip)) {
+        handleDocumentWord(word, value); // a font name outside the file's code page
+        return;
+    }
     switch (s.destination) {
     case Destination::FontTable:
     case Destination::ColorTable:
@@ -372,6 +382,15 @@ bool RtfParser::startDestination(RtfWord word)
         s.destination = Destination::Skip;
         return true;
     }
+    if ((word == RtfWord::OldListTextBefore || word == RtfWord::OldListTextAfter) && outer == Destination::ListNumbering) {
+        s.destination = Destination::ListNumberText;
+        m_oldListTextBefore = word == RtfWord::OldListTextBefore;
+        if (m_oldListOwner < m_stack.size() - 1) {
+            ParagraphState &p = m_stack[m_oldListOwner].paragraph;
+            (m_oldListTextBefore ? p.oldListPrefix : p.oldListSuffix).clear();
+        }
+        return true;
+    }
     if (word == RtfWord::LevelText && outer == Destination::ListTable) {
         s.destination = Destination::LevelText;
         m_levelText.clear();
@@ -384,6 +403,7 @@ bool RtfParser::startDestination(RtfWord word)
         s.destination = Destination::FontTable;
         m_fontIndex = -1;
         m_fontName.clear();
+        m_fontNameText.clear();
         return true;
     case RtfWord::ColorTable:
         s.destination = Destination::ColorTable;
@@ -473,7 +493,7 @@ bool RtfParser::handleDocumentWord(RtfWord word, int value)
         m_cacheValid = false;
         return true;
     case RtfWord::UnicodeSkip:
-        state().unicodeSkip = std::clamp(value, 0, kLongestFallback);
+        state().unicodeSkip = value < 0 || value > kLongestFallback ? 1 : value;
         return true;
     case RtfWord::Unicode:
         emitUnicode(value);
@@ -488,6 +508,15 @@ bool RtfParser::handleCharacterWord(RtfWord word, int value, bool hasValue)
     CharState &c = state().chars;
     const bool on = !hasValue || value != 0;
     switch (word) {
+    case RtfWord::AssociatedFont:
+        // Only the East Asian font is kept; \af after \loch, \hich or \rtlch names fonts
+        // for scripts that the run's own font covers.
+        if (c.doubleByte)
+            c.asianFont = value;
+        return true;
+    case RtfWord::DoubleByteChars: c.doubleByte = true; return true;
+    case RtfWord::LowAnsiChars:
+    case RtfWord::HighAnsiChars: c.doubleByte = false; return true;
     case RtfWord::Plain: {
         const int link = c.link;
         c = CharState();
@@ -535,6 +564,9 @@ bool RtfParser::handleParagraphWord(RtfWord word, int value, bool hasValue)
     case RtfWord::TableLevel: p.tableLevel = std::clamp(value, 0, 64); return true;
     case RtfWord::ListOverride: p.listOverride = value; return true;
     case RtfWord::ListLevel: p.listLevel = std::clamp(value, 0, kMostListLevels - 1); return true;
+    case RtfWord::PageBreakBefore: p.pageBreakBefore = !hasValue || value != 0; return true;
+    case RtfWord::RightToLeftParagraph: p.direction = 2; return true;
+    case RtfWord::LeftToRightParagraph: p.direction = 1; return true;
     default: return false;
     }
 }
@@ -550,6 +582,26 @@ bool RtfParser::handleTableWord(RtfWord word, int value)
         if (destination == Destination::Body)
             endParagraph();
         return true;
+    case RtfWord::Page:
+        // A page break ends the paragraph it stands in (unless nothing came before it), and
+        // the next paragraph starts a page.
+        if (destination == Destination::Body) {
+            if (!m_runText.isEmpty() || !m_collector.paragraphIsEmpty())
+                endParagraph();
+            m_pageBreakPending = true;
+        }
+        return true;
+    case RtfWord::CellVerticalMergeFirst:
+    case RtfWord::CellVerticalMergeContinue:
+    case RtfWord::CellMergeFirst:
+    case RtfWord::CellMergeContinue: {
+        const RtfCellMerge merge = word == RtfWord::CellVerticalMergeFirst      ? RtfCellMerge::VerticalFirst
+                                   : word == RtfWord::CellVerticalMergeContinue ? RtfCellMerge::VerticalContinue
+                                   : word == RtfWord::CellMergeFirst            ? RtfCellMerge::HorizontalFirst
+                                                                                : RtfCellMerge::HorizontalContinue;
+        m_rowDefinitions[std::max(1, effectiveTableLevel())].pendingMerge = merge;
+        return true;
+    }
     case RtfWord::Cell:
         endCell(1);
         return true;
@@ -569,8 +621,11 @@ bool RtfParser::handleTableWord(RtfWord word, int value)
         return true;
     case RtfWord::CellEdge: {
         RtfRowDefinition &definition = m_rowDefinitions[std::max(1, effectiveTableLevel())];
-        if (definition.cellEdges.size() < kMostCellEdges)
+        if (definition.cellEdges.size() < kMostCellEdges) {
             definition.cellEdges.push_back(std::clamp(value, 0, kWidestTableTwips));
+            definition.merges.push_back(definition.pendingMerge);
+        }
+        definition.pendingMerge = RtfCellMerge::None;
         return true;
     }
     case RtfWord::RowGap:
@@ -613,6 +668,8 @@ void RtfParser::handleTableDefinitionWord(RtfWord word, int value)
     case RtfWord::Font:
         if (m_fontIndex >= 0)
             commitFont();
+        m_fontName.clear();
+        m_fontNameText.clear();
         m_fontIndex = value;
         m_fontCodePage = -1;
         break;
@@ -634,6 +691,10 @@ void RtfParser::handleTableDefinitionWord(RtfWord word, int value)
     case RtfWord::LevelNumberFormat:
         if (state().destination == Destination::ListTable && !m_listLevels.isEmpty())
             m_listLevels.last().numberFormat = value;
+        break;
+    case RtfWord::LevelStartAt:
+        if (state().destination == Destination::ListTable && !m_listLevels.isEmpty())
+            m_listLevels.last().start = std::max(0, value);
         break;
     case RtfWord::ListOverrideEntry:
         commitListOverride();
@@ -678,8 +739,25 @@ void RtfParser::handleOldListWord(RtfWord word, int value)
     case RtfWord::OldListLowerLetter: p.oldListStyle = QTextListFormat::ListLowerAlpha; break;
     case RtfWord::OldListUpperRoman: p.oldListStyle = QTextListFormat::ListUpperRoman; break;
     case RtfWord::OldListLowerRoman: p.oldListStyle = QTextListFormat::ListLowerRoman; break;
+    case RtfWord::OldListStart: p.oldListStart = std::max(0, value); break;
     default: break;
     }
+}
+
+void RtfParser::appendOldListText(const QString &text)
+{
+    if (m_oldListOwner >= m_stack.size())
+        return;
+    ParagraphState &p = m_stack[m_oldListOwner].paragraph;
+    (m_oldListTextBefore ? p.oldListPrefix : p.oldListSuffix) += text;
+}
+
+void RtfParser::appendFontNameCharacter(char16_t c)
+{
+    // Bytes before the character are decoded first, so the name keeps its order.
+    m_fontNameText += DecodeCodePage(m_fontName, m_fontCodePage >= 0 ? m_fontCodePage : m_ansiCodePage);
+    m_fontName.clear();
+    m_fontNameText += QChar(c);
 }
 
 void RtfParser::handleBinary(qint64 length)
@@ -730,6 +808,13 @@ void RtfParser::emitText(const QString &text, bool keepSurrogate)
     case Destination::LevelText:
         m_levelText += text;
         break;
+    case Destination::ListNumberText:
+        appendOldListText(text);
+        break;
+    case Destination::FontTable:
+        for (const QChar c : text)
+            appendFontNameCharacter(c.unicode());
+        break;
     default:
         break;
     }
@@ -777,15 +862,20 @@ void RtfParser::endParagraph()
     resolvePendingSurrogate();
     flushRun();
     const RtfListItem item = listItem(state().paragraph);
-    m_collector.endParagraph(blockFormat(state().paragraph, item.key != 0), charFormat(state().chars), item,
-                             effectiveTableLevel());
+    QTextBlockFormat format = blockFormat(state().paragraph, item.key != 0 ? item.level : -1);
+    if (m_pageBreakPending)
+        format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    m_pageBreakPending = false;
+    m_collector.endParagraph(format, charFormat(state().chars), item, effectiveTableLevel());
 }
 
 void RtfParser::endCell(int tableLevel)
 {
     resolvePendingSurrogate();
     flushRun();
-    m_collector.endCell(blockFormat(state().paragraph, false), charFormat(state().chars), tableLevel);
+    const RtfListItem item = listItem(state().paragraph);
+    m_collector.endCell(blockFormat(state().paragraph, item.key != 0 ? item.level : -1), charFormat(state().chars),
+                        tableLevel, item);
 }
 
 void RtfParser::finishPicture(qsizetype openOffset, qsizetype endOffset)
@@ -809,9 +899,11 @@ void RtfParser::finishPicture(qsizetype openOffset, qsizetype endOffset)
 
 void RtfParser::commitFont()
 {
-    QString family = DecodeCodePage(m_fontName, m_fontCodePage >= 0 ? m_fontCodePage : m_ansiCodePage).trimmed();
+    const QString family =
+        (m_fontNameText + DecodeCodePage(m_fontName, m_fontCodePage >= 0 ? m_fontCodePage : m_ansiCodePage)).trimmed();
     m_fonts.insert(m_fontIndex, FontEntry{family, m_fontCodePage});
     m_fontName.clear();
+    m_fontNameText.clear();
     m_fontIndex = -1;
     m_cacheValid = false;
 }
@@ -888,7 +980,11 @@ void RtfParser::applyLevelText(const QString &text, RtfListItem *item)
 RtfListItem RtfParser::listItem(const ParagraphState &paragraph)
 {
     RtfListItem item;
-    if (paragraph.listOverride > 0) {
+    // An \ls that no list table defines says nothing about the marker: old-style numbering
+    // given with it wins.
+    const bool listDefined = m_listOverrides.contains(paragraph.listOverride)
+        || m_listFormats.contains(paragraph.listOverride);
+    if (paragraph.listOverride > 0 && (listDefined || paragraph.oldListStyle == 0)) {
         m_lastParagraphInOldList = false;
         item.key = paragraph.listOverride;
         item.level = paragraph.listLevel;
@@ -896,6 +992,7 @@ RtfListItem RtfParser::listItem(const ParagraphState &paragraph)
             m_listFormats.value(m_listOverrides.value(paragraph.listOverride, paragraph.listOverride));
         const ListLevel level = item.level < levels.size() ? levels[item.level] : ListLevel{23, QString()};
         item.style = styleForNumberFormat(level.numberFormat);
+        item.start = level.start;
         if (item.style == QTextListFormat::ListStyleUndefined)
             item.key = 0;
         applyLevelText(level.text, &item);
@@ -908,6 +1005,11 @@ RtfListItem RtfParser::listItem(const ParagraphState &paragraph)
         item.key = m_oldListKey;
         item.level = paragraph.oldListLevel;
         item.style = QTextListFormat::Style(paragraph.oldListStyle);
+        if (item.style != QTextListFormat::ListDisc) {
+            item.start = paragraph.oldListStart;
+            item.prefix = paragraph.oldListPrefix;
+            item.suffix = paragraph.oldListSuffix;
+        }
         return item;
     }
     m_lastParagraphInOldList = false;
@@ -922,8 +1024,15 @@ QTextCharFormat RtfParser::charFormat(const CharState &chars)
     auto font = m_fonts.constFind(chars.font >= 0 ? chars.font : m_defaultFont);
     if (font == m_fonts.constEnd())
         font = m_fonts.constFind(m_defaultFont);
+    QStringList families;
     if (font != m_fonts.constEnd() && !font->family.isEmpty())
-        format.setFontFamilies(QStringList{font->family});
+        families.append(font->family);
+    // The East Asian font follows as the fallback for the characters the first one lacks.
+    const auto asian = chars.asianFont >= 0 ? m_fonts.constFind(chars.asianFont) : m_fonts.constEnd();
+    if (asian != m_fonts.constEnd() && !asian->family.isEmpty() && !families.contains(asian->family))
+        families.append(asian->family);
+    if (!families.isEmpty())
+        format.setFontFamilies(families);
     format.setFontPointSize(chars.halfPoints / 2.0);
     if (chars.bold)
         format.setFontWeight(QFont::Bold);
@@ -952,14 +1061,18 @@ QTextCharFormat RtfParser::charFormat(const CharState &chars)
     return format;
 }
 
-QTextBlockFormat RtfParser::blockFormat(const ParagraphState &paragraph, bool inList) const
+QTextBlockFormat RtfParser::blockFormat(const ParagraphState &paragraph, int listLevel) const
 {
     QTextBlockFormat format;
     format.setAlignment(paragraph.alignment);
-    // A list's own indent stands for the paragraph's left and first-line indents.
-    if (!inList && paragraph.left != 0)
-        format.setLeftMargin(twipsToPixels(paragraph.left));
-    if (!inList && paragraph.firstLine != 0)
+    // A list's own indent stands for the indent of its level and the hanging marker; only a
+    // left indent beyond the level's is the paragraph's own.
+    const int left = listLevel < 0
+        ? paragraph.left
+        : std::max(0, paragraph.left - RichText::ListLeftIndentTwips(listLevel, m_document->indentWidth()));
+    if (left != 0)
+        format.setLeftMargin(twipsToPixels(left));
+    if (listLevel < 0 && paragraph.firstLine != 0)
         format.setTextIndent(twipsToPixels(paragraph.firstLine));
     if (paragraph.right != 0)
         format.setRightMargin(twipsToPixels(paragraph.right));
@@ -967,6 +1080,10 @@ QTextBlockFormat RtfParser::blockFormat(const ParagraphState &paragraph, bool in
         format.setTopMargin(twipsToPixels(paragraph.before));
     if (paragraph.after != 0)
         format.setBottomMargin(twipsToPixels(paragraph.after));
+    if (paragraph.pageBreakBefore)
+        format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    if (paragraph.direction != 0)
+        format.setLayoutDirection(paragraph.direction == 2 ? Qt::RightToLeft : Qt::LeftToRight);
     const int spacing = paragraph.lineSpacing;
     if (spacing != 0) {
         if (paragraph.lineMultiple)

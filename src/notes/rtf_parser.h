@@ -44,6 +44,7 @@ private:
         Picture,
         ShapeName,
         ListNumbering,    // old-style {\*\pn ...} numbering of the enclosing paragraph
+        ListNumberText,   // its {\pntxtb ...} or {\pntxta ...}: the text before or after the number
         LevelText,        // a list level's marker: its length, then text around level placeholders
     };
 
@@ -56,6 +57,8 @@ private:
         int link = -1;       // index into m_links
         int vertical = 0;    // 0 normal, 1 raised, 2 lowered
         int caps = 0;        // 0 none, 1 all capitals, 2 small capitals
+        int asianFont = -1;  // \af given after \dbch: the font of East Asian characters
+        bool doubleByte = false; // after \dbch, until \loch or \hich
         bool bold = false;
         bool italic = false;
         bool underline = false;
@@ -80,6 +83,11 @@ private:
         int listLevel = 0;    // \ilvl
         int oldListStyle = 0; // QTextListFormat::Style of a {\*\pn} list, 0 for none
         int oldListLevel = 0;
+        int oldListStart = 1;
+        QString oldListPrefix;
+        QString oldListSuffix;
+        bool pageBreakBefore = false;
+        int direction = 0; // 0 not given, 1 left to right, 2 right to left
     };
 
     struct GroupState
@@ -122,6 +130,9 @@ private:
     bool handleDocumentWord(RtfWord word, int value);
     void handleTableDefinitionWord(RtfWord word, int value);
     void handleOldListWord(RtfWord word, int value);
+    void appendOldListText(const QString &text);
+    void appendFontName(QByteArrayView bytes);
+    void appendFontNameCharacter(char16_t c);
     void handleBinary(qint64 length);
 
     void addBytes(QByteArrayView bytes);
@@ -142,7 +153,8 @@ private:
     int currentCodePage() const;
     int effectiveTableLevel() const;
     QTextCharFormat charFormat(const CharState &chars);
-    QTextBlockFormat blockFormat(const ParagraphState &paragraph, bool inList) const;
+    // `listLevel`: the paragraph's level in a list, -1 outside lists.
+    QTextBlockFormat blockFormat(const ParagraphState &paragraph, int listLevel) const;
     RtfListItem listItem(const ParagraphState &paragraph);
     static void applyLevelText(const QString &text, RtfListItem *item);
     void warnOnce(const QString &warning);
@@ -167,6 +179,7 @@ private:
     QString m_runText;
     CharState m_runChars;
     int m_ansiCodePage = 1252;
+    bool m_pageBreakPending = false; // \page: the next paragraph starts a page
 
     // Formats are made once per distinct character state in a row.
     CharState m_cachedChars;
@@ -178,7 +191,8 @@ private:
     int m_defaultFont = -1;
     int m_fontIndex = -1;
     int m_fontCodePage = -1;
-    QByteArray m_fontName;
+    QByteArray m_fontName;     // bytes of the name not decoded yet
+    QString m_fontNameText;    // the name's characters before them
     QList<QColor> m_colors;
     int m_red = 0, m_green = 0, m_blue = 0;
     bool m_colorSet = false;
@@ -188,6 +202,7 @@ private:
     {
         int numberFormat = 0; // \levelnfc
         QString text;         // \leveltext without its length
+        int start = 1;        // \levelstartat
     };
     QHash<int, QList<ListLevel>> m_listFormats;
     QHash<int, int> m_listOverrides;
@@ -201,6 +216,7 @@ private:
     int m_oldListKey = 0;
     bool m_lastParagraphInOldList = false;
     size_t m_oldListOwner = 0;
+    bool m_oldListTextBefore = false;
 
     // Fields, pictures, shapes
     QList<Field> m_fields;

@@ -15,19 +15,22 @@ enum class RtfWord {
     Charset, CodePage, Red, Green, Blue,
     // characters
     Plain, Bold, Italic, Underline, UnderlineNone, Strike, Hidden, Caps, SmallCaps, Super, Sub,
-    NoSuperSub, Up, Down, Font, FontSize, Foreground, Background,
+    NoSuperSub, Up, Down, Font, FontSize, Foreground, Background, AssociatedFont, LowAnsiChars,
+    HighAnsiChars, DoubleByteChars,
     // paragraphs
     Pard, AlignLeft, AlignCenter, AlignRight, AlignJustify, LeftIndent, RightIndent, FirstIndent,
     SpaceBefore, SpaceAfter, LineSpacing, LineMultiple, InTable, TableLevel, ListOverride, ListLevel,
+    PageBreakBefore, RightToLeftParagraph, LeftToRightParagraph,
     // breaks and tables
-    Par, Line, Tab, Cell, Row, NestedCell, NestedRow, RowDefaults, CellEdge, RowGap,
+    Par, Page, Line, Tab, Cell, Row, NestedCell, NestedRow, RowDefaults, CellEdge, RowGap,
+    CellMergeFirst, CellMergeContinue, CellVerticalMergeFirst, CellVerticalMergeContinue,
     // special characters
     EmDash, EnDash, LeftQuote, RightQuote, LeftDoubleQuote, RightDoubleQuote, Bullet, EmSpace,
     EnSpace, QuarterEmSpace, ZeroWidthJoiner, ZeroWidthNonJoiner, LeftToRightMark, RightToLeftMark,
     // lists
-    List, ListLevelDefinition, ListId, LevelNumberFormat, LevelText, ListOverrideEntry,
+    List, ListLevelDefinition, ListId, LevelNumberFormat, LevelText, LevelStartAt, ListOverrideEntry,
     OldListBullet, OldListBody, OldListLevel, OldListDecimal, OldListUpperLetter, OldListLowerLetter,
-    OldListUpperRoman, OldListLowerRoman,
+    OldListUpperRoman, OldListLowerRoman, OldListStart, OldListTextAfter, OldListTextBefore,
 };
 
 RtfWord LookUpRtfWord(QByteArrayView word);

@@ -16,6 +16,8 @@
 #include <QTextTable>
 #include <QUrl>
 
+#include <algorithm>
+
 namespace {
 
 // The width tables are laid out in: a page of the size and margins RTF assumes when a file
@@ -23,7 +25,11 @@ namespace {
 // saving gives the same file however wide the window is.
 constexpr int kTextWidthTwips = 8640;
 constexpr int kDefaultCellGapTwips = 108;
+constexpr int kNarrowestColumn = 180;
 constexpr double kFallbackPointSize = 12.0;
+// The East Asian font of CJK text whose own font has no CJK characters; readers substitute a
+// font of their own when it is missing, which is all the name is for.
+constexpr char16_t kCjkFallbackFamily[] = u"Noto Sans CJK SC";
 
 // A picture as it goes into the file: PNG or JPEG bytes and the image's size in pixels.
 struct Picture
@@ -83,16 +89,47 @@ Picture pictureOf(const QVariant &resource)
     return picture;
 }
 
+// Chinese, Japanese and Korean characters: those that want an East Asian font.
+bool isCjk(char16_t c)
+{
+    return (c >= 0x1100 && c <= 0x11ff) || (c >= 0x2e80 && c <= 0xa4cf) || (c >= 0xac00 && c <= 0xd7af)
+        || (c >= 0xf900 && c <= 0xfaff) || (c >= 0xfe30 && c <= 0xfe4f) || (c >= 0xff00 && c <= 0xffef)
+        || (c >= 0xd840 && c <= 0xd87f); // the high surrogates of the supplementary ideographs
+}
+
+bool hasCjk(QStringView text)
+{
+    return std::any_of(text.begin(), text.end(), [](QChar c) { return isCjk(c.unicode()); });
+}
+
+// Whether a font family has CJK characters, from its name: the written file must not depend
+// on the fonts installed where it is saved.
+bool isCjkFamily(const QString &family)
+{
+    if (hasCjk(family))
+        return true;
+    static const char *const kWords[] = {"cjk", "song", "hei", "ming", "kai", "gothic", "mincho", "simsun",
+                                         "yahei", "meiryo", "malgun", "gulim", "batang", "dotum", "wenquanyi",
+                                         "wqy", "fallback", "hiragino", "pingfang", "source han", "noto sans sc",
+                                         "noto sans tc", "noto sans jp", "noto sans kr", "noto serif sc",
+                                         "noto serif tc", "noto serif jp", "noto serif kr", "fangsong"};
+    const QString name = family.toLower();
+    return std::any_of(std::begin(kWords), std::end(kWords),
+                       [&name](const char *word) { return name.contains(QLatin1String(word)); });
+}
+
 // What the writer says about a run of text; runs that differ only in what it does not write
 // are written as one.
 struct RunStyle
 {
     int font = 0;
+    int asianFont = -1; // the East Asian font of a run with CJK characters
     int halfPoints = 24;
     bool bold = false;
     bool italic = false;
     bool underline = false;
     bool strikeOut = false;
+    QFont::Capitalization capitalization = QFont::MixedCase;
     QTextCharFormat::VerticalAlignment vertical = QTextCharFormat::AlignNormal;
     int color = 0; // 0: automatic
     int highlight = 0;
@@ -114,24 +151,27 @@ class BodyWriter
 public:
     BodyWriter(const QTextDocument &document, RtfWriterTables &tables, RtfWriterOutput &out)
         : m_document(document), m_tables(tables), m_out(out), m_defaultFont(document.defaultFont()),
-          m_indentWidthTwips(RichText::PixelsToTwips(document.indentWidth()))
+          m_indentWidthTwips(RichText::PixelsToTwips(document.indentWidth())),
+          m_cjkFallback(cjkFallbackFamily(document))
     {
     }
 
-    void write() { writeContents(m_document.rootFrame()->begin(), 0, "par"); }
+    void write() { writeContents(m_document.rootFrame()->begin(), 0, "par", kTextWidthTwips); }
 
 private:
-    void writeContents(QTextFrame::iterator it, int depth, const char *lastEnd);
-    void writeTable(const QTextTable *table, int depth);
+    // `widthTwips`: the width the contents are laid out in, the page's or a table cell's.
+    void writeContents(QTextFrame::iterator it, int depth, const char *lastEnd, int widthTwips);
+    void writeTable(const QTextTable *table, int depth, int widthTwips);
     void writeRowDefinition(const QTextTable *table, int row, const QList<int> &widths);
-    QList<int> columnWidths(const QTextTable *table) const;
+    static QList<int> columnWidths(const QTextTable *table, int widthTwips);
+    static int cellGap(const QTextTable *table);
     void writeBlock(const QTextBlock &block, int depth, const char *end);
     void writeParagraphFormat(const QTextBlock &block, int depth);
     void writeListText(const QTextBlock &block, const QTextList *list);
     void writeRuns(const QTextBlock &block);
     void writeText(const QTextCharFormat &format, QString text, OpenRun &run);
     void closeRun(OpenRun &run);
-    RunStyle styleOf(const QTextCharFormat &format);
+    RunStyle styleOf(const QTextCharFormat &format, QStringView text = {});
     void writeStyle(const RunStyle &style);
     void writeCharFormat(const QTextCharFormat &format) { writeStyle(styleOf(format)); }
     void writePicture(const QTextImageFormat &format);
@@ -139,6 +179,7 @@ private:
     void closeLink();
 
     QString familyOf(const QTextCharFormat &format) const;
+    static QString cjkFallbackFamily(const QTextDocument &document);
     double pointSizeOf(const QTextCharFormat &format) const;
 
     const QTextDocument &m_document;
@@ -146,19 +187,20 @@ private:
     RtfWriterOutput &m_out;
     const QFont m_defaultFont;
     const int m_indentWidthTwips;
+    const QString m_cjkFallback; // the East Asian font of CJK text in a Latin font
 };
 
 // Writes the blocks and tables of a frame or table cell. Every paragraph ends with \par but a
 // cell's last, which ends with \cell: readers take \par as the end of a paragraph, not as the
 // start of another, so the document's last paragraph has one too.
-void BodyWriter::writeContents(QTextFrame::iterator it, int depth, const char *lastEnd)
+void BodyWriter::writeContents(QTextFrame::iterator it, int depth, const char *lastEnd, int widthTwips)
 {
     for (; !it.atEnd(); ++it) {
         if (const QTextFrame *child = it.currentFrame()) {
             if (const auto *table = qobject_cast<const QTextTable *>(child))
-                writeTable(table, depth + 1);
+                writeTable(table, depth + 1, widthTwips);
             else
-                writeContents(child->begin(), depth, "par");
+                writeContents(child->begin(), depth, "par", widthTwips);
             continue;
         }
         auto next = it;
@@ -168,10 +210,11 @@ void BodyWriter::writeContents(QTextFrame::iterator it, int depth, const char *l
 }
 
 // Outer tables are written the classic way (\trowd ... \cell ... \row); tables in a cell with
-// \itapN, \nestcell and the row definition in {\*\nesttableprops ... \nestrow}.
-void BodyWriter::writeTable(const QTextTable *table, int depth)
+// \itapN, \nestcell and the row definition in {\*\nesttableprops ... \nestrow}. A table in a
+// cell is as wide as the cell's text, and its \cellx count from the cell's left edge.
+void BodyWriter::writeTable(const QTextTable *table, int depth, int widthTwips)
 {
-    const QList<int> widths = columnWidths(table);
+    const QList<int> widths = columnWidths(table, widthTwips);
     const char *cellEnd = depth == 1 ? "cell" : "nestcell";
     for (int row = 0; row < table->rows(); ++row) {
         if (depth == 1)
@@ -190,7 +233,10 @@ void BodyWriter::writeTable(const QTextTable *table, int depth)
                 m_out.controlWord(cellEnd);
                 continue;
             }
-            writeContents(cell.begin(), depth, cellEnd);
+            int cellWidth = 0;
+            for (int spanned = 0; spanned < cell.columnSpan() && column + spanned < widths.size(); ++spanned)
+                cellWidth += widths[column + spanned];
+            writeContents(cell.begin(), depth, cellEnd, std::max(kNarrowestColumn, cellWidth - 2 * cellGap(table)));
         }
         if (depth == 1) {
             m_out.controlWord("row");
@@ -213,8 +259,7 @@ void BodyWriter::writeRowDefinition(const QTextTable *table, int row, const QLis
 {
     const QTextTableFormat format = table->format();
     m_out.controlWord("trowd");
-    m_out.controlWord("trgaph", format.cellPadding() > 0 ? RichText::PixelsToTwips(format.cellPadding())
-                                                         : kDefaultCellGapTwips);
+    m_out.controlWord("trgaph", cellGap(table));
     m_out.controlWord("trleft", 0);
     const Qt::Alignment alignment = format.alignment() & Qt::AlignHorizontal_Mask;
     if (alignment & Qt::AlignHCenter)
@@ -247,18 +292,24 @@ void BodyWriter::writeRowDefinition(const QTextTable *table, int row, const QLis
     m_out.newLine();
 }
 
-// Column widths in twips: fixed widths as they are, percentages of the text width, and the
-// rest of the width shared equally by the columns without a constraint.
-QList<int> BodyWriter::columnWidths(const QTextTable *table) const
+int BodyWriter::cellGap(const QTextTable *table)
+{
+    const double padding = table->format().cellPadding();
+    return padding > 0 ? RichText::PixelsToTwips(padding) : kDefaultCellGapTwips;
+}
+
+// Column widths in twips: fixed widths as they are, percentages of the width the table is in,
+// and the rest of the width shared equally by the columns without a constraint.
+QList<int> BodyWriter::columnWidths(const QTextTable *table, int widthTwips)
 {
     const int columns = table->columns();
     const QList<QTextLength> constraints = table->format().columnWidthConstraints();
     const QTextLength tableWidth = table->format().width();
-    int total = kTextWidthTwips;
+    int total = widthTwips;
     if (tableWidth.type() == QTextLength::FixedLength)
         total = RichText::PixelsToTwips(tableWidth.rawValue());
     else if (tableWidth.type() == QTextLength::PercentageLength)
-        total = qRound(kTextWidthTwips * tableWidth.rawValue() / 100.0);
+        total = qRound(widthTwips * tableWidth.rawValue() / 100.0);
 
     QList<int> widths(columns, 0);
     int used = 0;
@@ -273,8 +324,7 @@ QList<int> BodyWriter::columnWidths(const QTextTable *table) const
             ++free;
         used += widths[column];
     }
-    constexpr int kNarrowest = 180;
-    const int share = free > 0 ? std::max(kNarrowest, (total - used) / free) : 0;
+    const int share = free > 0 ? std::max(kNarrowestColumn, (total - used) / free) : 0;
     for (int &width : widths)
         width = width > 0 ? width : share;
     return widths;
@@ -290,6 +340,10 @@ void BodyWriter::writeBlock(const QTextBlock &block, int depth, const char *end)
     if (block.length() <= 1)
         writeCharFormat(block.charFormat());
     m_out.controlWord(end);
+    // A break after the paragraph is one before the next: \page at its start.
+    if (depth == 0 && (block.blockFormat().pageBreakPolicy() & QTextFormat::PageBreak_AlwaysAfter)
+        && block.next().isValid())
+        m_out.controlWord("page");
     if (qstrcmp(end, "par") == 0)
         m_out.newLine();
 }
@@ -302,11 +356,15 @@ void BodyWriter::writeParagraphFormat(const QTextBlock &block, int depth)
         m_out.controlWord("intbl");
     if (depth > 1)
         m_out.controlWord("itap", depth);
-    if (const QTextList *list = block.textList()) {
+    const QTextList *list = block.textList();
+    const int listLevel = list ? std::clamp(list->format().indent() - 1, 0, 8) : -1;
+    if (list) {
         m_out.controlWord("ls", m_tables.listIndex(list, m_indentWidthTwips));
-        m_out.controlWord("ilvl", std::clamp(list->format().indent() - 1, 0, 8));
+        m_out.controlWord("ilvl", listLevel);
     }
     const QTextBlockFormat format = block.blockFormat();
+    if (format.hasProperty(QTextFormat::LayoutDirection))
+        m_out.controlWord(format.layoutDirection() == Qt::RightToLeft ? "rtlpar" : "ltrpar");
     const Qt::Alignment alignment = format.alignment() & Qt::AlignHorizontal_Mask;
     if (alignment & Qt::AlignJustify)
         m_out.controlWord("qj");
@@ -316,11 +374,19 @@ void BodyWriter::writeParagraphFormat(const QTextBlock &block, int depth)
         m_out.controlWord("qr");
 
     auto twips = [](double pixels) { return RichText::PixelsToTwips(pixels); };
-    const int left = twips(format.leftMargin()) + format.indent() * m_indentWidthTwips;
+    int left = twips(format.leftMargin()) + format.indent() * m_indentWidthTwips;
+    int firstLine = twips(format.textIndent());
+    // A list item's text starts one indent further in per level, its marker hanging in front
+    // of it, as the list table says too: readers that take indents from the paragraph alone
+    // show the nesting as well.
+    if (list) {
+        left += RichText::ListLeftIndentTwips(listLevel, m_document.indentWidth());
+        firstLine = RichText::kListHangingTwips;
+    }
     const std::pair<const char *, int> lengths[] = {
         {"li", left},
         {"ri", twips(format.rightMargin())},
-        {"fi", twips(format.textIndent())},
+        {"fi", firstLine},
         {"sb", twips(format.topMargin())},
         {"sa", twips(format.bottomMargin())},
     };
@@ -405,7 +471,7 @@ void BodyWriter::writeText(const QTextCharFormat &format, QString text, OpenRun 
     text.remove(QChar::ObjectReplacementCharacter);
     if (text.isEmpty())
         return;
-    const RunStyle style = styleOf(format);
+    const RunStyle style = styleOf(format, text);
     if (!run.open || !(run.style == style)) {
         closeRun(run);
         m_out.openGroup();
@@ -423,10 +489,20 @@ void BodyWriter::closeRun(OpenRun &run)
     run.open = false;
 }
 
-RunStyle BodyWriter::styleOf(const QTextCharFormat &format)
+RunStyle BodyWriter::styleOf(const QTextCharFormat &format, QStringView text)
 {
     RunStyle style;
-    style.font = m_tables.fontIndex(familyOf(format));
+    const QString family = familyOf(format);
+    style.font = m_tables.fontIndex(family);
+    if (hasCjk(text)) {
+        // The first family that has CJK characters: a fallback the run names, or its own font.
+        const QStringList families = format.property(QTextFormat::FontFamilies).toStringList();
+        QString asian = families.size() > 1 ? families.at(1) : QString();
+        if (asian.isEmpty())
+            asian = isCjkFamily(family) ? family : m_cjkFallback;
+        style.asianFont = m_tables.fontIndex(asian);
+    }
+    style.capitalization = format.fontCapitalization();
     style.halfPoints = qRound(pointSizeOf(format) * 2);
     style.bold = format.fontWeight() >= QFont::DemiBold;
     style.italic = format.fontItalic();
@@ -442,6 +518,13 @@ RunStyle BodyWriter::styleOf(const QTextCharFormat &format)
 
 void BodyWriter::writeStyle(const RunStyle &style)
 {
+    // \af after \dbch names the font of East Asian characters; \loch turns back to the run's
+    // own font for the rest.
+    if (style.asianFont >= 0) {
+        m_out.controlWord("dbch");
+        m_out.controlWord("af", style.asianFont);
+        m_out.controlWord("loch");
+    }
     m_out.controlWord("f", style.font);
     m_out.controlWord("fs", style.halfPoints);
     const std::pair<bool, const char *> switches[] = {
@@ -449,6 +532,8 @@ void BodyWriter::writeStyle(const RunStyle &style)
         {style.italic, "i"},
         {style.underline, "ul"},
         {style.strikeOut, "strike"},
+        {style.capitalization == QFont::AllUppercase, "caps"},
+        {style.capitalization == QFont::SmallCaps, "scaps"},
         {style.vertical == QTextCharFormat::AlignSuperScript, "super"},
         {style.vertical == QTextCharFormat::AlignSubScript, "sub"},
     };
@@ -519,6 +604,20 @@ QString BodyWriter::familyOf(const QTextCharFormat &format) const
         return families.first();
     const QString family = format.stringProperty(QTextFormat::FontFamily);
     return family.isEmpty() ? m_defaultFont.family() : family;
+}
+
+// A CJK font the document uses somewhere, or else a common one.
+QString BodyWriter::cjkFallbackFamily(const QTextDocument &document)
+{
+    for (QTextBlock block = document.begin(); block.isValid(); block = block.next()) {
+        for (auto it = block.begin(); !it.atEnd(); ++it) {
+            for (const QString &family : it.fragment().charFormat().fontFamilies().toStringList()) {
+                if (isCjkFamily(family))
+                    return family;
+            }
+        }
+    }
+    return QString::fromUtf16(kCjkFallbackFamily);
 }
 
 double BodyWriter::pointSizeOf(const QTextCharFormat &format) const

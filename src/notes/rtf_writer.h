@@ -9,8 +9,9 @@ class QTextDocument;
 // formatting is kept in the QTextDocument).
 //
 // Lists are written as list tables (\listtable, \listoverridetable, \lsN \ilvlN), with
-// the marker of every item repeated in a {\listtext ...} group for readers that know no lists.
-// Each QTextList is a list of its own whose level is its indent minus one.
+// the marker of every item repeated in a {\listtext ...} group for readers that know no lists,
+// and each item's indent (\li, \fi) given on the paragraph too, as word processors take it
+// from there. Each QTextList is a list of its own whose level is its indent minus one.
 class RtfWriter
 {
 public:

@@ -1,5 +1,6 @@
 #include "notes/rtf_writer_tables.h"
 
+#include "notes/rich_text_properties.h"
 #include "notes/rtf_writer_output.h"
 
 #include <QTextList>
@@ -175,7 +176,8 @@ void RtfWriterTables::writeListLevel(RtfWriterOutput &out, const ListEntry &list
     out.controlWord("leveljc", 0);
     out.controlWord("leveljcn", 0);
     out.controlWord("levelfollow", 0);
-    out.controlWord("levelstartat", 1);
+    const bool ownStart = list.format.hasProperty(RichText::ListStartProperty);
+    out.controlWord("levelstartat", ownStart ? list.format.intProperty(RichText::ListStartProperty) : 1);
     // The level text starts with its length; a number is a byte holding its level, whose
     // place \levelnumbers gives.
     out.openGroup();
@@ -205,7 +207,7 @@ void RtfWriterTables::writeListLevel(RtfWriterOutput &out, const ListEntry &list
     }
     out.punctuation(';');
     out.closeGroup();
-    out.controlWord("fi", kListHanging);
-    out.controlWord("li", listLeftIndent(level, list.indentWidthTwips));
+    out.controlWord("fi", RichText::kListHangingTwips);
+    out.controlWord("li", (level + 1) * list.indentWidthTwips);
     out.closeGroup();
 }

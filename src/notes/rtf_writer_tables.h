@@ -21,9 +21,6 @@ public:
     // lists one after the other each start from their first number.
     int listIndex(const QTextList *list, int indentWidthTwips);
 
-    // Where the list draws its marker: the level's left indent and hanging first line.
-    static int listLeftIndent(int level, int indentWidthTwips) { return (level + 1) * indentWidthTwips; }
-    static constexpr int kListHanging = -360;
     // The marker of a bulleted list style; empty for numbered styles.
     static QString bullet(QTextListFormat::Style style);
 

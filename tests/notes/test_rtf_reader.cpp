@@ -1,5 +1,6 @@
 #include "notes/rich_text_properties.h"
 #include "notes/rtf_reader.h"
+#include "notes/rtf_writer.h"
 
 #include <QElapsedTimer>
 #include <QFile>
@@ -19,6 +20,8 @@ private slots:
     void corpusText();
     void corpusFormatting_data();
     void corpusFormatting();
+    void faultFiles_data();
+    void faultFiles();
     void corpusPictures_data();
     void corpusPictures();
     void snippets_data();
@@ -111,6 +114,44 @@ QString textProperty(const QTextCursor &found, const QString &name)
         return QString::number(chars.fontPointSize());
     if (name == u"font")
         return chars.fontFamilies().toStringList().value(0);
+    if (name == u"families")
+        return chars.fontFamilies().toStringList().join(u',');
+    if (name == u"caps")
+        return chars.fontCapitalization() == QFont::SmallCaps      ? QStringLiteral("small")
+               : chars.fontCapitalization() == QFont::AllUppercase ? QStringLiteral("all")
+                                                                   : QStringLiteral("none");
+    if (name == u"paragraph")
+        return block.text();
+    if (name == u"break")
+        return QString::number(int(paragraph.pageBreakPolicy()));
+    if (name == u"direction")
+        return paragraph.hasProperty(QTextFormat::LayoutDirection) ? QString::number(paragraph.layoutDirection())
+                                                                   : QStringLiteral("none");
+    if (name == u"numbering") {
+        if (!block.textList())
+            return QStringLiteral("none");
+        const QTextListFormat list = block.textList()->format();
+        return QStringLiteral("%1/%2 '%3' '%4' from %5 item %6")
+            .arg(listStyleName(list.style()))
+            .arg(list.indent())
+            .arg(list.numberPrefix(),
+                 list.hasProperty(QTextFormat::ListNumberSuffix) ? list.numberSuffix() : QStringLiteral("."))
+            .arg(list.hasProperty(RichText::ListStartProperty) ? list.intProperty(RichText::ListStartProperty) : 1)
+            .arg(block.textList()->itemNumber(block) + 1);
+    }
+    if (name == u"span") {
+        const QTextTable *table = at.currentTable();
+        if (!table)
+            return QStringLiteral("none");
+        const QTextTableCell cell = table->cellAt(at);
+        return QStringLiteral("%1x%2 at %3,%4 of %5x%6")
+            .arg(cell.rowSpan())
+            .arg(cell.columnSpan())
+            .arg(cell.row())
+            .arg(cell.column())
+            .arg(table->rows())
+            .arg(table->columns());
+    }
     if (name == u"href")
         return chars.anchorHref();
     if (name == u"align")
@@ -256,6 +297,69 @@ void TestRtfReader::corpusFormatting()
     QCOMPARE(textProperty(found, name), value);
 }
 
+void TestRtfReader::faultFiles_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<QString>("phrase");
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("value");
+
+    QTest::newRow("font named in GBK") << "font-name-cjk.rtf" << "测试" << "font" << "宋体";
+    QTest::newRow("small caps") << "caps.rtf" << "Small caps" << "caps" << "small";
+    QTest::newRow("all caps") << "caps.rtf" << "all caps" << "caps" << "all";
+    QTest::newRow("no caps") << "caps.rtf" << "text" << "caps" << "none";
+    QTest::newRow("merged down") << "merged-cells.rtf" << "B spans" << "span" << "2x1 at 0,1 of 4x2";
+    QTest::newRow("beside the merge") << "merged-cells.rtf" << "C" << "span" << "1x1 at 1,0 of 4x2";
+    QTest::newRow("wide cell spans columns") << "merged-cells.rtf" << "D spans" << "span" << "1x2 at 2,0 of 4x2";
+    QTest::newRow("after merges") << "merged-cells.rtf" << "F" << "span" << "1x1 at 3,1 of 4x2";
+    QTest::newRow("pagebb") << "page-breaks.rtf" << "Page two starts" << "break" << "1";
+    QTest::newRow("no break") << "page-breaks.rtf" << "Still page two" << "break" << "0";
+    QTest::newRow("page ends paragraph") << "page-breaks.rtf" << "Still page two" << "paragraph"
+                                         << "Still page two.";
+    QTest::newRow("page breaks before next") << "page-breaks.rtf" << "Page three" << "break" << "1";
+    QTest::newRow("huge uc skips one") << "uc-huge.rtf" << "CDEFGHIJ" << "paragraph"
+                                       << "AЖCDEFGHIJ text after the unicode char must stay.";
+    QTest::newRow("pn with stray ls") << "legacy-pn-with-ls.rtf" << "Second numbered" << "numbering"
+                                      << "decimal/1 '' '.' from 1 item 2";
+    QTest::newRow("pn without ls") << "legacy-pn-with-ls.rtf" << "second" << "numbering"
+                                   << "decimal/1 '' '.' from 1 item 2";
+    QTest::newRow("pn start and texts") << "legacy-pn-start.rtf" << "Fourth item" << "numbering"
+                                        << "lower-roman/1 '(' ')' from 3 item 2";
+    QTest::newRow("pn list ends") << "legacy-pn-with-ls.rtf" << "Plain paragraph" << "numbering" << "none";
+    QTest::newRow("list without indents") << "list-written-by-vantora.rtf" << "Level two 2" << "numbering"
+                                          << "decimal/2 '' '.' from 1 item 2";
+    QTest::newRow("list margins") << "list-written-by-vantora.rtf" << "Level one B" << "margins" << "0,0,0,0,0";
+    QTest::newRow("nested table") << "nested-table-written-by-vantora.rtf" << "in4" << "span" << "1x1 at 1,1 of 2x2";
+    QTest::newRow("right to left") << "rtl-paragraph.rtf" << "right to left" << "direction" << "1";
+    QTest::newRow("left to right") << "rtl-paragraph.rtf" << "Left to right" << "direction" << "0";
+    QTest::newRow("east asian font") << "cjk-associated-font.rtf" << "Latin and" << "families"
+                                     << "Liberation Serif,Noto Serif CJK JP";
+    QTest::newRow("af after hich") << "cjk-associated-font.rtf" << "no East Asian" << "families"
+                                   << "Liberation Serif";
+}
+
+// Each fault file read as it is, and again after it was saved and reopened.
+void TestRtfReader::faultFiles()
+{
+    QFETCH(QString, file);
+    QFETCH(QString, phrase);
+    QFETCH(QString, name);
+    QFETCH(QString, value);
+
+    QTextDocument document;
+    QVERIFY(RtfReader::read(corpusFile(QStringLiteral("faults/") + file), &document).ok);
+    for (const char *pass : {"read", "saved and reopened"}) {
+        QTextCursor found = document.find(phrase, 0, QTextDocument::FindCaseSensitively | QTextDocument::FindWholeWords);
+        if (found.isNull())
+            found = document.find(phrase, 0, QTextDocument::FindCaseSensitively);
+        QVERIFY2(!found.isNull(), qPrintable(phrase));
+        QVERIFY2(textProperty(found, name) == value,
+                 qPrintable(QStringLiteral("%1: %2").arg(QLatin1String(pass), textProperty(found, name))));
+        const QByteArray written = RtfWriter::write(document);
+        QVERIFY(RtfReader::read(written, &document).ok);
+    }
+}
+
 void TestRtfReader::corpusPictures_data()
 {
     QTest::addColumn<QString>("file");
@@ -310,6 +414,12 @@ void TestRtfReader::snippets_data()
     QTest::newRow("fallback skipped") << QByteArray("\\u8364?x") << QString::fromUtf16(u"€x");
     QTest::newRow("uc2 in a group") << QByteArray("{\\uc2\\u228\\'E8a}b") << QString::fromUtf16(u"äb");
     QTest::newRow("uc0") << QByteArray("\\uc0\\u8364 x") << QString::fromUtf16(u"€x");
+    // A fallback is at most 4 bytes long (GB18030); a longer \\uc is damage and counts as 1.
+    QTest::newRow("uc4") << QByteArray("{\\uc4\\u1046 abcd}e") << QString::fromUtf16(u"Жe");
+    QTest::newRow("uc5 is damage") << QByteArray("\\uc5\\u1046 abcdef") << QString::fromUtf16(u"Жbcdef");
+    QTest::newRow("negative uc") << QByteArray("\\uc-3\\u1046 ab") << QString::fromUtf16(u"Жb");
+    QTest::newRow("page ends paragraph") << QByteArray("a\\page b") << QString::fromUtf16(u"a\u2029b");
+    QTest::newRow("page after par") << QByteArray("a\\par\\page b") << QString::fromUtf16(u"a\u2029b");
     QTest::newRow("negative pair") << QByteArray("\\u-10179?\\u-9047?") << QString::fromUtf16(u"💩");
     QTest::newRow("pair across uc") << QByteArray("\\uc0 \\u55357\\uc1 \\u56832\\'3f.") << QString::fromUtf16(u"😀.");
     QTest::newRow("lone high") << QByteArray("\\u55296?x") << QString::fromUtf16(u"\uFFFDx");

@@ -197,6 +197,43 @@ void buildLinks(QTextCursor &cursor)
     cursor.insertText(QStringLiteral("mail"), link);
 }
 
+void buildSavedOnly(QTextCursor &cursor)
+{
+    QTextCharFormat format = charFormat("Liberation Sans", 12);
+    format.setFontCapitalization(QFont::SmallCaps);
+    cursor.insertText(QStringLiteral("small capitals "), format);
+    format.setFontCapitalization(QFont::AllUppercase);
+    cursor.insertText(QStringLiteral("capitals"), format);
+    QTextBlockFormat block;
+    block.setLayoutDirection(Qt::RightToLeft);
+    block.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    cursor.insertBlock(block);
+    cursor.insertText(QStringLiteral(u"\u05e9\u05dc\u05d5\u05dd on a new page"));
+    QTextListFormat list;
+    list.setStyle(QTextListFormat::ListUpperAlpha);
+    list.setProperty(RichText::ListStartProperty, 4);
+    cursor.insertList(list);
+    cursor.insertText(QStringLiteral("from D"));
+    QTextBlockFormat indented;
+    indented.setLeftMargin(20);
+    cursor.insertBlock(indented);
+    cursor.insertText(QStringLiteral("indented item"));
+}
+
+void buildMergedCells(QTextCursor &cursor)
+{
+    // The last row keeps every column edge: a file has no columns that no row ends at.
+    QTextTable *table = cursor.insertTable(4, 3);
+    table->mergeCells(0, 0, 2, 1);
+    table->mergeCells(2, 1, 1, 2);
+    table->mergeCells(0, 1, 2, 2);
+    table->cellAt(0, 0).firstCursorPosition().insertText(QStringLiteral("two rows"));
+    table->cellAt(0, 1).firstCursorPosition().insertText(QStringLiteral("two by two"));
+    table->cellAt(2, 1).firstCursorPosition().insertText(QStringLiteral("two columns"));
+    cursor.movePosition(QTextCursor::End);
+    cursor.insertText(QStringLiteral("after"));
+}
+
 void buildEmpty(QTextCursor &) {}
 
 QString colorName(const QBrush &brush)
@@ -222,8 +259,13 @@ private:
             if (const auto *table = qobject_cast<QTextTable *>(it.currentFrame())) {
                 lines << QStringLiteral("%1table %2x%3").arg(depth).arg(table->rows()).arg(table->columns());
                 for (int row = 0; row < table->rows(); ++row) {
-                    for (int column = 0; column < table->columns(); ++column)
-                        describeFrame(table->cellAt(row, column).begin(), depth + 1);
+                    for (int column = 0; column < table->columns(); ++column) {
+                        const QTextTableCell cell = table->cellAt(row, column);
+                        if (cell.row() != row || cell.column() != column)
+                            continue; // covered by a merged cell
+                        lines << QStringLiteral("%1cell %2x%3").arg(depth).arg(cell.rowSpan()).arg(cell.columnSpan());
+                        describeFrame(cell.begin(), depth + 1);
+                    }
                 }
             } else if (it.currentBlock().isValid()) {
                 describeBlock(it.currentBlock(), depth);
@@ -258,6 +300,10 @@ private:
                      .arg(list);
         if (block.length() == 1)
             lines << QStringLiteral("   mark %1").arg(pointSize(block.charFormat()));
+        lines << QStringLiteral("   direction %1 break %2 start %3")
+                     .arg(f.hasProperty(QTextFormat::LayoutDirection) ? int(f.layoutDirection()) : -1)
+                     .arg(int(f.pageBreakPolicy()))
+                     .arg(block.textList() ? block.textList()->format().intProperty(RichText::ListStartProperty) : -1);
         for (auto it = block.begin(); !it.atEnd(); ++it)
             describeFragment(it.fragment());
     }
@@ -282,7 +328,7 @@ private:
             return;
         }
         QStringList families = f.property(QTextFormat::FontFamilies).toStringList();
-        lines << QStringLiteral("   \"%1\" %2 %3 w%4 i%5 u%6 s%7 v%8 fg %9 bg %10 link %11")
+        lines << QStringLiteral("   \"%1\" %2 %3 w%4 i%5 u%6 s%7 c%12 v%8 fg %9 bg %10 link %11")
                      .arg(fragment.text(), families.value(0, m_document.defaultFont().family()))
                      .arg(pointSize(f))
                      .arg(f.fontWeight() >= QFont::DemiBold)
@@ -291,7 +337,8 @@ private:
                      .arg(f.fontStrikeOut())
                      .arg(f.verticalAlignment())
                      .arg(colorName(f.foreground()), colorName(f.background()),
-                          f.isAnchor() ? f.anchorHref() : QStringLiteral("-"));
+                          f.isAnchor() ? f.anchorHref() : QStringLiteral("-"))
+                     .arg(int(f.fontCapitalization()));
     }
 
     double pointSize(const QTextCharFormat &f) const
@@ -353,6 +400,8 @@ void TestRtfRoundTrip::builtDocuments_data()
     QTest::newRow("tables") << Builder(buildTables);
     QTest::newRow("pictures") << Builder(buildPictures);
     QTest::newRow("links") << Builder(buildLinks);
+    QTest::newRow("saved only") << Builder(buildSavedOnly);
+    QTest::newRow("merged cells") << Builder(buildMergedCells);
     QTest::newRow("empty") << Builder(buildEmpty);
 }
 

@@ -6,6 +6,10 @@
 #include <QTextCursor>
 #include <QTextDocument>
 #include <QTextList>
+#include <QTextTable>
+
+using Builder = void (*)(QTextCursor &);
+Q_DECLARE_METATYPE(Builder)
 
 namespace {
 
@@ -42,6 +46,77 @@ QTextImageFormat imageFormat(double width = 0, double height = 0)
     return format;
 }
 
+void buildCaps(QTextCursor &cursor)
+{
+    QTextCharFormat format;
+    format.setFontCapitalization(QFont::SmallCaps);
+    cursor.insertText(QStringLiteral("small "), format);
+    format.setFontCapitalization(QFont::AllUppercase);
+    cursor.insertText(QStringLiteral("all"), format);
+}
+
+void buildDirectionAndBreaks(QTextCursor &cursor)
+{
+    QTextBlockFormat format;
+    format.setLayoutDirection(Qt::RightToLeft);
+    format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysAfter);
+    cursor.setBlockFormat(format);
+    cursor.insertText(QStringLiteral("first"));
+    format = QTextBlockFormat();
+    format.setPageBreakPolicy(QTextFormat::PageBreak_AlwaysBefore);
+    cursor.insertBlock(format);
+    cursor.insertText(QStringLiteral("second"));
+}
+
+void buildNestedList(QTextCursor &cursor)
+{
+    cursor.insertList(QTextListFormat::ListDisc);
+    cursor.insertText(QStringLiteral("one"));
+    QTextListFormat nested;
+    nested.setStyle(QTextListFormat::ListDecimal);
+    nested.setIndent(2);
+    nested.setProperty(RichText::ListStartProperty, 3);
+    cursor.insertList(nested);
+    cursor.insertText(QStringLiteral("two"));
+    QTextBlockFormat indented = cursor.blockFormat();
+    indented.setLeftMargin(10);
+    cursor.insertBlock(indented);
+    cursor.insertText(QStringLiteral("three"));
+}
+
+void buildNestedTable(QTextCursor &cursor)
+{
+    QTextTableFormat format;
+    format.setCellPadding(7.2); // 108 twips
+    format.setBorder(0);
+    QTextTable *outer = cursor.insertTable(2, 2, format);
+    QTextTable *inner = outer->cellAt(0, 0).firstCursorPosition().insertTable(1, 2, format);
+    inner->cellAt(0, 1).firstCursorPosition().insertText(QStringLiteral("inner right"));
+    QTextTableFormat third = format;
+    third.setColumnWidthConstraints({QTextLength(QTextLength::PercentageLength, 25), QTextLength()});
+    outer->cellAt(1, 1).firstCursorPosition().insertTable(1, 2, third);
+}
+
+// The document's own CJK font, rather than a common one, for CJK text in a Latin font.
+void buildCjkWithDocumentFont(QTextCursor &cursor)
+{
+    QTextCharFormat latin;
+    latin.setFontFamilies({QStringLiteral("Liberation Sans")});
+    cursor.insertText(QStringLiteral(u"\u65e5\u672c"), latin);
+    QTextCharFormat chinese;
+    chinese.setFontFamilies({QStringLiteral(u"宋体")});
+    cursor.insertText(QStringLiteral(u"\u8a9e"), chinese);
+}
+
+void buildCjk(QTextCursor &cursor)
+{
+    QTextCharFormat latin;
+    latin.setFontFamilies({QStringLiteral("Liberation Serif")});
+    cursor.insertText(QStringLiteral(u"latin 日本"), latin);
+    cursor.insertBlock();
+    cursor.insertText(QStringLiteral("plain"), latin);
+}
+
 } // namespace
 
 class TestRtfWriter : public QObject
@@ -54,6 +129,8 @@ private slots:
     void rawPictureWrittenUnchanged();
     void longLinesBreakOnlyWhereIgnored();
     void deterministic();
+    void forOtherReaders_data();
+    void forOtherReaders();
 };
 
 void TestRtfWriter::header()
@@ -143,6 +220,61 @@ void TestRtfWriter::deterministic()
     build(first);
     build(second);
     QCOMPARE(RtfWriter::write(first), RtfWriter::write(second));
+}
+
+void TestRtfWriter::forOtherReaders_data()
+{
+    QTest::addColumn<Builder>("build");
+    QTest::addColumn<QByteArrayList>("expected");
+    QTest::addColumn<QByteArrayList>("unexpected");
+
+    QTest::newRow("capitals") << Builder(buildCaps) << QByteArrayList{"\\scaps small }", "\\caps all}"}
+                              << QByteArrayList{};
+    QTest::newRow("direction and breaks")
+        << Builder(buildDirectionAndBreaks)
+        << QByteArrayList{"\\pard\\plain\\rtlpar", "first}\\par\\page\r\n", "\\pagebb"}
+        << QByteArrayList{"second}\\par\\page"};
+    // Each level's text starts one document indent (40 px) further in, the marker hanging.
+    QTest::newRow("list indents")
+        << Builder(buildNestedList)
+        << QByteArrayList{"\\ls1\\ilvl0\\li600\\fi-360", "\\ls2\\ilvl1\\li1200\\fi-360",
+                          "\\ls2\\ilvl1\\li1350\\fi-360", "\\levelnfc0\\levelnfcn0",
+                          "\\levelstartat3", "\\fi-360\\li1200}"}
+        << QByteArrayList{};
+    // Outer columns of 4320 twips less two gaps of 108 leave 4104 for the inner table.
+    QTest::newRow("nested table in its cell")
+        << Builder(buildNestedTable)
+        << QByteArrayList{"\\itap2", "\\nestcell{\\*\\nesttableprops\\trowd",
+                          "\\cellx2052\\cellx4104\r\n\\nestrow}", "\\cellx1026\\cellx4104\r\n\\nestrow}",
+                          "\\cellx4320\\cellx8640\r\n", "{\\nonesttables\\par}"}
+        << QByteArrayList{"\\cellx6480", "\\cellx8640\r\n\\nestrow"};
+    QTest::newRow("east asian font")
+        << Builder(buildCjk)
+        << QByteArrayList{"{\\f1\\fswiss\\fcharset0 Noto Sans CJK SC;}", "{\\dbch\\af1\\loch\\f0\\fs24 latin \\u26085?",
+                          "{\\f0\\fs24 plain}"}
+        << QByteArrayList{};
+    QTest::newRow("document's east asian font")
+        << Builder(buildCjkWithDocumentFont)
+        << QByteArrayList{"{\\f1\\fnil\\fcharset0\\u23435?\\u20307?;}", "{\\dbch\\af1\\loch\\f0\\fs24\\u26085?",
+                          "{\\dbch\\af1\\loch\\f1\\fs24\\u-30050?"}
+        << QByteArrayList{"Noto Sans CJK"};
+}
+
+// What other word processors need to show the document as the editor does.
+void TestRtfWriter::forOtherReaders()
+{
+    QFETCH(Builder, build);
+    QFETCH(QByteArrayList, expected);
+    QFETCH(QByteArrayList, unexpected);
+    QTextDocument document;
+    document.setDefaultFont(QFont(QStringLiteral("Liberation Serif"), 12));
+    QTextCursor cursor(&document);
+    build(cursor);
+    const QByteArray rtf = RtfWriter::write(document);
+    for (const QByteArray &part : expected)
+        QVERIFY2(rtf.contains(part), qPrintable(part + "\n" + rtf));
+    for (const QByteArray &part : unexpected)
+        QVERIFY2(!rtf.contains(part), qPrintable(part + "\n" + rtf));
 }
 
 QTEST_MAIN(TestRtfWriter)
