@@ -15,14 +15,14 @@
 // time, the load included. Goal: the nested tables laid out within 1 s.
 
 #include "bench_support.h"
-#include "notes_large_note.h"
 #include "core/safe_file_write.h"
+#include "notes/document_file.h"
 #include "notes/note_document.h"
 #include "notes/page_box.h"
 #include "notes/rtf_writer.h"
 #include "notes/spell_checker.h"
 #include "notes/spell_highlighter.h"
-#include "notes/document_file.h"
+#include "notes_large_note.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QApplication>
@@ -47,12 +47,13 @@ QByteArray nestedTables(int depth)
 {
     QByteArray rtf = "{\\rtf1\\ansi ";
     for (int level = 1; level <= depth; ++level)
-        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level) + " level " + QByteArray::number(level) + "\\par ";
+        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level) + " level " + QByteArray::number(level) +
+               "\\par ";
     for (int i = 0; i < 20; ++i)
         rtf += "\\pard\\intbl\\itap" + QByteArray::number(depth) + " deep paragraph\\par ";
     for (int level = depth; level >= 2; --level)
-        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level)
-            + " x\\nestcell{\\*\\nesttableprops\\trowd\\cellx1000\\cellx2000\\nestrow}{\\nonesttables\\par}";
+        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level) +
+               " x\\nestcell{\\*\\nesttableprops\\trowd\\cellx1000\\cellx2000\\nestrow}{\\nonesttables\\par}";
     return rtf + "\\pard\\intbl\\itap1 y\\cell\\trowd\\cellx3000\\cellx6000\\row\\pard after\\par}";
 }
 
@@ -65,7 +66,8 @@ QByteArray bigTable()
     for (int row = 0; row < kTableRows; ++row) {
         rtf += definition;
         for (int column = 0; column < kTableColumns; ++column)
-            rtf += "\\pard\\intbl Row " + QByteArray::number(row) + " column " + QByteArray::number(column) + "\\cell ";
+            rtf += "\\pard\\intbl Row " + QByteArray::number(row) + " column " + QByteArray::number(column) +
+                   "\\cell ";
         rtf += "\\row ";
     }
     return rtf + "\\pard after the table\\par}";
@@ -75,8 +77,9 @@ QByteArray bigTable()
 // them: no two neighbouring runs share a format, and the paragraph is one unbreakable word.
 QByteArray manyRuns()
 {
-    QByteArray rtf = "{\\rtf1\\ansi{\\colortbl;\\red200\\green0\\blue0;\\red0\\green120\\blue0;\\red0\\green0\\blue200;"
-                     "\\red120\\green120\\blue0;}\\pard ";
+    QByteArray rtf =
+        "{\\rtf1\\ansi{\\colortbl;\\red200\\green0\\blue0;\\red0\\green120\\blue0;\\red0\\green0\\blue200;"
+        "\\red120\\green120\\blue0;}\\pard ";
     for (int i = 0; i < kRuns; ++i) {
         rtf += "{\\cf" + QByteArray::number(1 + i % 4);
         rtf += (i % 2 != 0) ? "\\b" : "\\i";
@@ -148,7 +151,8 @@ Opening openInPage(QStackedWidget &stack, SpellChecker &checker, const QString &
     QAbstractTextDocumentLayout *layout = document->page()->document()->documentLayout();
     QElapsedTimer quiet;
     quiet.start();
-    QObject::connect(layout, &QAbstractTextDocumentLayout::documentSizeChanged, layout, [&quiet] { quiet.restart(); });
+    QObject::connect(layout, &QAbstractTextDocumentLayout::documentSizeChanged, layout,
+                     [&quiet] { quiet.restart(); });
     SpellHighlighter *spelling = document->page()->spellHighlighter();
     constexpr int kQuietMs = 200;
     while ((quiet.elapsed() < kQuietMs || !spelling->isIdle()) && clock.elapsed() < 600000) {
@@ -190,7 +194,8 @@ int main(int argc, char *argv[])
     QDir().mkpath(QFileInfo(checker.settings().dictionaryPath()).absolutePath());
     QFile::copy(words, checker.settings().dictionaryPath());
     checker.DatabaseLoadCheck();
-    std::printf("spell checker: %s\n", checker.isReady() ? "word list read" : "no word list (underlines off)");
+    std::printf("spell checker: %s\n",
+                checker.isReady() ? "word list read" : "no word list (underlines off)");
 
     QStackedWidget stack;
     stack.addWidget(new QWidget);
@@ -228,8 +233,8 @@ int main(int argc, char *argv[])
         const Figures all = summarise(laidOut);
         const Figures stall = summarise(stalls);
         std::printf("%-7s %s, %.1f KB\n", test.key, test.title, bytes.size() / 1024.0);
-        std::printf("        load %8.0f ms   laid out %8.0f ms (worst %.0f)   stall %8.0f ms%s\n", load.median,
-                    all.median, all.worst, stall.median,
+        std::printf("        load %8.0f ms   laid out %8.0f ms (worst %.0f)   stall %8.0f ms%s\n",
+                    load.median, all.median, all.worst, stall.median,
                     QLatin1String(test.key) == QLatin1String("nested") ? "   goal: laid out < 1000 ms" : "");
         std::fflush(stdout);
     }

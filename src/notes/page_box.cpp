@@ -171,8 +171,9 @@ void PageBox::showDocument(QTextDocument *document)
     // does, once, when it gives the document the width of the page.
     document->setPageSize(QSizeF(0, 0));
     document->documentLayout()->setPaintDevice(m_zoomDevice.get());
-    const QTextOption::WrapMode wrap = HasLongUnbrokenStretch(document) ? QTextOption::WrapAnywhere
-                                                                       : QTextOption::WrapAtWordBoundaryOrAnywhere;
+    const QTextOption::WrapMode wrap = HasLongUnbrokenStretch(document)
+                                           ? QTextOption::WrapAnywhere
+                                           : QTextOption::WrapAtWordBoundaryOrAnywhere;
     setWordWrapMode(wrap);
     QTextOption option = document->defaultTextOption();
     option.setWrapMode(wrap);
@@ -213,7 +214,8 @@ void PageBox::resizeEvent(QResizeEvent *event)
 {
     // The first resize of the page or its viewport, when shown at last, tells no old size, and
     // Qt lays the document out again even when its width is the one it was laid out at.
-    if (!event->oldSize().isValid() && qFuzzyCompare(document()->pageSize().width(), qreal(viewport()->width()))) {
+    const bool sameWidth = qFuzzyCompare(document()->pageSize().width(), qreal(viewport()->width()));
+    if (!event->oldSize().isValid() && sameWidth) {
         QResizeEvent unchanged(event->size(), event->size());
         QTextEdit::resizeEvent(&unchanged);
         return;

@@ -74,11 +74,12 @@ QByteArray nestedTables(int depth, const QByteArray &extra = {})
 {
     QByteArray rtf;
     for (int level = 1; level <= depth; ++level)
-        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level) + " level " + QByteArray::number(level) + "\\par ";
+        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level) + " level " + QByteArray::number(level) +
+               "\\par ";
     rtf += "\\pard\\intbl\\itap" + QByteArray::number(depth) + " " + extra + "deep\\par ";
     for (int level = depth; level >= 2; --level)
-        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level)
-            + " x\\nestcell{\\*\\nesttableprops\\trowd\\cellx1000\\cellx2000\\nestrow}{\\nonesttables\\par}";
+        rtf += "\\pard\\intbl\\itap" + QByteArray::number(level) +
+               " x\\nestcell{\\*\\nesttableprops\\trowd\\cellx1000\\cellx2000\\nestrow}{\\nonesttables\\par}";
     return rtf + "\\pard\\intbl\\itap1 y\\cell\\trowd\\cellx3000\\cellx6000\\row\\pard after\\par ";
 }
 
@@ -189,9 +190,11 @@ void TestNotesLayout::openLaysOutOnce_data()
     const QByteArray picture = pictureRtf();
     QTest::newRow("paragraphs, picture last") << rtfOf(paragraphs(40) + "\\pard " + picture + "\\par") << 100;
     QTest::newRow("zoomed in before opening") << rtfOf(paragraphs(40) + "\\pard " + picture + "\\par") << 150;
-    QTest::newRow("zoomed out before opening") << rtfOf(paragraphs(150) + "\\pard " + picture + "\\par") << 50;
+    QTest::newRow("zoomed out before opening")
+        << rtfOf(paragraphs(150) + "\\pard " + picture + "\\par") << 50;
     QTest::newRow("table first, picture in it") << rtfOf(table(60, picture) + "\\pard after\\par") << 100;
-    QTest::newRow("nested tables, picture deepest") << rtfOf(paragraphs(40) + nestedTables(6, picture)) << 100;
+    QTest::newRow("nested tables, picture deepest")
+        << rtfOf(paragraphs(40) + nestedTables(6, picture)) << 100;
 }
 
 // The editor loads a document into a page of its stack that is not in front yet, then brings
@@ -241,8 +244,10 @@ void TestNotesLayout::deepTablesFlatten_data()
     QTest::addColumn<int>("shownDepth");
     QTest::addColumn<bool>("warned");
     QTest::newRow("one table") << 1 << 1 << false;
-    QTest::newRow("as deep as laid out") << RtfDocumentBuilder::kDeepestTable << RtfDocumentBuilder::kDeepestTable << false;
-    QTest::newRow("one level deeper") << RtfDocumentBuilder::kDeepestTable + 1 << RtfDocumentBuilder::kDeepestTable << true;
+    QTest::newRow("as deep as laid out")
+        << RtfDocumentBuilder::kDeepestTable << RtfDocumentBuilder::kDeepestTable << false;
+    QTest::newRow("one level deeper")
+        << RtfDocumentBuilder::kDeepestTable + 1 << RtfDocumentBuilder::kDeepestTable << true;
     QTest::newRow("16 deep") << 16 << RtfDocumentBuilder::kDeepestTable << true;
 }
 
@@ -261,7 +266,8 @@ void TestNotesLayout::deepTablesFlatten()
     const QStringList flattened = result.warnings.filter(QStringLiteral("flattened"));
     QCOMPARE(flattened.size(), warned ? 1 : 0);
     if (warned)
-        QVERIFY(flattened.first().startsWith(QStringLiteral("Tables nested deeper than 8 levels were flattened")));
+        QVERIFY(flattened.first().startsWith(
+            QStringLiteral("Tables nested deeper than 8 levels were flattened")));
 }
 
 void TestNotesLayout::runsSurviveRoundTrip_data()
@@ -272,7 +278,8 @@ void TestNotesLayout::runsSurviveRoundTrip_data()
     QByteArray glued = "\\pard ";
     QByteArray repeated = "\\pard ";
     for (int i = 0; i < 50000; ++i) {
-        colours += "{\\cf" + QByteArray::number(1 + i % 2) + (i % 3 == 0 ? "\\b" : "") + " w" + QByteArray::number(i % 10) + " }";
+        colours += "{\\cf" + QByteArray::number(1 + i % 2) + (i % 3 == 0 ? "\\b" : "") + " w" +
+                   QByteArray::number(i % 10) + " }";
         glued += (i % 2 == 0 ? "{\\b a}" : "{\\i b}");
         repeated += "{\\b c}";
     }
@@ -346,7 +353,9 @@ void TestNotesLayout::longStretchWrapsAnywhere()
     if (type == QLatin1String("TXT"))
         QCOMPARE(note.document()->toPlainText(), QString::fromLatin1(content));
     // The next document with ordinary text wraps at words again.
-    QVERIFY(note.load(write(type == QLatin1String("TXT") ? QByteArray("short words") : rtfOf("\\pard short\\par"))).ok);
+    QVERIFY(note.load(write(type == QLatin1String("TXT") ? QByteArray("short words")
+                                                         : rtfOf("\\pard short\\par")))
+                .ok);
     QCOMPARE(note.page()->wordWrapMode(), QTextOption::WrapAtWordBoundaryOrAnywhere);
 }
 
