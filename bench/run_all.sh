@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=${1:-build}
-cmake --build "$build" --target startup_bench paint_bench notes_file_bench spell_bench spell_list print_bench catalogue_bench whiteboard_bench vantora
+cmake --build "$build" --target startup_bench paint_bench notes_file_bench notes_layout_bench spell_bench spell_list print_bench catalogue_bench whiteboard_bench vantora
 
 echo "== Start-up beside a bare Qt label window, timed on the X server =="
 "$(dirname "$0")/launch_vs_bare_qt.sh" "$build"
@@ -20,6 +20,10 @@ QT_QPA_PLATFORM=offscreen "$build/bin/paint_bench"
 echo
 echo "== Opening and saving a 5 MB rich-text note with pictures and tables =="
 QT_QPA_PLATFORM=offscreen "$build/bin/notes_file_bench"
+
+echo
+echo "== Opening into an editor page until laid out: nested tables, a big table, long runs and lines =="
+QT_QPA_PLATFORM=offscreen "$build/bin/notes_layout_bench"
 
 echo
 echo "== Spell checker: word list, listing a 1 MB text against hunspell, typing in 100 pages =="

@@ -9,6 +9,8 @@
 #include "notes/text_formatting.h"
 
 #include <QFileInfo>
+#include <QGuiApplication>
+#include <QScopeGuard>
 #include <QTextDocument>
 #include <QVBoxLayout>
 
@@ -33,7 +35,12 @@ NoteDocument::NoteDocument(int tagNo, int number, const QString &type, QWidget *
     adoptDocument(m_page->document());
 }
 
-NoteDocument::~NoteDocument() = default;
+NoteDocument::~NoteDocument()
+{
+    // The document goes with the page: the spell checker letting go of it must not have it
+    // laid out once more.
+    m_page->document()->setPageSize(QSizeF(0, 0));
+}
 
 bool NoteDocument::isRichText() const
 {
@@ -92,6 +99,9 @@ void NoteDocument::setNewDocumentFormat(const QFont &font, const QColor &color)
 
 DocumentFileResult NoteDocument::load(const QString &path)
 {
+    // Reading a large file and laying out its first screen can take a moment.
+    QGuiApplication::setOverrideCursor(Qt::WaitCursor);
+    const auto restoreCursor = qScopeGuard([] { QGuiApplication::restoreOverrideCursor(); });
     auto loaded = std::make_unique<QTextDocument>();
     loaded->setDefaultFont(m_page->document()->defaultFont());
     PlainTextFile format;
@@ -111,9 +121,10 @@ void NoteDocument::adoptDocument(QTextDocument *document)
     if (document != old) {
         // The box deletes the document it made itself; one given to it earlier is ours.
         const bool ours = old->parent() == m_page;
+        if (ours)
+            old->setPageSize(QSizeF(0, 0)); // not laid out again on its way out
         document->setParent(m_page);
-        m_page->setDocument(document);
-        m_page->applyZoom();
+        m_page->showDocument(document);
         if (m_page->spellHighlighter())
             m_page->setSpellChecker(m_page->spellHighlighter()->checker());
         if (ours)

@@ -11,8 +11,12 @@
 #include <QImageReader>
 #include <QAbstractTextDocumentLayout>
 #include <QContextMenuEvent>
+#include <QCoreApplication>
+#include <QLayout>
 #include <QMenu>
 #include <QMimeData>
+#include <QStackedWidget>
+#include <QTextBoundaryFinder>
 #include <QWheelEvent>
 #include <QTextBlock>
 #include <QTextDocumentFragment>
@@ -78,6 +82,28 @@ QByteArray RtfOf(const QMimeData *source)
     return QByteArray();
 }
 
+// Qt looks for a place to break a line to the end of the unbreakable stretch it is in, for
+// every line of it: a stretch of a million characters takes minutes. A document holding one
+// longer than this wraps anywhere, which is what Qt does in the end for such a stretch anyway.
+constexpr int kLongestUnbrokenStretch = 20000;
+
+bool HasLongUnbrokenStretch(const QTextDocument *document)
+{
+    for (QTextBlock block = document->begin(); block.isValid(); block = block.next()) {
+        if (block.length() <= kLongestUnbrokenStretch)
+            continue;
+        const QString text = block.text();
+        QTextBoundaryFinder breaks(QTextBoundaryFinder::Line, text);
+        qsizetype last = 0;
+        for (qsizetype at = breaks.toNextBoundary(); at >= 0; at = breaks.toNextBoundary()) {
+            if (at - last > kLongestUnbrokenStretch)
+                return true;
+            last = at;
+        }
+    }
+    return false;
+}
+
 } // namespace
 
 PageBox::PageBox(QWidget *parent)
@@ -87,6 +113,9 @@ PageBox::PageBox(QWidget *parent)
     setAcceptRichText(true);
     setTabChangesFocus(false);
     setFrameShape(QFrame::NoFrame);
+    // A scroll bar that came and went would narrow the page and have the whole document laid
+    // out again as soon as it outgrew the window.
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
     // A match found from the find bar stays visible while the find box has the keyboard.
     QPalette pal = palette();
     pal.setColor(QPalette::Inactive, QPalette::Highlight, pal.color(QPalette::Active, QPalette::Highlight));
@@ -125,16 +154,73 @@ void PageBox::wheelEvent(QWheelEvent *event)
 void PageBox::applyZoom()
 {
     if (m_zoom == 100) {
-        document()->documentLayout()->setPaintDevice(nullptr);
         m_zoomDevice.reset();
     } else {
-        auto device = std::make_unique<ZoomedScreen>(this, m_zoom);
-        document()->documentLayout()->setPaintDevice(device.get());
-        m_zoomDevice = std::move(device);
+        m_zoomDevice = std::make_unique<ZoomedScreen>(this, m_zoom);
     }
+    document()->documentLayout()->setPaintDevice(m_zoomDevice.get());
     // The layout keeps the old sizes until the whole document is laid out again.
     document()->markContentsDirty(0, document()->characterCount());
     viewport()->update();
+}
+
+void PageBox::showDocument(QTextDocument *document)
+{
+    // A new document is laid out at unlimited width as soon as it has a layout, and again at
+    // each change of its options. With an empty page size nothing here lays it out: the box
+    // does, once, when it gives the document the width of the page.
+    document->setPageSize(QSizeF(0, 0));
+    document->documentLayout()->setPaintDevice(m_zoomDevice.get());
+    const QTextOption::WrapMode wrap = HasLongUnbrokenStretch(document)
+                                           ? QTextOption::WrapAnywhere
+                                           : QTextOption::WrapAtWordBoundaryOrAnywhere;
+    setWordWrapMode(wrap);
+    QTextOption option = document->defaultTextOption();
+    option.setWrapMode(wrap);
+    document->setDefaultTextOption(option);
+    takePendingSize();
+    setDocument(document);
+}
+
+void PageBox::takePendingSize()
+{
+    // A page that was never shown learns its size only when it is, and would then lay the
+    // document out again at that width. A page of a stack that is not in front yet takes the
+    // size of the one in front, as it will when brought there, and passes it down now.
+    if (!testAttribute(Qt::WA_PendingResizeEvent))
+        return;
+    QList<QWidget *> holders;
+    for (QWidget *holder = parentWidget(); holder; holder = holder->parentWidget()) {
+        holders.prepend(holder);
+        auto *stack = qobject_cast<QStackedWidget *>(holder->parentWidget());
+        if (stack && stack->currentWidget() && stack->currentWidget() != holder) {
+            holder->setGeometry(stack->currentWidget()->geometry());
+            break;
+        }
+    }
+    for (QWidget *holder : std::as_const(holders)) {
+        if (holder->layout())
+            holder->layout()->activate();
+    }
+    // The page sizes its viewport; the viewport's own first resize would lay out again too.
+    for (QWidget *widget : {static_cast<QWidget *>(this), viewport()}) {
+        QResizeEvent resize(widget->size(), QSize());
+        QCoreApplication::sendEvent(widget, &resize);
+        widget->setAttribute(Qt::WA_PendingResizeEvent, false);
+    }
+}
+
+void PageBox::resizeEvent(QResizeEvent *event)
+{
+    // The first resize of the page or its viewport, when shown at last, tells no old size, and
+    // Qt lays the document out again even when its width is the one it was laid out at.
+    const bool sameWidth = qFuzzyCompare(document()->pageSize().width(), qreal(viewport()->width()));
+    if (!event->oldSize().isValid() && sameWidth) {
+        QResizeEvent unchanged(event->size(), event->size());
+        QTextEdit::resizeEvent(&unchanged);
+        return;
+    }
+    QTextEdit::resizeEvent(event);
 }
 
 bool PageBox::canInsertFromMimeData(const QMimeData *source) const

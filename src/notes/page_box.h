@@ -28,8 +28,10 @@ public:
     // as it was). 100 is actual size; the range is 50 to 300.
     void setZoom(int percent);
     int zoom() const { return m_zoom; }
-    // The box was given another document: it takes the zoom too.
-    void applyZoom();
+    // Shows `document` on the page. What the layout depends on (the zoom, the wrapping) is
+    // given to the document first, so it is laid out once, a screenful at a time from the
+    // event loop, instead of once on arrival and again for the zoom.
+    void showDocument(QTextDocument *document);
 
     // Underlines unknown words as the user types, and offers suggestions, Ignore All and Add
     // to Dictionary on the menu of an underlined word. Call again after setDocument.
@@ -47,11 +49,14 @@ protected:
     QMimeData *createMimeDataFromSelection() const override;
     // Ctrl with the wheel zooms.
     void wheelEvent(QWheelEvent *event) override;
+    void resizeEvent(QResizeEvent *event) override;
     void contextMenuEvent(QContextMenuEvent *event) override;
     // A right click belongs to the page's own menu, not to the widget menu of the window.
     void mousePressEvent(QMouseEvent *event) override;
 
 private:
+    void applyZoom();
+    void takePendingSize();
     bool insertRichText(const QByteArray &rtf);
     bool insertPictureFiles(const QList<QUrl> &urls);
     void addSpellingActions(QMenu *menu, int position);

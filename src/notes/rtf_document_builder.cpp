@@ -19,9 +19,23 @@ void RtfDocumentBuilder::build(const std::vector<RtfBlock> &blocks)
     cursor.endEditBlock();
 }
 
+QStringList RtfDocumentBuilder::warnings() const
+{
+    if (!m_flattened)
+        return {};
+    return {QStringLiteral("Tables nested deeper than %1 levels were flattened into their enclosing cell; "
+                           "their text is kept as paragraphs.")
+                .arg(kDeepestTable)};
+}
+
 void RtfDocumentBuilder::writeFlow(QTextCursor &cursor, const std::vector<RtfBlock> &blocks, bool fresh)
 {
     for (const RtfBlock &block : blocks) {
+        if (block.table && m_tableDepth >= kDeepestTable) {
+            writeFlattened(cursor, *block.table, fresh);
+            fresh = false;
+            continue;
+        }
         if (block.table) {
             writeTable(cursor, *block.table);
         } else {
@@ -29,6 +43,23 @@ void RtfDocumentBuilder::writeFlow(QTextCursor &cursor, const std::vector<RtfBlo
         }
         // After a table the cursor stands in the empty block that follows it.
         fresh = bool(block.table);
+    }
+}
+
+void RtfDocumentBuilder::writeFlattened(QTextCursor &cursor, const RtfTable &table, bool fresh)
+{
+    m_flattened = true;
+    for (const auto &row : table.rows) {
+        for (const RtfCell &cell : row) {
+            // A cell with nothing in it would only leave an empty line behind.
+            const bool empty = std::all_of(cell.blocks.begin(), cell.blocks.end(), [](const RtfBlock &block) {
+                return !block.table && block.paragraph.runs.empty();
+            });
+            if (empty)
+                continue;
+            writeFlow(cursor, cell.blocks, fresh);
+            fresh = false;
+        }
     }
 }
 
@@ -78,6 +109,7 @@ void RtfDocumentBuilder::writeTable(QTextCursor &cursor, const RtfTable &table)
     format.setColumnWidthConstraints(columnWidths(grid, definition));
     QTextTable *textTable = cursor.insertTable(int(table.rows.size()), columns, format);
     mergeCells(textTable, grid);
+    ++m_tableDepth;
     for (int r = 0; r < int(table.rows.size()); ++r) {
         const auto &row = table.rows[size_t(r)];
         for (int c = 0; c < int(row.size()); ++c) {
@@ -90,6 +122,7 @@ void RtfDocumentBuilder::writeTable(QTextCursor &cursor, const RtfTable &table)
             writeFlow(cellCursor, row[size_t(c)].blocks, !place.covered);
         }
     }
+    --m_tableDepth;
     cursor.setPosition(textTable->lastPosition() + 1);
 }
 

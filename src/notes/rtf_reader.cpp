@@ -34,9 +34,10 @@ RtfReadResult RtfReader::read(const QByteArray &rtf, QTextDocument *document)
     document->clear();
     RtfParser parser(QByteArrayView(rtf).sliced(start), document);
     const std::vector<RtfBlock> blocks = parser.parse();
-    RtfDocumentBuilder(document).build(blocks);
+    RtfDocumentBuilder builder(document);
+    builder.build(blocks);
     document->setUndoRedoEnabled(undo);
     result.ok = true;
-    result.warnings = parser.warnings();
+    result.warnings = parser.warnings() + builder.warnings();
     return result;
 }
