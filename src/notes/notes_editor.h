@@ -23,6 +23,7 @@ class QTabWidget;
 class QTimer;
 class QToolButton;
 class RecoveryStore;
+struct RecoveryEntry;
 class SpellChecker;
 class SpellPanel;
 
@@ -107,6 +108,9 @@ private:
     // The name of the document's recovery copy, made on first use.
     QString recoveryIdOf(const NoteDocument *document);
     bool saveDocument(NoteDocument *document, const QString &path, const QString &type);
+    // Asks before a plain-text save that would drop formatting, lists, tables or pictures;
+    // true when there is nothing to lose or the user agreed.
+    bool confirmPlainTextSave(NoteDocument *document);
     int tabOf(const NoteDocument *document) const;
     void refreshCaption(NoteDocument *document);
     void refreshStatistics();
@@ -117,9 +121,14 @@ private:
     void scheduleRecoveryCopies();
     void writeDueRecoveryCopies();
     void writeCopies(const QStringList &ids);
+    void writeOpenDocumentsList();
+    // The saved documents open when the copies were last written; the list is used once.
+    static QStringList takeOpenDocumentsList();
+    NoteDocument *restoreDocument(const RecoveryEntry &entry);
     void onTabChosen(int index);
     void insertPicture(const QString &path, const QImage &image);
     void openFiles(const QStringList &paths);
+    void filesDroppedOn(NoteDocument *document, const QStringList &paths);
     void addRecentFile(const QString &path);
     void fillRecentMenu();
     void applyPanelStyle();
@@ -129,6 +138,7 @@ private:
     void stopSpellCheck();
     // Writes the words added to the dictionary; tells the user when that fails.
     void saveDictionary();
+    void reportDictionaryError(const QString &error);
 
     DocumentTable m_table;
     QWidget *m_commands = nullptr;
