@@ -31,6 +31,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QPainter>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -94,6 +95,8 @@ NotesEditor::NotesEditor(QWidget *parent)
     m_tabs->setUsesScrollButtons(true);
     m_tabs->setDocumentMode(true);
     m_tabs->setFocusPolicy(Qt::NoFocus);
+    for (QToolButton *scroll : m_tabs->findChildren<QToolButton *>())
+        scroll->installEventFilter(this);
     tabRow->addWidget(m_tabs, 1);
     m_listButton = new QToolButton(panel());
     m_listButton->setObjectName(QStringLiteral("btnWINDOWS"));
@@ -953,19 +956,52 @@ void NotesEditor::ThemeElementsUpdate()
 
 void NotesEditor::applyPanelStyle()
 {
-    const QColor text = ApplyPanelToolTheme(m_title, panel());
-    // The tab strip's scroll buttons sit over the tabs: solid, with room for an arrow that the
-    // panel's button padding would otherwise squeeze to a dot, drawn in the panel's text colour.
-    const QColor base = m_pages->palette().color(QPalette::Base);
-    const auto tint = [&text](int alpha) {
-        return QColor(text.red(), text.green(), text.blue(), alpha).name(QColor::HexArgb);
-    };
-    m_tabs->setStyleSheet(QStringLiteral("QTabBar::scroller { width: 44px; }"
-                                         "QTabBar QToolButton { color: %1; background: %2; border: 1px solid %3;"
-                                         "  border-radius: 3px; padding: 0px; margin: 1px 0px; }"
-                                         "QTabBar QToolButton:hover { border-color: %4; }"
-                                         "QTabBar QToolButton:disabled { color: %5; }")
-                              .arg(text.name(), base.name(), tint(110), tint(200), tint(90)));
+    m_panelText = ApplyPanelToolTheme(m_title, panel());
+    // Room for the two scroll buttons, which the editor paints itself (paintScrollButton).
+    m_tabs->setStyleSheet(QStringLiteral("QTabBar::scroller { width: 48px; }"));
+    for (QToolButton *button : m_tabs->findChildren<QToolButton *>())
+        button->update();
+}
+
+bool NotesEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Paint && watched->parent() == m_tabs) {
+        if (auto *button = qobject_cast<QToolButton *>(watched)) {
+            paintScrollButton(button);
+            return true;
+        }
+    }
+    return WidgetWindow::eventFilter(watched, event);
+}
+
+void NotesEditor::paintScrollButton(QToolButton *button)
+{
+    // The tab strip's scroll buttons sit over the tabs: solid, in the page's colours like the
+    // chosen tab, framed in the panel's text colour, with an arrow that fills the button
+    // (the panel's button padding left the style's own arrow a dot).
+    const QPalette page = m_pages->palette();
+    const QColor ink = page.color(QPalette::Text);
+    const QColor paper = page.color(QPalette::Base);
+    const QColor arrow = button->isEnabled() ? ink : ResolveColor(BlendColor(ToOleColor(ink), ToOleColor(paper), 80));
+    QPainter painter(button);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF box = QRectF(button->rect()).adjusted(1.5, 2.5, -1.5, -2.5);
+    painter.setPen(QPen(button->underMouse() && button->isEnabled() ? ink : m_panelText, 1));
+    painter.setBrush(button->isDown() ? ResolveColor(BlendColor(ToOleColor(ink), ToOleColor(paper), 40)) : paper);
+    painter.drawRoundedRect(box, 3, 3);
+    const qreal half = qMin(box.width(), box.height()) * 0.22;
+    const QPointF centre = box.center();
+    const qreal direction = button->arrowType() == Qt::LeftArrow || button->arrowType() == Qt::UpArrow ? -1 : 1;
+    QPolygonF triangle;
+    if (button->arrowType() == Qt::UpArrow || button->arrowType() == Qt::DownArrow)
+        triangle << centre + QPointF(-half * 1.3, -half * direction) << centre + QPointF(half * 1.3, -half * direction)
+                 << centre + QPointF(0, half * direction);
+    else
+        triangle << centre + QPointF(-half * direction, -half * 1.3) << centre + QPointF(-half * direction, half * 1.3)
+                 << centre + QPointF(half * direction, 0);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(arrow);
+    painter.drawPolygon(triangle);
 }
 
 void NotesEditor::relayout()

@@ -4,6 +4,7 @@
 #include "core/recovery_debounce.h"
 #include "themes/widget_window.h"
 
+#include <QColor>
 #include <QHash>
 #include <QPointer>
 
@@ -93,6 +94,7 @@ protected:
     // Files dropped anywhere on the editor outside the page open as documents.
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void buildCommandRow(QWidget *row);
@@ -132,6 +134,7 @@ private:
     void addRecentFile(const QString &path);
     void fillRecentMenu();
     void applyPanelStyle();
+    void paintScrollButton(QToolButton *button);
     void buildSpellPanel();
     void showUnknownWord(const QString &word, const QStringList &suggestions);
     void spellCheckFinished();
@@ -156,6 +159,7 @@ private:
     QLabel *m_lines = nullptr;
     QLabel *m_zoom = nullptr;
     QMenu *m_recentMenu = nullptr;
+    QColor m_panelText;
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;
     SpellChecker *m_spell = nullptr;
