@@ -95,6 +95,8 @@ NotesEditor::NotesEditor(QWidget *parent)
     m_tabs->setUsesScrollButtons(true);
     m_tabs->setDocumentMode(true);
     m_tabs->setFocusPolicy(Qt::NoFocus);
+    // Room for the two scroll buttons, which the editor paints itself (paintScrollButton).
+    m_tabs->setStyleSheet(QStringLiteral("QTabBar::scroller { width: 48px; }"));
     for (QToolButton *scroll : m_tabs->findChildren<QToolButton *>())
         scroll->installEventFilter(this);
     tabRow->addWidget(m_tabs, 1);
@@ -957,8 +959,6 @@ void NotesEditor::ThemeElementsUpdate()
 void NotesEditor::applyPanelStyle()
 {
     m_panelText = ApplyPanelToolTheme(m_title, panel());
-    // Room for the two scroll buttons, which the editor paints itself (paintScrollButton).
-    m_tabs->setStyleSheet(QStringLiteral("QTabBar::scroller { width: 48px; }"));
     for (QToolButton *button : m_tabs->findChildren<QToolButton *>())
         button->update();
 }

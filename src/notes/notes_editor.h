@@ -159,7 +159,7 @@ private:
     QLabel *m_lines = nullptr;
     QLabel *m_zoom = nullptr;
     QMenu *m_recentMenu = nullptr;
-    QColor m_panelText;
+    QColor m_panelText = Qt::gray; // the panel's text colour, from the theme
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;
     SpellChecker *m_spell = nullptr;

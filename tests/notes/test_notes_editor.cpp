@@ -18,6 +18,7 @@
 #include <QPushButton>
 #include <QPointer>
 #include <QTabBar>
+#include <QToolButton>
 #include <QTest>
 
 #include <memory>
@@ -78,6 +79,7 @@ private slots:
     void recoveryRestoresTheDocumentSet();
     void addedWordsAreWrittenAtOnce();
     void savedFileShowsInTheDocumentBrowser();
+    void tabScrollButtonsShowTheirArrows();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -488,6 +490,40 @@ void TestNotesEditor::savedFileShowsInTheDocumentBrowser()
     QVERIFY(files->findItems(QStringLiteral("n.txt"), Qt::MatchExactly).isEmpty());
     QVERIFY(m_editor->DocumentSaveMain());
     QCOMPARE(files->findItems(QStringLiteral("n.txt"), Qt::MatchExactly).size(), 1);
+}
+
+// With more tabs than fit, the scroll buttons show an arrow a user can see: a solid patch of
+// the page's text colour, not a dot.
+void TestNotesEditor::tabScrollButtonsShowTheirArrows()
+{
+    m_editor->resize(700, 500);
+    m_editor->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_editor));
+    for (int i = 0; i < 20; ++i)
+        m_editor->DocumentNew();
+    auto *tabs = m_editor->findChild<QTabBar *>("tabDOCS");
+    const QColor ink = m_editor->activeDocument()->page()->palette().color(QPalette::Text);
+    QList<QToolButton *> shown;
+    for (QToolButton *button : tabs->findChildren<QToolButton *>()) {
+        if (button->isVisible())
+            shown.append(button);
+    }
+    QCOMPARE(shown.size(), 2);
+    for (QToolButton *button : std::as_const(shown)) {
+        QVERIFY2(button->width() >= 18 && button->height() >= 16,
+                 qPrintable(QStringLiteral("%1x%2").arg(button->width()).arg(button->height())));
+        const QImage image = button->grab().toImage();
+        int inked = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                inked += qAbs(c.red() - ink.red()) + qAbs(c.green() - ink.green()) + qAbs(c.blue() - ink.blue()) < 90;
+            }
+        }
+        // The button at the end it cannot go past is paler, yet still drawn; the other is ink.
+        if (button->isEnabled())
+            QVERIFY2(inked >= 12, qPrintable(QString::number(inked)));
+    }
 }
 
 QTEST_MAIN(TestNotesEditor)
