@@ -31,7 +31,17 @@ stop_session() {
 }
 trap stop_session EXIT
 
-start_private_xvfb || skip "Xvfb could not be started"
+# Two servers starting at once may both go for the same free display; the loser tries again.
+started=
+for _ in 1 2 3 4; do
+    if start_private_xvfb 2>/dev/null; then
+        started=1
+        break
+    fi
+    stop_private_xvfb
+    sleep "0.$((RANDOM % 5 + 1))"
+done
+[[ -n $started ]] || skip "Xvfb could not be started"
 openbox --sm-disable >/dev/null 2>&1 &
 wm_pid=$!
 # The window manager is up once it has announced itself on the root window.

@@ -1,7 +1,8 @@
 #!/usr/bin/env bash
 # Saves a formatted note through the real save dialog as a user does, with keys typed on the X
 # server: the rich text type is what the dialog offers, so "shopping" must become shopping.rtf
-# holding the formatting, and a typed "shopping3.rtf" must stay shopping3.rtf.
+# holding the formatting, a typed "shopping3.rtf" must stay shopping3.rtf, and Save As of that
+# file must stay rich text too.
 #   save_dialog_test.sh PROGRAM      (run by run_desktop_test.sh)
 set -u
 
@@ -84,4 +85,14 @@ save_note_as shopping3.rtf
 wait_for_file "$docs/shopping3.rtf" || fail "shopping3.rtf was not written"
 head -c 5 "$docs/shopping3.rtf" | grep -qF '{\rtf' || fail "shopping3.rtf is not rich text"
 [[ ! -e $docs/shopping3.rtf.txt && ! -e $docs/shopping3.rtf.rtf ]] || fail "the typed extension was doubled"
-echo "PASS: shopping.rtf and shopping3.rtf written as rich text"
+# Save As of the rich file just saved: the dialog offers rich text again.
+xdotool key ctrl+shift+s
+dialog=$(window_named '^Save as a new file$') || true
+[[ -n $dialog ]] || fail "the save dialog did not open for Save As"
+xdotool windowactivate --sync "$dialog"
+xdotool key ctrl+a
+xdotool type --delay 20 copy
+xdotool key Return
+wait_for_file "$docs/copy.rtf" || fail "Save As of a rich file did not write copy.rtf"
+[[ ! -e $docs/copy.txt ]] || fail "Save As of a rich file wrote copy.txt"
+echo "PASS: shopping.rtf, shopping3.rtf and copy.rtf written as rich text"
