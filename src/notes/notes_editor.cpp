@@ -716,15 +716,16 @@ void NotesEditor::offerRecoveredDocuments()
         if (IsUntouchedNew(document))
             starters.append(document);
     }
-    // The saved documents open first, in their order; the recovered ones after them.
-    for (const QString &path : openPaths) {
-        if (QFileInfo(path).isFile())
-            openFile(path);
-    }
+    // The recovered notes first, so that they can have their numbers back; then the saved
+    // documents that were open with them.
     NoteDocument *last = nullptr;
     for (const RecoveryEntry &entry : entries) {
         if (NoteDocument *document = restoreDocument(entry))
             last = document;
+    }
+    for (const QString &path : openPaths) {
+        if (QFileInfo(path).isFile())
+            openFile(path);
     }
     if (!last)
         return;
@@ -740,7 +741,15 @@ void NotesEditor::offerRecoveredDocuments()
 
 NoteDocument *NotesEditor::restoreDocument(const RecoveryEntry &entry)
 {
-    NoteDocument *document = createDocument(entry.type == QLatin1String("TXT") ? entry.type : QStringLiteral("RTF"));
+    const QString type = entry.type == QLatin1String("TXT") ? entry.type : QStringLiteral("RTF");
+    // A note never saved had the caption of its number ("RTF 3"): the numbers before it are
+    // used up, so that it gets that number back and the new notes after it do not repeat it.
+    const int number = entry.caption.section(u' ', 1).toInt();
+    if (entry.originalPath.isEmpty() && number > 0 && entry.caption == NewDocumentCaption(type, number)) {
+        while (m_table.takeDocumentNumber() < number - 1) {
+        }
+    }
+    NoteDocument *document = createDocument(type);
     if (!document)
         return nullptr;
     m_recoveryIds.insert(document, entry.id); // the next copy replaces this one
@@ -749,7 +758,8 @@ NoteDocument *NotesEditor::restoreDocument(const RecoveryEntry &entry)
         return nullptr;
     }
     document->setPath(entry.originalPath);
-    // A document never saved comes back under the caption it had ("RTF 3").
+    // A document never saved comes back under the caption it had, even when its number is
+    // taken already.
     if (entry.originalPath.isEmpty())
         document->setUnsavedCaption(entry.caption);
     activateDocument(document);

@@ -447,6 +447,10 @@ void TestNotesEditor::recoveryRestoresTheDocumentSet()
     QCOMPARE(captions, (QStringList{"RTF 3", "kept.txt"}));
     auto *tabs = m_editor->findChild<QTabBar *>("tabDOCS");
     QCOMPARE(tabs->count(), 2);
+    // A new note after them does not take the recovered one's caption.
+    m_editor->DocumentNew();
+    QVERIFY(m_editor->activeDocument()->caption() != QLatin1String("RTF 3"));
+    QVERIFY(m_editor->DocumentClose());
     // A second crash before any new copy brings back the same set.
     delete m_editor;
     m_editor = new NotesEditor;
