@@ -19,6 +19,7 @@ packages=(
   libglib2.0-bin gsettings-desktop-schemas
   desktop-file-utils appstream
   dpkg-dev file
+  xvfb openbox xdotool x11-utils
 )
 
 missing=()

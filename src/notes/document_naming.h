@@ -3,6 +3,9 @@
 #include <QString>
 #include <QStringList>
 
+class QTextCharFormat;
+class QTextDocument;
+
 // Names, captions and file dialogs of the notes editor's documents.
 
 // The two document types: how a file is loaded and saved.
@@ -41,6 +44,35 @@ struct SaveTarget
     QString path; // the chosen path, with ".rtf" or ".txt" added unless it ends so already
 };
 
-// Where "Save as a new file" writes: filter 1 (counted from 1) gives a rich-text document,
-// any other filter a plain-text one.
-SaveTarget SaveAsTarget(const QString &chosenPath, int filterIndex);
+// The entry (counted from 1) of `nameFilters` that a save dialog reported as chosen, or 0 when
+// it names none. Dialogs report the choice in different forms: the entry as given, the entry
+// without its patterns (QFileDialog::HideNameFilterDetails strips one bracketed group, so
+// "Rich Text Paper (*.rtf) (*.rtf)" comes back as "Rich Text Paper (*.rtf)" and "Plain Text
+// Note (*.txt)" as "Plain Text Note"), or the description alone; so an entry matches when the
+// report starts with its description, the text before its first bracket.
+int ChosenFilterIndex(const QStringList &nameFilters, const QString &selectedFilter);
+
+// Where "Save as a new file" writes. Filter 1 (counted from 1) gives a rich-text document
+// ending ".rtf", filter 2 a plain-text one ending ".txt"; a name typed with that ending keeps
+// it (in any case) rather than getting it twice. With no usable filter (0) the typed extension
+// decides: ".txt" plain text, ".rtf" rich text, anything else `documentType`, whose extension
+// is then added.
+SaveTarget SaveAsTarget(const QString &chosenPath, int filterIndex, const QString &documentType = QString());
+
+// What a plain-text file cannot keep of a document: its text survives, the rest goes.
+struct PlainTextLoss
+{
+    bool formatting = false; // character looks beyond `plainLook`, or paragraph alignment and indents
+    bool lists = false;
+    bool tables = false;
+    bool pictures = false;
+
+    bool any() const { return formatting || lists || tables || pictures; }
+    // "formatting, lists and pictures": the losses in words, for the question before saving.
+    QString describe() const;
+};
+
+// What saving `document` as plain text would lose. `plainLook` is the font and colour the
+// text has when nothing was done to it (a new document's settings): text in that look, or
+// with no look of its own, loses nothing.
+PlainTextLoss PlainTextLossOf(const QTextDocument &document, const QTextCharFormat &plainLook);

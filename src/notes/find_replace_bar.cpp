@@ -162,6 +162,13 @@ void FindReplaceBar::buildRows()
     placeChoices(true);
     grid->setColumnStretch(1, 2);
     grid->setColumnStretch(4, 1);
+    // Tab goes from the find box to the replace box, then to the buttons: the grid's order
+    // would put the find buttons between them, and a replacement typed after one Tab would
+    // land nowhere near the replace box.
+    const std::initializer_list<QWidget *> chain = {m_find,      m_replace,    m_next,      m_previous, m_replaceOne,
+                                                    m_replaceAll, m_matchCase, m_wholeWord, m_wrap,     closeButton};
+    for (auto it = chain.begin(); it + 1 != chain.end(); ++it)
+        QWidget::setTabOrder(*it, *(it + 1));
 }
 
 void FindReplaceBar::placeChoices(bool afterReplace)

@@ -61,6 +61,8 @@ QString NoteDocument::caption() const
 {
     if (!m_path.isEmpty())
         return QFileInfo(m_path).fileName();
+    if (!m_unsavedCaption.isEmpty())
+        return m_unsavedCaption;
     return NewDocumentCaption(m_type, m_number);
 }
 
@@ -165,8 +167,20 @@ DocumentFileResult NoteDocument::save(const QString &path, const QString &type)
         m_type = type;
         m_page->setPlainTextOnly(!rich);
     }
+    if (!rich && PlainTextLossOf(*m_page->document(), m_baseFormat).any())
+        showSavedPlainText(bytes);
     m_page->document()->setModified(false);
     return result;
+}
+
+void NoteDocument::showSavedPlainText(const QByteArray &bytes)
+{
+    // The page shows what the file now holds, not formatting that is gone from it.
+    auto saved = std::make_unique<QTextDocument>();
+    saved->setDefaultFont(m_page->document()->defaultFont());
+    PlainTextFile format;
+    if (DocumentFile::plainFromBytes(bytes, saved.get(), &format).ok)
+        adoptDocument(saved.release());
 }
 
 bool NoteDocument::restoreContent(const QByteArray &bytes)

@@ -36,6 +36,12 @@ public:
     QString path() const { return m_path; }
     // The file name once loaded or saved, else "RTF 3" / "TXT 4".
     QString caption() const;
+    // A recovered document that was never saved keeps the caption it had ("RTF 3"), not one
+    // from its new number.
+    void setUnsavedCaption(const QString &caption) { m_unsavedCaption = caption; }
+
+    // The look of text nothing was done to: the new-document font and colour.
+    QTextCharFormat plainLook() const { return m_baseFormat; }
 
     PageBox *page() const { return m_page; }
     QTextDocument *document() const;
@@ -48,7 +54,8 @@ public:
     // Loads the file as this document's type. On failure the document stays as it was.
     DocumentFileResult load(const QString &path);
     // Saves to `path` as `type` ("RTF" or "TXT"); on success the path and type become these
-    // and DocumentEdited turns false. On failure nothing changes, on disk or here.
+    // and DocumentEdited turns false, and a page saved as plain text shows the plain text the
+    // file holds. On failure nothing changes, on disk or here.
     DocumentFileResult save(const QString &path, const QString &type);
     // The bytes a save would write now (recovery copies).
     QByteArray contentBytes() const;
@@ -86,12 +93,14 @@ signals:
 
 private:
     void adoptDocument(QTextDocument *document);
+    void showSavedPlainText(const QByteArray &bytes);
 
     PageBox *m_page;
     int m_tagNo;
     int m_number;
     QString m_type;
     QString m_path;
+    QString m_unsavedCaption;
     QTextCharFormat m_baseFormat;
     QFont m_pageFont;
     std::unique_ptr<PlainTextFile> m_plainFile;

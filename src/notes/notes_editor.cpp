@@ -2,6 +2,7 @@
 
 #include "core/app_paths.h"
 #include "core/recovery_store.h"
+#include "core/safe_file_write.h"
 #include "core/settings_store.h"
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
@@ -30,6 +31,7 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
+#include <QPainter>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -56,6 +58,19 @@ QString RecoveryFolder()
     return AppPaths::dataPath(QStringLiteral("recovery/notes"));
 }
 
+// The saved documents that were open, one path a line, kept beside the recovery copies so
+// that a recovery brings back the whole set of documents, not only the unsaved ones.
+QString OpenDocumentsListPath()
+{
+    return QDir(RecoveryFolder()).filePath(QStringLiteral("open-documents.list"));
+}
+
+// A document made only so that the editor is not empty: never saved, never touched.
+bool IsUntouchedNew(const NoteDocument *document)
+{
+    return document->path().isEmpty() && !document->DocumentEdited() && document->document()->isEmpty();
+}
+
 } // namespace
 
 NotesEditor::NotesEditor(QWidget *parent)
@@ -80,6 +95,10 @@ NotesEditor::NotesEditor(QWidget *parent)
     m_tabs->setUsesScrollButtons(true);
     m_tabs->setDocumentMode(true);
     m_tabs->setFocusPolicy(Qt::NoFocus);
+    // Room for the two scroll buttons, which the editor paints itself (paintScrollButton).
+    m_tabs->setStyleSheet(QStringLiteral("QTabBar::scroller { width: 48px; }"));
+    for (QToolButton *scroll : m_tabs->findChildren<QToolButton *>())
+        scroll->installEventFilter(this);
     tabRow->addWidget(m_tabs, 1);
     m_listButton = new QToolButton(panel());
     m_listButton->setObjectName(QStringLiteral("btnWINDOWS"));
@@ -315,7 +334,8 @@ NoteDocument *NotesEditor::createDocument(const QString &type)
         }
     });
     connect(document, &NoteDocument::contentChanged, this, [this, document] { documentChanged(document); });
-    connect(document, &NoteDocument::filesDropped, this, &NotesEditor::openFiles);
+    connect(document, &NoteDocument::filesDropped, this,
+            [this, document](const QStringList &paths) { filesDroppedOn(document, paths); });
     connect(document->page(), &PageBox::zoomChanged, this, &NotesEditor::showZoom);
     return document;
 }
@@ -373,6 +393,25 @@ void NotesEditor::DocumentOpen()
     openFiles(paths);
 }
 
+void NotesEditor::filesDroppedOn(NoteDocument *document, const QStringList &paths)
+{
+    // A rich page takes dropped pictures itself; a plain one hands them on with the documents,
+    // and they are not documents to open as text.
+    QStringList documentsToOpen;
+    QStringList pictures;
+    for (const QString &path : paths) {
+        const bool picture = FolderBrowser::pictureExtensions().contains(QFileInfo(path).suffix().toUpper());
+        (picture && !document->isRichText() ? pictures : documentsToOpen).append(path);
+    }
+    if (!pictures.isEmpty())
+        ShowNotice(tr("Pictures Need Rich Text"),
+                   tr("%1 is a plain-text note, which cannot hold pictures, so %2 was not inserted. Save it as "
+                      "Rich Text Paper first.")
+                       .arg(document->caption(), QFileInfo(pictures.first()).fileName()),
+                   false, this);
+    openFiles(documentsToOpen);
+}
+
 void NotesEditor::openFiles(const QStringList &paths)
 {
     for (const QString &path : paths)
@@ -402,8 +441,7 @@ bool NotesEditor::openFile(const QString &path)
     addRecentFile(absolute);
     // A new untouched document that was only there to keep the editor from being empty goes.
     const QList<NoteDocument *> all = documents();
-    if (all.size() == 2 && all.first()->path().isEmpty() && !all.first()->DocumentEdited()
-        && all.first()->document()->isEmpty())
+    if (all.size() == 2 && IsUntouchedNew(all.first()))
         removeDocument(all.first());
     if (!result.warnings.isEmpty())
         ShowNotice(tr("The Document Was Repaired"),
@@ -438,12 +476,34 @@ bool NotesEditor::DocumentSaveAsNew()
                                                         QFileDialog::HideNameFilterDetails);
     if (chosen.isEmpty())
         return false;
-    const SaveTarget target = SaveAsTarget(chosen, filters.indexOf(selected) + 1);
+    const SaveTarget target = SaveAsTarget(chosen, ChosenFilterIndex(filters, selected), document->DocumentType());
+    // The dialog asked about replacing the name typed, not about the one with the ending added.
+    if (target.path != chosen && QFileInfo::exists(target.path)
+        && !ConfirmDestructiveAction(tr("Replace the File?"),
+                                     tr("%1 already exists. Replace it with this document?")
+                                         .arg(QDir::toNativeSeparators(target.path)),
+                                     tr("&Replace"), this))
+        return false;
     return saveDocument(document, target.path, target.type);
+}
+
+bool NotesEditor::confirmPlainTextSave(NoteDocument *document)
+{
+    const PlainTextLoss loss = PlainTextLossOf(*document->document(), document->plainLook());
+    if (!loss.any())
+        return true;
+    return AskChoice(tr("Save as Plain Text?"),
+                     tr("%1 holds %2, which a plain-text file cannot keep: only its words would be saved, "
+                        "and the rest would be gone from the page too. To keep everything, cancel and use "
+                        "Save As with Rich Text Paper.")
+                         .arg(document->caption(), loss.describe()),
+                     tr("Save as &Plain Text"), tr("Cancel"), false, this);
 }
 
 bool NotesEditor::saveDocument(NoteDocument *document, const QString &path, const QString &type)
 {
+    if (type == QLatin1String(kPlainTextType) && !confirmPlainTextSave(document))
+        return false;
     const DocumentFileResult result = document->save(path, type);
     if (!result.ok) {
         ShowNotice(tr("Cannot Save the Document"), result.error, true, this);
@@ -453,7 +513,9 @@ bool NotesEditor::saveDocument(NoteDocument *document, const QString &path, cons
     refreshCaption(document);
     addRecentFile(path);
     if (document == activeDocument())
-        m_formatBar->setDocument(document);
+        activateDocument(document);
+    if (QFileInfo(path).absolutePath() == QFileInfo(m_documentBrowser->folder()).absoluteFilePath())
+        m_documentBrowser->refresh();
     if (!result.warnings.isEmpty())
         ShowNotice(tr("Document Saved"), result.warnings.join(QLatin1Char(' ')), false, this);
     return true;
@@ -588,6 +650,36 @@ void NotesEditor::writeCopies(const QStringList &ids)
         if (!m_recovery->store(entry, &error))
             qWarning("recovery copy of %s not written: %s", qPrintable(entry.caption), qPrintable(error));
     }
+    writeOpenDocumentsList();
+}
+
+void NotesEditor::writeOpenDocumentsList()
+{
+    // The edited ones come back from their copies.
+    QStringList paths;
+    for (NoteDocument *document : documents()) {
+        if (!document->path().isEmpty() && !document->DocumentEdited())
+            paths.append(document->path());
+    }
+    const QString list = OpenDocumentsListPath();
+    if (paths.isEmpty()) {
+        QFile::remove(list);
+        return;
+    }
+    QString error;
+    if (!QDir().mkpath(QFileInfo(list).absolutePath()) || !WriteFileSafely(list, paths.join(u'\n').toUtf8() + '\n', &error))
+        qWarning("list of open documents not written: %s", qPrintable(error));
+}
+
+QStringList NotesEditor::takeOpenDocumentsList()
+{
+    QFile file(OpenDocumentsListPath());
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    const QStringList paths = QString::fromUtf8(file.readAll()).split(u'\n', Qt::SkipEmptyParts);
+    file.close();
+    file.remove();
+    return paths;
 }
 
 bool NotesEditor::hasRecoveredDocuments()
@@ -612,23 +704,67 @@ void NotesEditor::offerRecoveredDocuments()
     if (!restore) {
         if (ConfirmDestructiveAction(tr("Discard Unsaved Notes"),
                                      tr("The unsaved notes will be gone for good. Discard them?"),
-                                     tr("&Discard"), this))
+                                     tr("&Discard"), this)) {
             m_recovery->clear();
+            takeOpenDocumentsList();
+        }
         return;
     }
-    for (const RecoveryEntry &entry : entries) {
-        NoteDocument *document = createDocument(entry.type == QLatin1String("TXT") ? entry.type : QStringLiteral("RTF"));
-        if (!document)
-            break;
-        m_recoveryIds.insert(document, entry.id); // the next copy replaces this one
-        if (!document->restoreContent(entry.content)) {
-            removeDocument(document);
-            continue;
-        }
-        document->setPath(entry.originalPath);
-        activateDocument(document);
-        documentChanged(document);
+    const QStringList openPaths = takeOpenDocumentsList();
+    QList<NoteDocument *> starters;
+    for (NoteDocument *document : documents()) {
+        if (IsUntouchedNew(document))
+            starters.append(document);
     }
+    // The recovered notes first, so that they can have their numbers back; then the saved
+    // documents that were open with them.
+    NoteDocument *last = nullptr;
+    for (const RecoveryEntry &entry : entries) {
+        if (NoteDocument *document = restoreDocument(entry))
+            last = document;
+    }
+    for (const QString &path : openPaths) {
+        if (QFileInfo(path).isFile())
+            openFile(path);
+    }
+    if (!last)
+        return;
+    // The empty document the editor opened with is not wanted beside them.
+    for (NoteDocument *starter : std::as_const(starters)) {
+        if (documents().contains(starter) && IsUntouchedNew(starter))
+            removeDocument(starter);
+    }
+    activateDocument(last);
+    // The copies stay until saved, so the set they belong to stays listed with them.
+    writeOpenDocumentsList();
+}
+
+NoteDocument *NotesEditor::restoreDocument(const RecoveryEntry &entry)
+{
+    const QString type = entry.type == QLatin1String("TXT") ? entry.type : QStringLiteral("RTF");
+    // A note never saved had the caption of its number ("RTF 3"): the numbers before it are
+    // used up, so that it gets that number back and the new notes after it do not repeat it.
+    const int number = entry.caption.section(u' ', 1).toInt();
+    if (entry.originalPath.isEmpty() && number > 0 && entry.caption == NewDocumentCaption(type, number)) {
+        while (m_table.takeDocumentNumber() < number - 1) {
+        }
+    }
+    NoteDocument *document = createDocument(type);
+    if (!document)
+        return nullptr;
+    m_recoveryIds.insert(document, entry.id); // the next copy replaces this one
+    if (!document->restoreContent(entry.content)) {
+        removeDocument(document);
+        return nullptr;
+    }
+    document->setPath(entry.originalPath);
+    // A document never saved comes back under the caption it had, even when its number is
+    // taken already.
+    if (entry.originalPath.isEmpty())
+        document->setUnsavedCaption(entry.caption);
+    activateDocument(document);
+    documentChanged(document);
+    return document;
 }
 
 void NotesEditor::refreshStatistics()
@@ -637,9 +773,10 @@ void NotesEditor::refreshStatistics()
     if (!document)
         return;
     const QTextCursor cursor = document->page()->textCursor();
-    const QString plain = document->document()->toPlainText();
-    m_chars->setText(CharacterStatistics(StatisticsText(plain), StatisticsText(cursor.selectedText())));
-    m_lines->setText(LineStatistics(plain, cursor.position()));
+    // The raw text: toPlainText() would turn a no-break space into a space that splits words.
+    const QString raw = document->document()->toRawText();
+    m_chars->setText(CharacterStatistics(StatisticsText(raw), StatisticsText(cursor.selectedText())));
+    m_lines->setText(LineStatistics(raw, cursor.position()));
 }
 
 void NotesEditor::DocumentPrint()
@@ -668,6 +805,7 @@ void NotesEditor::buildSpellPanel()
     connect(m_spellPanel, &SpellPanel::recheckRequested, this, &NotesEditor::DocumentSpellCheck);
     connect(m_spell, &SpellChecker::wordFound, this, &NotesEditor::showUnknownWord);
     connect(m_spell, &SpellChecker::CompleteSpellCheck, this, &NotesEditor::spellCheckFinished);
+    connect(m_spell, &SpellChecker::saveFailed, this, &NotesEditor::reportDictionaryError);
 }
 
 void NotesEditor::DocumentSpellCheck()
@@ -716,11 +854,16 @@ void NotesEditor::saveDictionary()
 {
     QString error;
     if (!m_spell->DatabaseSave(&error))
-        ShowNotice(tr("Cannot Save the Dictionary"),
-                   tr("The words you added could not be written to the dictionary (%1). They are known until "
-                      "Vantora ends, and another try is made when it does.")
-                       .arg(error),
-                   true, this);
+        reportDictionaryError(error);
+}
+
+void NotesEditor::reportDictionaryError(const QString &error)
+{
+    ShowNotice(tr("Cannot Save the Dictionary"),
+               tr("The words you added could not be written to the dictionary (%1). They are known until "
+                  "Vantora ends, and another try is made when it does.")
+                   .arg(error),
+               true, this);
 }
 
 void NotesEditor::WindowsListPopup()
@@ -825,7 +968,50 @@ void NotesEditor::ThemeElementsUpdate()
 
 void NotesEditor::applyPanelStyle()
 {
-    ApplyPanelToolTheme(m_title, panel());
+    m_panelText = ApplyPanelToolTheme(m_title, panel());
+    for (QToolButton *button : m_tabs->findChildren<QToolButton *>())
+        button->update();
+}
+
+bool NotesEditor::eventFilter(QObject *watched, QEvent *event)
+{
+    if (event->type() == QEvent::Paint && watched->parent() == m_tabs) {
+        if (auto *button = qobject_cast<QToolButton *>(watched)) {
+            paintScrollButton(button);
+            return true;
+        }
+    }
+    return WidgetWindow::eventFilter(watched, event);
+}
+
+void NotesEditor::paintScrollButton(QToolButton *button)
+{
+    // The tab strip's scroll buttons sit over the tabs: solid, in the page's colours like the
+    // chosen tab, framed in the panel's text colour, with an arrow that fills the button
+    // (the panel's button padding left the style's own arrow a dot).
+    const QPalette page = m_pages->palette();
+    const QColor ink = page.color(QPalette::Text);
+    const QColor paper = page.color(QPalette::Base);
+    const QColor arrow = button->isEnabled() ? ink : ResolveColor(BlendColor(ToOleColor(ink), ToOleColor(paper), 80));
+    QPainter painter(button);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF box = QRectF(button->rect()).adjusted(1.5, 2.5, -1.5, -2.5);
+    painter.setPen(QPen(button->underMouse() && button->isEnabled() ? ink : m_panelText, 1));
+    painter.setBrush(button->isDown() ? ResolveColor(BlendColor(ToOleColor(ink), ToOleColor(paper), 40)) : paper);
+    painter.drawRoundedRect(box, 3, 3);
+    const qreal half = qMin(box.width(), box.height()) * 0.22;
+    const QPointF centre = box.center();
+    const qreal direction = button->arrowType() == Qt::LeftArrow || button->arrowType() == Qt::UpArrow ? -1 : 1;
+    QPolygonF triangle;
+    if (button->arrowType() == Qt::UpArrow || button->arrowType() == Qt::DownArrow)
+        triangle << centre + QPointF(-half * 1.3, -half * direction) << centre + QPointF(half * 1.3, -half * direction)
+                 << centre + QPointF(0, half * direction);
+    else
+        triangle << centre + QPointF(-half * direction, -half * 1.3) << centre + QPointF(-half * direction, half * 1.3)
+                 << centre + QPointF(half * direction, 0);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(arrow);
+    painter.drawPolygon(triangle);
 }
 
 void NotesEditor::relayout()
@@ -855,6 +1041,7 @@ void NotesEditor::closeEvent(QCloseEvent *event)
     saveDictionary();
     m_recoveryTimer->stop();
     m_recovery->clear();
+    QFile::remove(OpenDocumentsListPath());
     WidgetWindow::closeEvent(event);
 }
 

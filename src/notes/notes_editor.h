@@ -4,6 +4,7 @@
 #include "core/recovery_debounce.h"
 #include "themes/widget_window.h"
 
+#include <QColor>
 #include <QHash>
 #include <QPointer>
 
@@ -23,6 +24,7 @@ class QTabWidget;
 class QTimer;
 class QToolButton;
 class RecoveryStore;
+struct RecoveryEntry;
 class SpellChecker;
 class SpellPanel;
 
@@ -92,6 +94,7 @@ protected:
     // Files dropped anywhere on the editor outside the page open as documents.
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void buildCommandRow(QWidget *row);
@@ -107,6 +110,9 @@ private:
     // The name of the document's recovery copy, made on first use.
     QString recoveryIdOf(const NoteDocument *document);
     bool saveDocument(NoteDocument *document, const QString &path, const QString &type);
+    // Asks before a plain-text save that would drop formatting, lists, tables or pictures;
+    // true when there is nothing to lose or the user agreed.
+    bool confirmPlainTextSave(NoteDocument *document);
     int tabOf(const NoteDocument *document) const;
     void refreshCaption(NoteDocument *document);
     void refreshStatistics();
@@ -117,18 +123,25 @@ private:
     void scheduleRecoveryCopies();
     void writeDueRecoveryCopies();
     void writeCopies(const QStringList &ids);
+    void writeOpenDocumentsList();
+    // The saved documents open when the copies were last written; the list is used once.
+    static QStringList takeOpenDocumentsList();
+    NoteDocument *restoreDocument(const RecoveryEntry &entry);
     void onTabChosen(int index);
     void insertPicture(const QString &path, const QImage &image);
     void openFiles(const QStringList &paths);
+    void filesDroppedOn(NoteDocument *document, const QStringList &paths);
     void addRecentFile(const QString &path);
     void fillRecentMenu();
     void applyPanelStyle();
+    void paintScrollButton(QToolButton *button);
     void buildSpellPanel();
     void showUnknownWord(const QString &word, const QStringList &suggestions);
     void spellCheckFinished();
     void stopSpellCheck();
     // Writes the words added to the dictionary; tells the user when that fails.
     void saveDictionary();
+    void reportDictionaryError(const QString &error);
 
     DocumentTable m_table;
     QWidget *m_commands = nullptr;
@@ -146,6 +159,7 @@ private:
     QLabel *m_lines = nullptr;
     QLabel *m_zoom = nullptr;
     QMenu *m_recentMenu = nullptr;
+    QColor m_panelText = Qt::gray; // the panel's text colour, from the theme
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;
     SpellChecker *m_spell = nullptr;

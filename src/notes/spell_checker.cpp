@@ -133,12 +133,12 @@ bool SpellChecker::DatabaseSave(QString *error)
     // A list whose last line has no line end would swallow the first added word.
     if (!bytes.isEmpty() && !bytes.endsWith("\r\n"))
         bytes.append("\r\n");
-    // Every word added since the checker was made, not only the new ones: a second save in a
-    // run writes the earlier words again (they are harmless duplicates in the list).
+    // The words added since the last save; once written they are in the file for good.
     for (const QString &word : std::as_const(m_added))
         bytes.append(word.toLower().toUtf8()).append("\r\n");
     if (!WriteFileSafely(m_loadedPath, bytes, error))
         return false;
+    m_added.clear();
     m_changed = false;
     emit BeforeSave();
     return true;
@@ -191,6 +191,10 @@ void SpellChecker::addWord(const QString &word)
     m_added.append(word);
     m_changed = true;
     emit dictionaryChanged();
+    // Written at once, so a crash later in the run does not lose the word.
+    QString error;
+    if (!DatabaseSave(&error))
+        emit saveFailed(error);
 }
 
 void SpellChecker::CheckFile(QTextDocument *document, int caret)

@@ -43,7 +43,7 @@ public:
     // Whether words can be looked up: read and found.
     bool isReady() const { return m_loaded && !m_missing; }
 
-    // Appends the words added since the checker was made, lower-cased, one per line, to the
+    // Appends the words added and not yet written, lower-cased, one per line, to the
     // word list's file (through a temporary file, so a crash leaves the old list whole). False,
     // with the reason, when the file could not be written.
     bool DatabaseSave(QString *error = nullptr);
@@ -60,7 +60,8 @@ public:
     QStringList menuSuggestionsFor(const QString &word) const;
     // Passes `word` everywhere until the program ends.
     void ignoreAll(const QString &word);
-    // Adds `word` to the word list; it is written to the file at the next DatabaseSave.
+    // Adds `word` to the word list and writes it to the file at once (saveFailed when that
+    // fails; the word is then kept for the next DatabaseSave).
     void addWord(const QString &word);
 
     // The walk. CheckFile starts at `caret` of `document` and stops at the first unknown word
@@ -86,6 +87,8 @@ signals:
     void wordFound(const QString &word, const QStringList &suggestions);
     // The list was read, or a word added or ignored: what is underlined may change.
     void dictionaryChanged();
+    // An added word could not be written to the word list's file: `error` says why.
+    void saveFailed(const QString &error);
 
 private:
     void startLoad();

@@ -16,9 +16,14 @@ QString TrimSpaces(const QString &text)
     return text.mid(start, end - start);
 }
 
+// The start and end of a frame (a table, for one) in a document's raw text.
+constexpr char16_t kFrameStart = 0xfdd0;
+constexpr char16_t kFrameEnd = 0xfdd1;
+
 bool IsLineBreak(QChar c)
 {
-    return c == u'\n' || c == QChar::ParagraphSeparator || c == QChar::LineSeparator;
+    return c == u'\n' || c == QChar::ParagraphSeparator || c == QChar::LineSeparator || c == kFrameStart
+        || c == kFrameEnd;
 }
 
 QString Plural(qsizetype count, const char *one, const char *many)

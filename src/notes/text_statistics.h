@@ -10,8 +10,9 @@
 // words. StatisticsText() turns the text of a QTextDocument (or of a QTextCursor selection)
 // into that form.
 
-// `documentText` with each paragraph separator (U+2029), line separator (U+2028) and "\n"
-// written as CR LF.
+// `documentText` with each paragraph separator (U+2029), line separator (U+2028), frame mark
+// (U+FDD0, U+FDD1: the edges of a table) and "\n" written as CR LF. It takes the raw text of a
+// document (QTextDocument::toRawText()), whose no-break spaces do not separate words.
 QString StatisticsText(const QString &documentText);
 
 // The number of words: "-" and CR LF pairs separate words, every single space separates
@@ -25,7 +26,7 @@ QString CharacterStatistics(const QString &text, const QString &selectedText);
 
 // The text of lblLINESTAT: "3 of 10 lines. ". Each line break before the caret moves the
 // current line on by one; the total is the number of line breaks plus one. A line break is a
-// "\n", U+2029 or U+2028, so this takes the text as QTextDocument::toRawText() or
+// "\n", U+2029, U+2028 or a frame mark, so this takes the text as QTextDocument::toRawText() or
 // toPlainText() give it, with `caretPosition` a QTextCursor position in it (a CR LF pair counts
 // once as well). Positions outside the text are clamped.
 QString LineStatistics(const QString &text, int caretPosition);

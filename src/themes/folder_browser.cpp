@@ -6,11 +6,13 @@
 #include <QComboBox>
 #include <QDir>
 #include <QFileInfo>
+#include <QFileSystemWatcher>
 #include <QLabel>
 #include <QListWidget>
 #include <QLocale>
 #include <QStorageInfo>
 #include <QStyle>
+#include <QTimer>
 #include <QVBoxLayout>
 
 namespace {
@@ -118,8 +120,28 @@ FolderBrowser::FolderBrowser(Kind kind, QWidget *parent) : QWidget(parent)
             emit fileSelected(item->data(kPathRole).toString());
     });
 
+    // Files saved or made in the shown folder, by the editor or anything else, appear without
+    // a restart. Only that one folder is watched; a burst of changes lists it once.
+    m_watcher = new QFileSystemWatcher(this);
+    m_relist = new QTimer(this);
+    m_relist->setSingleShot(true);
+    m_relist->setInterval(150);
+    connect(m_watcher, &QFileSystemWatcher::directoryChanged, m_relist, qOverload<>(&QTimer::start));
+    connect(m_relist, &QTimer::timeout, this, &FolderBrowser::refresh);
+
     fillDrives();
     setFolder(QDir::homePath());
+}
+
+void FolderBrowser::watch(const QString &folder)
+{
+    const QStringList watched = m_watcher->directories();
+    if (watched == QStringList{folder})
+        return;
+    if (!watched.isEmpty())
+        m_watcher->removePaths(watched);
+    if (QFileInfo(folder).isDir())
+        m_watcher->addPath(folder);
 }
 
 QStringList FolderBrowser::pictureExtensions()
@@ -222,6 +244,7 @@ void FolderBrowser::setFolder(const QString &path)
     setProblem(QFileInfo(m_folder).isReadable() ? QString() : tr("This folder cannot be read."));
     fillFolders(cameFrom);
     fillFiles(QString());
+    watch(m_folder);
     if (m_folder != previous)
         emit folderChanged(m_folder);
 }
@@ -330,7 +353,7 @@ void FolderBrowser::showPath()
 void FolderBrowser::showEvent(QShowEvent *event)
 {
     QWidget::showEvent(event);
-    // No watcher: what changed on disk while the panel was hidden shows when it comes back.
+    // The drives may have changed while the panel was hidden.
     fillDrives();
     selectDriveOf(m_folder);
     refresh();

@@ -5,6 +5,8 @@
 #include <QWidget>
 
 class QComboBox;
+class QFileSystemWatcher;
+class QTimer;
 class QLabel;
 class QListWidget;
 class QListWidgetItem;
@@ -71,6 +73,7 @@ private:
     bool shows(const QString &fileName) const;
     void setProblem(const QString &text);
     void showPath();
+    void watch(const QString &folder);
 
     QStringList m_extensions;
     QString m_folder;
@@ -79,6 +82,8 @@ private:
     QListWidget *m_folders;
     QListWidget *m_files;
     QLabel *m_problem;
+    QFileSystemWatcher *m_watcher = nullptr;
+    QTimer *m_relist = nullptr;
     QString m_lastActivated;
     QElapsedTimer m_sinceActivated;
 };

@@ -2,7 +2,9 @@
 #include "notes/find_replace_bar.h"
 #include "support/test_home.h"
 
+#include <QApplication>
 #include <QComboBox>
+#include <QPushButton>
 #include <QLabel>
 #include <QLineEdit>
 #include <QSignalSpy>
@@ -34,8 +36,15 @@ private slots:
     void stepsThroughMatches_data();
     void stepsThroughMatches();
     void escapeHidesAndReturnsFocus();
+    void tabOrder_data();
+    void tabOrder();
+    void typedReplacementReplacesAll();
 
 private:
+    // The editor and the bar in one shown, active window; the bar in replace or find mode.
+    QWidget *showInWindow(bool replace);
+
+    std::unique_ptr<QWidget> m_window;
     std::unique_ptr<TestHome> m_home;
     std::unique_ptr<QTextEdit> m_editor;
     std::unique_ptr<FindReplaceBar> m_bar;
@@ -51,6 +60,7 @@ void TestFindReplaceBar::init()
 
 void TestFindReplaceBar::cleanup()
 {
+    m_window.reset();
     m_bar.reset();
     m_editor.reset();
     m_home.reset();
@@ -131,6 +141,71 @@ void TestFindReplaceBar::escapeHidesAndReturnsFocus()
     QCOMPARE(closed.count(), 1);
     QVERIFY(!bar->isVisible());
     QVERIFY(editor->hasFocus());
+}
+
+QWidget *TestFindReplaceBar::showInWindow(bool replace)
+{
+    m_window = std::make_unique<QWidget>();
+    auto *layout = new QVBoxLayout(m_window.get());
+    layout->addWidget(m_editor.release());
+    FindReplaceBar *bar = m_bar.release();
+    layout->addWidget(bar);
+    m_window->show();
+    QApplication::setActiveWindow(m_window.get());
+    if (!QTest::qWaitForWindowActive(m_window.get()))
+        return nullptr;
+    if (replace)
+        bar->showReplace();
+    else
+        bar->showFind();
+    return bar;
+}
+
+void TestFindReplaceBar::tabOrder_data()
+{
+    QTest::addColumn<bool>("replace");
+    QTest::addColumn<int>("tabs");
+    QTest::addColumn<QString>("focused");
+    QTest::newRow("replace: Tab reaches the replace box") << true << 1 << "cboREPLACE";
+    QTest::newRow("replace: then the find buttons") << true << 2 << "btnFINDNEXT";
+    QTest::newRow("replace: then the replace buttons") << true << 4 << "btnREPLACE";
+    QTest::newRow("replace: Replace All") << true << 5 << "btnREPLACEALL";
+    QTest::newRow("find: the hidden replace box is skipped") << false << 1 << "btnFINDNEXT";
+    QTest::newRow("find: the hidden replace buttons are skipped") << false << 3 << "chkMATCHCASE";
+}
+
+void TestFindReplaceBar::tabOrder()
+{
+    QFETCH(bool, replace);
+    QFETCH(int, tabs);
+    QFETCH(QString, focused);
+    m_editor->setPlainText(QStringLiteral("one two"));
+    QWidget *bar = showInWindow(replace);
+    QVERIFY(bar);
+    // The buttons take the focus once there is something to find.
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("one"));
+    for (int i = 0; i < tabs; ++i)
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    auto *expected = bar->findChild<QWidget *>(focused);
+    QVERIFY(expected);
+    QWidget *focus = QApplication::focusWidget();
+    QVERIFY2(focus == expected || expected->isAncestorOf(focus),
+             qPrintable(focus ? focus->objectName() + u'/' + focus->metaObject()->className() : QStringLiteral("none")));
+}
+
+// What a user types: the search, Tab, the replacement, then Replace All.
+void TestFindReplaceBar::typedReplacementReplacesAll()
+{
+    QTextEdit *editor = m_editor.get();
+    editor->setPlainText(QStringLiteral("cat and cat"));
+    QWidget *bar = showInWindow(true);
+    QVERIFY(bar);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("cat"));
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    QTest::keyClicks(QApplication::focusWidget(), QStringLiteral("dog"));
+    QCOMPARE(box(bar, "cboFIND")->currentText(), QStringLiteral("cat"));
+    bar->findChild<QPushButton *>(QStringLiteral("btnREPLACEALL"))->click();
+    QCOMPARE(editor->toPlainText(), QStringLiteral("dog and dog"));
 }
 
 QTEST_MAIN(TestFindReplaceBar)

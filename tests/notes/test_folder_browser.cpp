@@ -45,6 +45,8 @@ private slots:
     void activatesOnlyExistingFiles();
     void previewsPictures_data();
     void previewsPictures();
+    void followsChangesOnDisk_data();
+    void followsChangesOnDisk();
 
 private:
     TestHome m_home;
@@ -159,6 +161,40 @@ void TestFolderBrowser::previewsPictures()
     QCOMPARE(inserted.count(), insertable ? 1 : 0);
     if (insertable)
         QCOMPARE(inserted.at(0).at(1).value<QImage>().size(), QSize(40, 20));
+}
+
+// The list follows the shown folder without a restart, and only the shown folder.
+void TestFolderBrowser::followsChangesOnDisk_data()
+{
+    QTest::addColumn<QString>("made");    // relative to a fresh shown folder
+    QTest::addColumn<QString>("removed"); // one of "old.txt", "keep.txt", or empty
+    QTest::addColumn<QStringList>("files");
+    QTest::newRow("a saved file appears") << "shopping.rtf" << "" << QStringList{"keep.txt", "old.txt", "shopping.rtf"};
+    QTest::newRow("a removed file goes") << "" << "old.txt" << QStringList{"keep.txt"};
+    QTest::newRow("a file in a sub-folder is not listed") << "inner/deep.txt" << "" << QStringList{"keep.txt", "old.txt"};
+}
+
+void TestFolderBrowser::followsChangesOnDisk()
+{
+    QFETCH(QString, made);
+    QFETCH(QString, removed);
+    QFETCH(QStringList, files);
+    const QString shown = m_home.filePath(QStringLiteral("watched/") + QString::fromLatin1(QTest::currentDataTag()));
+    QVERIFY(QDir().mkpath(shown + QStringLiteral("/inner")));
+    touch(shown + QStringLiteral("/keep.txt"));
+    touch(shown + QStringLiteral("/old.txt"));
+    FolderBrowser browser(FolderBrowser::Documents);
+    browser.setFolder(shown);
+    auto *list = browser.findChild<QListWidget *>(QStringLiteral("flbLIST"));
+    QCOMPARE(texts(list), (QStringList{"keep.txt", "old.txt"}));
+    if (!made.isEmpty())
+        touch(shown + u'/' + made);
+    if (!removed.isEmpty())
+        QVERIFY(QFile::remove(shown + u'/' + removed));
+    // A change in the sub-folder changes nothing here: wait as long as a listing would take.
+    if (made.contains(u'/'))
+        QTest::qWait(400);
+    QTRY_COMPARE(texts(list), files);
 }
 
 QTEST_MAIN(TestFolderBrowser)

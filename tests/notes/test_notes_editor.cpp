@@ -1,17 +1,24 @@
 #include "core/settings_store.h"
+#include "notes/document_naming.h"
 #include "notes/note_document.h"
 #include "notes/notes_editor.h"
 #include "notes/page_box.h"
+#include "notes/spell_checker.h"
+#include "themes/folder_browser.h"
 #include "support/test_home.h"
 #include "themes/message_box.h"
 
 #include <QDir>
 #include <QFile>
 #include <QLabel>
+#include <QImage>
 #include <QLineEdit>
+#include <QListWidget>
+#include <QTextList>
 #include <QPushButton>
 #include <QPointer>
 #include <QTabBar>
+#include <QToolButton>
 #include <QTest>
 
 #include <memory>
@@ -63,6 +70,16 @@ private slots:
     void statisticsFollowTheCaret();
     void unsavedWorkSurvivesACrash();
     void spellCheckWalksTheActiveDocument();
+    void plainTextSaveAsksBeforeDroppingContent_data();
+    void plainTextSaveAsksBeforeDroppingContent();
+    void picturesDroppedOnAPlainNoteAreRefused_data();
+    void picturesDroppedOnAPlainNoteAreRefused();
+    void statisticsKeepNoBreakSpaces_data();
+    void statisticsKeepNoBreakSpaces();
+    void recoveryRestoresTheDocumentSet();
+    void addedWordsAreWrittenAtOnce();
+    void savedFileShowsInTheDocumentBrowser();
+    void tabScrollButtonsShowTheirArrows();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -299,6 +316,218 @@ void TestNotesEditor::spellCheckWalksTheActiveDocument()
     QCOMPARE(messages, QList<int>{1});
     QCOMPARE(document->document()->toPlainText(), QStringLiteral("the cat\tsat on teh"));
     QVERIFY(!m_editor->findChild<QPushButton *>("btnCHANGE")->isEnabled());
+}
+
+// What a plain-text file cannot hold is only dropped when the user says so.
+void TestNotesEditor::plainTextSaveAsksBeforeDroppingContent_data()
+{
+    QTest::addColumn<QString>("added"); // "words", "bold", "list" or "picture"
+    QTest::addColumn<int>("answer");
+    QTest::addColumn<bool>("asked");
+    QTest::addColumn<QByteArray>("onDisk");
+    QTest::newRow("words alone: no question") << "words" << int(AnswerCancel) << false << QByteArray("old milk");
+    QTest::newRow("bold, cancelled") << "bold" << int(AnswerCancel) << true << QByteArray("old");
+    QTest::newRow("bold, agreed") << "bold" << int(AnswerYes) << true << QByteArray("old milk");
+    QTest::newRow("list, agreed") << "list" << int(AnswerYes) << true << QByteArray("old milk");
+    QTest::newRow("picture, cancelled") << "picture" << int(AnswerCancel) << true << QByteArray("old");
+}
+
+void TestNotesEditor::plainTextSaveAsksBeforeDroppingContent()
+{
+    QFETCH(QString, added);
+    QFETCH(int, answer);
+    QFETCH(bool, asked);
+    QFETCH(QByteArray, onDisk);
+    const QString path = writeFile(m_home->path(), "list.txt", "old");
+    QVERIFY(m_editor->openFile(path));
+    NoteDocument *document = m_editor->activeDocument();
+    QTextCursor cursor(document->document());
+    cursor.movePosition(QTextCursor::End);
+    QTextCharFormat bold;
+    bold.setFontWeight(QFont::Bold);
+    cursor.insertText(QStringLiteral(" milk"), added == QLatin1String("bold") ? bold : QTextCharFormat());
+    if (added == QLatin1String("list"))
+        cursor.createList(QTextListFormat::ListDisc);
+    if (added == QLatin1String("picture")) {
+        QImage image(4, 4, QImage::Format_RGB32);
+        image.fill(Qt::red);
+        document->document()->addResource(QTextDocument::ImageResource, QUrl("rtfpicture:1"), image);
+        cursor.insertImage(QStringLiteral("rtfpicture:1"));
+    }
+    QStringList questions;
+    SetMessageResponderForTesting([&](bool question, int, const QString &text) {
+        if (question)
+            questions.append(text);
+        return answer;
+    });
+    const bool saved = m_editor->DocumentSaveMain();
+    QCOMPARE(questions.size(), asked ? 1 : 0);
+    if (asked)
+        QVERIFY2(questions.first().contains(added == QLatin1String("bold") ? QStringLiteral("formatting") : added + u's'),
+                 qPrintable(questions.first()));
+    QCOMPARE(saved, answer == AnswerYes || !asked);
+    QCOMPARE(readFile(path).trimmed(), onDisk);
+    // Cancelled: the page keeps everything. Saved: it shows what the file holds.
+    QCOMPARE(document->DocumentEdited(), !saved);
+    const PlainTextLoss loss = PlainTextLossOf(*document->document(), document->plainLook());
+    QCOMPARE(loss.any(), asked && !saved);
+}
+
+void TestNotesEditor::picturesDroppedOnAPlainNoteAreRefused_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<int>("notices");
+    QTest::addColumn<int>("documents");
+    QTest::newRow("picture") << "photo.PNG" << 1 << 1;
+    QTest::newRow("document") << "other.txt" << 0 << 2;
+}
+
+void TestNotesEditor::picturesDroppedOnAPlainNoteAreRefused()
+{
+    QFETCH(QString, name);
+    QFETCH(int, notices);
+    QFETCH(int, documents);
+    QVERIFY(m_editor->openFile(writeFile(m_home->path(), "plain.txt", "text")));
+    QImage image(4, 4, QImage::Format_RGB32);
+    image.fill(Qt::blue);
+    const QString dropped = m_home->filePath(name);
+    QVERIFY(name.endsWith(QLatin1String(".txt")) ? !writeFile(m_home->path(), name, "x").isEmpty()
+                                                 : image.save(dropped, "PNG"));
+    QStringList told;
+    SetMessageResponderForTesting([&](bool question, int, const QString &text) {
+        if (!question)
+            told.append(text);
+        return int(AnswerCancel);
+    });
+    emit m_editor->activeDocument()->page()->filesDropped({dropped});
+    QCOMPARE(told.size(), notices);
+    if (notices > 0)
+        QVERIFY2(told.first().contains(name), qPrintable(told.first()));
+    QCOMPARE(m_editor->documents().size(), documents);
+}
+
+void TestNotesEditor::statisticsKeepNoBreakSpaces_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QString>("label");
+    QTest::newRow("no-break space joins") << QString("a\u00A0b") << "1 word (3 chars). ";
+    QTest::newRow("space separates") << QString("a b") << "2 words (3 chars). ";
+    QTest::newRow("number and unit") << QString("5\u00A0kg of flour") << "3 words (13 chars). ";
+}
+
+void TestNotesEditor::statisticsKeepNoBreakSpaces()
+{
+    QFETCH(QString, text);
+    QFETCH(QString, label);
+    type(m_editor->activeDocument(), text);
+    QCOMPARE(m_editor->findChild<QLabel *>("lblCHARS")->text(), label);
+}
+
+void TestNotesEditor::recoveryRestoresTheDocumentSet()
+{
+    // "RTF 1" is the untouched one the editor opened with; "RTF 2" is closed; "RTF 3" is typed
+    // in; kept.txt is saved and open.
+    m_editor->DocumentNew();
+    QVERIFY(m_editor->DocumentClose());
+    m_editor->DocumentNew();
+    type(m_editor->activeDocument(), QStringLiteral("unsaved"));
+    QCOMPARE(m_editor->activeDocument()->caption(), QStringLiteral("RTF 3"));
+    const QString kept = writeFile(m_home->path(), "kept.txt", "saved");
+    QVERIFY(m_editor->openFile(kept));
+    m_editor->writeRecoveryCopies();
+    delete m_editor; // a crash: nothing is settled
+
+    m_answer = AnswerYes;
+    m_editor = new NotesEditor;
+    m_editor->offerRecoveredDocuments();
+    QStringList captions;
+    for (NoteDocument *document : m_editor->documents())
+        captions.append(document->caption());
+    captions.sort();
+    QCOMPARE(captions, (QStringList{"RTF 3", "kept.txt"}));
+    auto *tabs = m_editor->findChild<QTabBar *>("tabDOCS");
+    QCOMPARE(tabs->count(), 2);
+    // A new note after them does not take the recovered one's caption.
+    m_editor->DocumentNew();
+    QVERIFY(m_editor->activeDocument()->caption() != QLatin1String("RTF 3"));
+    QVERIFY(m_editor->DocumentClose());
+    // A second crash before any new copy brings back the same set.
+    delete m_editor;
+    m_editor = new NotesEditor;
+    m_editor->offerRecoveredDocuments();
+    QCOMPARE(m_editor->documents().size(), 2);
+}
+
+void TestNotesEditor::addedWordsAreWrittenAtOnce()
+{
+    QVERIFY(QDir().mkpath(m_home->filePath("notes")));
+    const QString list = writeFile(m_home->filePath("notes"), "wordsuk.dct", "the\r\ncat\r\n");
+    // The program's one checker may have read a list of an earlier test's folder: another
+    // language makes it read this one.
+    WriteDetail(QStringLiteral("fnte_IDX"), QStringLiteral("Spell Checker Language Version"), QStringLiteral("wordsuk.dct"));
+    SpellChecker::shared()->reloadSettings();
+    m_answer = AnswerYes;
+    NoteDocument *document = m_editor->activeDocument();
+    type(document, QStringLiteral("the zorp cat blix"));
+    document->page()->moveCursor(QTextCursor::Start);
+    m_editor->DocumentSpellCheck();
+    m_editor->findChild<QPushButton *>("btnINCLUDE")->click();
+    // On disk before anything else happens, as a crash now would find it.
+    QCOMPARE(readFile(list), QByteArray("the\r\ncat\r\nzorp\r\n"));
+    m_editor->findChild<QPushButton *>("btnINCLUDE")->click();
+    QCOMPARE(readFile(list), QByteArray("the\r\ncat\r\nzorp\r\nblix\r\n"));
+    m_answer = AnswerNo; // closing: do not save the note
+    m_editor->close();
+    QCOMPARE(readFile(list), QByteArray("the\r\ncat\r\nzorp\r\nblix\r\n"));
+}
+
+void TestNotesEditor::savedFileShowsInTheDocumentBrowser()
+{
+    auto *browser = m_editor->findChild<FolderBrowser *>();
+    browser->setFolder(m_home->path());
+    const QString path = writeFile(m_home->path(), "n.txt", "old");
+    QVERIFY(m_editor->openFile(path));
+    type(m_editor->activeDocument(), QStringLiteral(" new"));
+    QVERIFY(QFile::remove(path));
+    browser->refresh();
+    auto *files = browser->findChild<QListWidget *>("flbLIST");
+    QVERIFY(files->findItems(QStringLiteral("n.txt"), Qt::MatchExactly).isEmpty());
+    QVERIFY(m_editor->DocumentSaveMain());
+    QCOMPARE(files->findItems(QStringLiteral("n.txt"), Qt::MatchExactly).size(), 1);
+}
+
+// With more tabs than fit, the scroll buttons show an arrow a user can see: a solid patch of
+// the page's text colour, not a dot.
+void TestNotesEditor::tabScrollButtonsShowTheirArrows()
+{
+    m_editor->resize(700, 500);
+    m_editor->show();
+    QVERIFY(QTest::qWaitForWindowExposed(m_editor));
+    for (int i = 0; i < 20; ++i)
+        m_editor->DocumentNew();
+    auto *tabs = m_editor->findChild<QTabBar *>("tabDOCS");
+    const QColor ink = m_editor->activeDocument()->page()->palette().color(QPalette::Text);
+    QList<QToolButton *> shown;
+    for (QToolButton *button : tabs->findChildren<QToolButton *>()) {
+        if (button->isVisible())
+            shown.append(button);
+    }
+    QCOMPARE(shown.size(), 2);
+    for (QToolButton *button : std::as_const(shown)) {
+        QVERIFY2(button->width() >= 18 && button->height() >= 16,
+                 qPrintable(QStringLiteral("%1x%2").arg(button->width()).arg(button->height())));
+        const QImage image = button->grab().toImage();
+        int inked = 0;
+        for (int y = 0; y < image.height(); ++y) {
+            for (int x = 0; x < image.width(); ++x) {
+                const QColor c = image.pixelColor(x, y);
+                inked += qAbs(c.red() - ink.red()) + qAbs(c.green() - ink.green()) + qAbs(c.blue() - ink.blue()) < 90;
+            }
+        }
+        // The button at the end it cannot go past is paler, yet still drawn; the other is ink.
+        if (button->isEnabled())
+            QVERIFY2(inked >= 12, qPrintable(QString::number(inked)));
+    }
 }
 
 QTEST_MAIN(TestNotesEditor)

@@ -2,6 +2,9 @@
 #include "notes/text_statistics.h"
 
 #include <QTest>
+#include <QTextCursor>
+#include <QTextDocument>
+#include <QTextTable>
 
 class TestTextStatistics : public QObject
 {
@@ -14,6 +17,8 @@ private slots:
     void characterStatistics();
     void lineStatistics_data();
     void lineStatistics();
+    void documentText_data();
+    void documentText();
     void parseLineSpacing_data();
     void parseLineSpacing();
 };
@@ -95,6 +100,42 @@ void TestTextStatistics::lineStatistics()
     QFETCH(int, caret);
     QFETCH(QString, label);
     QCOMPARE(LineStatistics(text, caret), label);
+}
+
+// The counts of a whole document, taken from its raw text as the editor takes them.
+void TestTextStatistics::documentText_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<bool>("withTable");
+    QTest::addColumn<QString>("chars");
+    QTest::addColumn<QString>("lines");
+    QTest::newRow("no-break space joins") << QString("a\u00A0b") << false << "1 word (3 chars). "
+                                          << "1 of 1 line. ";
+    QTest::newRow("no-break space and hyphen") << QString("10\u00A0km-walk") << false << "2 words (10 chars). "
+                                               << "1 of 1 line. ";
+    QTest::newRow("paragraphs") << QString("a b\nc") << false << "3 words (6 chars). " << "1 of 2 lines. ";
+    // A 1x2 table after "x": the marks that open each cell and close the table are line breaks.
+    QTest::newRow("table") << QString("x") << true << "3 words (9 chars). " << "1 of 4 lines. ";
+}
+
+void TestTextStatistics::documentText()
+{
+    QFETCH(QString, text);
+    QFETCH(bool, withTable);
+    QFETCH(QString, chars);
+    QFETCH(QString, lines);
+    QTextDocument document;
+    document.setPlainText(text);
+    if (withTable) {
+        QTextCursor cursor(&document);
+        cursor.movePosition(QTextCursor::End);
+        QTextTable *table = cursor.insertTable(1, 2);
+        table->cellAt(0, 0).firstCursorPosition().insertText(QStringLiteral("a"));
+        table->cellAt(0, 1).firstCursorPosition().insertText(QStringLiteral("b"));
+    }
+    const QString raw = document.toRawText();
+    QCOMPARE(CharacterStatistics(StatisticsText(raw), QString()), chars);
+    QCOMPARE(LineStatistics(raw, 0), lines);
 }
 
 void TestTextStatistics::parseLineSpacing_data()
