@@ -1,5 +1,6 @@
 #include "notes/document_file.h"
 
+#include "core/platform/regular_file.h"
 #include "core/safe_file_write.h"
 #include "notes/plain_text_file.h"
 #include "notes/rtf_reader.h"
@@ -23,19 +24,23 @@ QString Shown(const QString &path)
 // The whole file, or an error that names it.
 bool ReadAll(const QString &path, QByteArray *bytes, QString *error)
 {
-    QFile file(path);
-    if (!file.open(QIODevice::ReadOnly)) {
-        *error = QObject::tr("%1 could not be opened: %2.").arg(Shown(path), file.errorString());
+    QFile file;
+    QString problem;
+    if (!OpenRegularFile(&file, path, &problem)) {
+        *error = QObject::tr("%1 could not be opened: %2.").arg(Shown(path), problem);
         return false;
     }
-    if (file.size() > kLargestFile) {
+    // Read no further than the limit, whatever the size said: the file may grow meanwhile.
+    if (file.size() <= kLargestFile)
+        *bytes = file.read(kLargestFile + 1);
+    if (file.size() > kLargestFile || bytes->size() > kLargestFile) {
         *error = QObject::tr("%1 is %2 MB, larger than the %3 MB a note can be.")
                      .arg(Shown(path))
-                     .arg(file.size() / (1024 * 1024))
+                     .arg(qMax<qint64>(file.size(), bytes->size()) / (1024 * 1024))
                      .arg(kLargestFile / (1024 * 1024));
+        bytes->clear();
         return false;
     }
-    *bytes = file.readAll();
     if (file.error() != QFileDevice::NoError) {
         *error = QObject::tr("%1 could not be read: %2.").arg(Shown(path), file.errorString());
         return false;
