@@ -444,8 +444,8 @@ bool NotesEditor::openFile(const QString &path)
     if (all.size() == 2 && IsUntouchedNew(all.first()))
         removeDocument(all.first());
     if (!result.warnings.isEmpty())
-        ShowNotice(tr("The Document Was Repaired"),
-                   tr("%1 was opened, but the file is damaged: %2")
+        ShowNotice(tr("The Document Was Opened with Changes"),
+                   tr("%1 was opened, but it cannot be shown exactly as the file holds it: %2")
                        .arg(QDir::toNativeSeparators(absolute), result.warnings.join(QLatin1Char(' '))),
                    true, this);
     return true;
@@ -634,6 +634,7 @@ void NotesEditor::writeRecoveryCopies()
 
 void NotesEditor::writeCopies(const QStringList &ids)
 {
+    QString failure;
     for (const QString &id : ids)
         m_debounce.markSaved(id);
     for (NoteDocument *document : documents()) {
@@ -647,10 +648,18 @@ void NotesEditor::writeCopies(const QStringList &ids)
         entry.type = document->DocumentType();
         entry.content = document->contentBytes();
         QString error;
-        if (!m_recovery->store(entry, &error))
-            qWarning("recovery copy of %s not written: %s", qPrintable(entry.caption), qPrintable(error));
+        if (!m_recovery->store(entry, &error) && failure.isEmpty())
+            failure = tr("A safety copy of %1 could not be written (%2)").arg(entry.caption, error);
     }
     writeOpenDocumentsList();
+    // Told once while copies keep failing (a full disk), so the user knows to save.
+    if (!failure.isEmpty() && m_recoveryProblem.isEmpty())
+        ShowNotice(tr("No Safety Copy of Your Notes"),
+                   tr("%1, so a crash now would lose the changes since the note was last saved. Save your "
+                      "notes to keep them.")
+                       .arg(failure),
+                   true, this);
+    m_recoveryProblem = failure;
 }
 
 void NotesEditor::writeOpenDocumentsList()

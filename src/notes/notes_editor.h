@@ -162,6 +162,7 @@ private:
     QColor m_panelText = Qt::gray; // the panel's text colour, from the theme
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;
+    QString m_recoveryProblem; // why the last safety copy failed; empty while they are written
     SpellChecker *m_spell = nullptr;
     SpellPanel *m_spellPanel = nullptr;
     bool m_spellWalkOurs = false;

@@ -1,3 +1,4 @@
+#include "core/recovery_store.h"
 #include "core/settings_store.h"
 #include "notes/document_naming.h"
 #include "notes/note_document.h"
@@ -10,6 +11,7 @@
 
 #include <QDir>
 #include <QFile>
+#include <QFileInfo>
 #include <QLabel>
 #include <QImage>
 #include <QLineEdit>
@@ -19,6 +21,10 @@
 #include <QPointer>
 #include <QTabBar>
 #include <QToolButton>
+
+#ifdef Q_OS_UNIX
+#include <sys/stat.h>
+#endif
 #include <QTest>
 
 #include <memory>
@@ -77,6 +83,9 @@ private slots:
     void statisticsKeepNoBreakSpaces_data();
     void statisticsKeepNoBreakSpaces();
     void recoveryRestoresTheDocumentSet();
+    void aSafetyCopyThatCannotBeWrittenIsToldOnce();
+    void pipesAndDevicesAreNotOpened_data();
+    void pipesAndDevicesAreNotOpened();
     void addedWordsAreWrittenAtOnce();
     void savedFileShowsInTheDocumentBrowser();
     void tabScrollButtonsShowTheirArrows();
@@ -85,6 +94,7 @@ private:
     std::unique_ptr<TestHome> m_home;
     QPointer<NotesEditor> m_editor;
     QList<int> m_asked;
+    QStringList m_notices;
     int m_answer = AnswerCancel;
 };
 
@@ -92,9 +102,12 @@ void TestNotesEditor::init()
 {
     m_home = std::make_unique<TestHome>();
     m_asked.clear();
-    SetMessageResponderForTesting([this](bool question, int number, const QString &) {
+    m_notices.clear();
+    SetMessageResponderForTesting([this](bool question, int number, const QString &text) {
         if (question)
             m_asked.append(number);
+        else
+            m_notices.append(text);
         return m_answer;
     });
     // The word list is read only by the test that checks spelling.
@@ -456,6 +469,57 @@ void TestNotesEditor::recoveryRestoresTheDocumentSet()
     m_editor = new NotesEditor;
     m_editor->offerRecoveredDocuments();
     QCOMPARE(m_editor->documents().size(), 2);
+}
+
+void TestNotesEditor::aSafetyCopyThatCannotBeWrittenIsToldOnce()
+{
+    // A file where the recovery folder should be: no copy can be written, as on a full disk.
+    const QString folder = m_home->filePath(QStringLiteral("recovery/notes"));
+    QVERIFY(QDir().mkpath(QFileInfo(folder).path()));
+    QDir(folder).removeRecursively();
+    writeFile(QFileInfo(folder).path(), "notes", "in the way");
+
+    type(m_editor->activeDocument(), QStringLiteral("first words"));
+    m_editor->writeRecoveryCopies();
+    QCOMPARE(m_notices.size(), 1);
+    QVERIFY2(m_notices.first().contains(QLatin1String("RTF 1")), qPrintable(m_notices.first()));
+    type(m_editor->activeDocument(), QStringLiteral(" and more"));
+    m_editor->writeRecoveryCopies();
+    QCOMPARE(m_notices.size(), 1); // still failing: not told again
+
+    QVERIFY(QFile::remove(folder));
+    type(m_editor->activeDocument(), QStringLiteral(" and the end"));
+    m_editor->writeRecoveryCopies();
+    QCOMPARE(m_notices.size(), 1);
+    QVERIFY(!RecoveryStore(folder).isEmpty());
+    m_answer = AnswerNo; // closing: do not save the note
+}
+
+void TestNotesEditor::pipesAndDevicesAreNotOpened_data()
+{
+    QTest::addColumn<QString>("path");
+    QTest::newRow("pipe with no writer") << QStringLiteral("fifo"); // made in the test's folder
+    QTest::newRow("endless device") << QStringLiteral("/dev/zero");
+    QTest::newRow("folder") << QStringLiteral("/tmp");
+}
+
+void TestNotesEditor::pipesAndDevicesAreNotOpened()
+{
+    QFETCH(QString, path);
+#ifdef Q_OS_UNIX
+    if (path == QLatin1String("fifo")) {
+        path = m_home->filePath(QStringLiteral("notes.fifo"));
+        QCOMPARE(::mkfifo(QFile::encodeName(path).constData(), 0600), 0);
+    }
+    const int before = int(m_editor->documents().size());
+    // Opening a pipe for reading would wait for a writer for good; this returns at once.
+    QVERIFY(!m_editor->openFile(path));
+    QCOMPARE(int(m_editor->documents().size()), before);
+    QCOMPARE(m_notices.size(), 1);
+    QVERIFY2(m_notices.first().contains(QLatin1String("not a document")), qPrintable(m_notices.first()));
+#else
+    QSKIP("pipes and devices are a Unix matter");
+#endif
 }
 
 void TestNotesEditor::addedWordsAreWrittenAtOnce()
