@@ -1,4 +1,5 @@
 #include "core/platform/wallpaper.h"
+#include "support/scoped_environment.h"
 #include "support/test_home.h"
 
 #include <QDir>
@@ -13,40 +14,6 @@
 #include <memory>
 
 namespace {
-
-// Sets environment variables and puts the previous values back when it goes.
-class ScopedEnvironment
-{
-public:
-    ScopedEnvironment() = default;
-    ScopedEnvironment(const ScopedEnvironment &) = delete;
-    ScopedEnvironment &operator=(const ScopedEnvironment &) = delete;
-
-    ~ScopedEnvironment()
-    {
-        for (auto it = m_saved.crbegin(); it != m_saved.crend(); ++it) {
-            if (it->wasSet)
-                qputenv(it->name.constData(), it->value);
-            else
-                qunsetenv(it->name.constData());
-        }
-    }
-
-    void set(const char *name, const QByteArray &value)
-    {
-        m_saved.append({name, qEnvironmentVariableIsSet(name), qgetenv(name)});
-        qputenv(name, value);
-    }
-
-private:
-    struct Saved
-    {
-        QByteArray name;
-        bool wasSet;
-        QByteArray value;
-    };
-    QList<Saved> m_saved;
-};
 
 bool writePicture(const QString &path)
 {

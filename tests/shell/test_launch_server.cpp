@@ -1,4 +1,4 @@
-#include "scoped_environment.h"
+#include "support/scoped_environment.h"
 #include "shell/launch_request.h"
 #include "shell/single_instance.h"
 #include "support/test_home.h"

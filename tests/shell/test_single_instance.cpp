@@ -1,6 +1,6 @@
 #include "core/settings_store.h"
 #include "core/widget_index.h"
-#include "scoped_environment.h"
+#include "support/scoped_environment.h"
 #include "shell/launch_request.h"
 #include "shell/single_instance.h"
 #include "support/file_size_limit.h"

@@ -25,12 +25,17 @@ public:
     // A null value unsets the variable.
     void set(const char *name, const QString &value)
     {
+        set(name, value.isNull() ? QByteArray() : value.toLocal8Bit());
+    }
+    void set(const char *name, const char *value) { set(name, value ? QByteArray(value) : QByteArray()); }
+    void set(const char *name, const QByteArray &value)
+    {
         if (!m_saved.contains(name))
             m_saved.insert(name, qEnvironmentVariableIsSet(name) ? qgetenv(name) : QByteArray());
         if (value.isNull())
             qunsetenv(name);
         else
-            qputenv(name, value.toLocal8Bit());
+            qputenv(name, value);
     }
 
 private:
