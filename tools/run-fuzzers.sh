@@ -17,7 +17,7 @@ if [ ! -f "$build/CMakeCache.txt" ]; then
   cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DVANTORA_FUZZ=ON -DVANTORA_BUILD_TESTS=OFF -DVANTORA_BUILD_BENCH=OFF >/dev/null
 fi
-targets=${*:-"fuzz_settings_file fuzz_preset_file fuzz_version_reply fuzz_rtf_reader"}
+targets=${*:-"fuzz_settings_file fuzz_preset_file fuzz_version_reply fuzz_rtf_reader fuzz_launch_request"}
 # shellcheck disable=SC2086
 cmake --build "$build" --target $targets
 
@@ -31,7 +31,8 @@ seeds_for() {
       n=0
       find data/themes -name '*.dcp' | while read -r f; do n=$((n + 1)); cp "$f" "$dir/$n.dcp"; done ;;
     fuzz_version_reply) cp fuzz/seeds/version/* "$dir" ;;
-    fuzz_rtf_reader) cp tests/data/rtf/*.rtf "$dir" ;;
+    fuzz_rtf_reader) find tests/data/rtf -name '*.rtf' | while read -r f; do cp "$f" "$dir/$(echo "$f" | tr / _)"; done ;;
+    fuzz_launch_request) cp fuzz/seeds/launch/* "$dir" ;;
   esac
   echo "$dir"
 }
