@@ -6,15 +6,36 @@
 
 #include <QDesktopServices>
 #include <QLocale>
+#include <QTimer>
 
 #include <cmath>
 
 UpdateCheck::UpdateCheck(QObject *parent)
-    : QObject(parent), m_downloader(new WebDownloader(WebDownloader::VersionFileLimit, this))
+    : QObject(parent), m_downloader(new WebDownloader(WebDownloader::VersionFileLimit, this)),
+      m_timeLimit(new QTimer(this))
 {
+    m_timeLimit->setSingleShot(true);
+    m_timeLimit->setInterval(TimeLimitMs);
     connect(m_downloader, &WebDownloader::DownloadComplete, this, &UpdateCheck::onComplete);
-    // No network, no site, a missing or oversized file: no newer version, and no word of it.
-    connect(m_downloader, &WebDownloader::DownloadFailed, this, [this] { emit finished(false); });
+    // No network, no site, a missing or oversized file, no answer in time: no newer version,
+    // and no word of it.
+    connect(m_downloader, &WebDownloader::DownloadFailed, this, [this] { end(false); });
+    connect(m_timeLimit, &QTimer::timeout, this, [this] {
+        m_downloader->DownloadCancel();
+        end(false);
+    });
+}
+
+void UpdateCheck::setTimeLimitForTesting(int ms)
+{
+    m_timeLimit->setInterval(ms);
+}
+
+void UpdateCheck::end(bool newerFound)
+{
+    m_running = false;
+    m_timeLimit->stop();
+    emit finished(newerFound);
 }
 
 bool UpdateCheck::isEnabled()
@@ -83,14 +104,18 @@ void UpdateCheck::start(bool manual)
     if (!url.isValid() || isRunning())
         return;
     m_manual = manual;
+    m_running = true;
+    m_timeLimit->start();
     m_downloader->DownloadStart(url.toString(QUrl::FullyEncoded));
 }
 
 void UpdateCheck::onComplete()
 {
+    m_running = false;
+    m_timeLimit->stop();
     const QByteArray body = m_downloader->DataBytes();
     if (body.isEmpty()) {
-        emit finished(false);
+        end(false);
         return;
     }
     WriteFileSafely(localVersionFile(), body); // a copy for the next start; failing is harmless
@@ -107,5 +132,5 @@ void UpdateCheck::report(const QByteArray &body)
     } else if (m_manual) {
         ShowInfoMessage(3);
     }
-    emit finished(newer);
+    end(newer);
 }

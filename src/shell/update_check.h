@@ -4,6 +4,8 @@
 
 #include <QObject>
 #include <QUrl>
+
+class QTimer;
 #include <optional>
 
 // Compares the running version with a small version file on the program's web site. The site
@@ -35,10 +37,14 @@ public:
     // Starts a check. Automatic checks (manual false) stay quiet unless a newer version exists;
     // manual ones also say when there is none. Does nothing while the check is off or running.
     void start(bool manual);
-    bool isRunning() const { return m_downloader->StatusBusy(); }
+    bool isRunning() const { return m_running; }
+
+    // A site that accepts the connection and never answers ends the check after this long.
+    static constexpr int TimeLimitMs = 30 * 1000;
 
     // Tests only: fetch from this address instead of the site's version file.
     void setVersionFileUrlForTesting(const QUrl &url) { m_testUrl = url; }
+    void setTimeLimitForTesting(int ms);
 
 signals:
     // After a check: whether a newer version was found (false also on any failure).
@@ -47,8 +53,11 @@ signals:
 private:
     void onComplete();
     void report(const QByteArray &body);
+    void end(bool newerFound);
 
     WebDownloader *m_downloader;
+    QTimer *m_timeLimit;
     bool m_manual = false;
+    bool m_running = false;
     QUrl m_testUrl;
 };

@@ -20,6 +20,7 @@ private slots:
     void offWhileNoWebsite();
     void checksAgainstServer_data();
     void checksAgainstServer();
+    void aSilentSiteEndsTheCheck();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -142,6 +143,29 @@ void TestUpdateCheck::checksAgainstServer()
     QVERIFY(!check.isRunning());
     QCOMPARE(server.requestCount("/version.txt"), 1);
     QCOMPARE(server.requests().first().headers.value("user-agent"), WebDownloader::userAgent());
+}
+
+void TestUpdateCheck::aSilentSiteEndsTheCheck()
+{
+    LocalHttpServer server;
+    LocalHttpServer::Response silent;
+    silent.hang = true;
+    server.setResponse("/version.txt", silent);
+    UpdateCheck check;
+    check.setVersionFileUrlForTesting(server.url("/version.txt"));
+    check.setTimeLimitForTesting(200);
+    QSignalSpy finished(&check, &UpdateCheck::finished);
+    check.start(true);
+    QVERIFY(finished.wait(5000));
+    QCOMPARE(finished.first().first().toBool(), false);
+    QVERIFY(!check.isRunning());
+    QVERIFY(m_messages.isEmpty());
+
+    // The next check is not refused as if the silent one were still running.
+    server.setBody("/version.txt", "0.5");
+    check.start(true);
+    QVERIFY(finished.wait(5000));
+    QCOMPARE(m_messages, QStringList{"info 3"});
 }
 
 QTEST_GUILESS_MAIN(TestUpdateCheck)
