@@ -25,6 +25,16 @@
 
 #include <memory>
 
+// The sanitizer build (tools/run-sanitizers.sh) has AddressSanitizer and
+// UndefinedBehaviorSanitizer in together.
+#if defined(__SANITIZE_ADDRESS__)
+#define VANTORA_UNDER_SANITIZERS
+#elif defined(__has_feature)
+#if __has_feature(address_sanitizer)
+#define VANTORA_UNDER_SANITIZERS
+#endif
+#endif
+
 // Starts the real program several times over one settings folder and checks that only one copy
 // keeps running, that later launches reach it, and that a copy that crashed never blocks a start.
 class TestSingleInstance : public QObject
@@ -235,6 +245,11 @@ void TestSingleInstance::unreachableOrUnusableLockStillStarts()
 
 void TestSingleInstance::failedAcceptDoesNotEndListening()
 {
+#ifdef VANTORA_UNDER_SANITIZERS
+    // The sanitizers open a pipe to check that memory can be read before they report on it;
+    // with every descriptor taken they report every virtual call as a fault.
+    QSKIP("under the sanitizers: they need file descriptors of their own, which this test uses up");
+#endif
     QProcess *copy = startProgram({}, QProcess::SeparateChannels);
     QVERIFY(waitUntilAnswering());
     // Room for two more descriptors: the next connections cannot be accepted. A new one takes
@@ -260,7 +275,8 @@ void TestSingleInstance::failedAcceptDoesNotEndListening()
         flood.last()->connectToServer(SingleInstance::serverName());
     }
     QByteArray warnings;
-    QTRY_VERIFY_WITH_TIMEOUT((warnings += copy->readAllStandardError()).contains("listening again"), 5000);
+    QTRY_VERIFY2_WITH_TIMEOUT((warnings += copy->readAllStandardError()).contains("listening again"),
+                              warnings.constData(), 5000);
     QCOMPARE(prlimit(copy->processId(), RLIMIT_NOFILE, &previous, nullptr), 0);
     qDeleteAll(std::exchange(flood, {}));
 
