@@ -32,7 +32,6 @@ constexpr int kHeaderBytes = 4;
 constexpr int kConnectRetryMs = 50;
 // Qt closes its server without a signal when accepting fails; this catches any case the event
 // filter misses.
-constexpr int kServerWatchMs = 2000;
 // sockaddr_un holds 108 bytes with the terminating zero.
 constexpr int kMaxSocketPathBytes = 100;
 
@@ -233,18 +232,13 @@ SingleInstance::Claim SingleInstance::claim(QString *problem)
 
 bool SingleInstance::listen(QString *error)
 {
-    if (m_watch)
+    if (m_server)
         return true;
     // Without the lock the socket name may be another copy's: never take it over.
     if (!m_lock)
         return setFailure(error, QStringLiteral("this copy does not hold the lock"));
-    if (!openServer(error))
-        return false;
-    m_watch = new QTimer(this);
-    m_watch->setInterval(kServerWatchMs);
-    connect(m_watch, &QTimer::timeout, this, &SingleInstance::checkServer);
-    m_watch->start();
-    return true;
+    // No polling: the event filter set up here sees the server close after a failed accept.
+    return openServer(error);
 }
 
 bool SingleInstance::isListening() const

@@ -11,7 +11,6 @@
 class QLocalServer;
 class QLocalSocket;
 class QLockFile;
-class QTimer;
 
 // Keeps one running copy per user (per settings file): the first launch takes a lock file and
 // answers on a local socket (a Unix domain socket; a named pipe on Windows). A later launch finds
@@ -103,7 +102,6 @@ private:
 
     std::unique_ptr<QLockFile> m_lock;
     QLocalServer *m_server = nullptr;
-    QTimer *m_watch = nullptr;
     Handler m_handler;
     // Bytes read so far from each open connection.
     QHash<QLocalSocket *, QByteArray> m_pending;
