@@ -3,6 +3,7 @@
 #include <QObject>
 #include <QPointer>
 
+#include <algorithm>
 #include <array>
 
 // The notes editor's open documents: a fixed table of 301 slots (0 to 300), each holding one
@@ -35,6 +36,8 @@ public:
 
     // The number for the next new or opened document: 1, 2, 3, ... for the life of the table.
     int takeDocumentNumber() { return m_nextNumber++; }
+    // The numbers before `number` count as used: the next one taken is `number` or later.
+    void skipDocumentNumbersBefore(int number) { m_nextNumber = std::max(m_nextNumber, number); }
 
 private:
     std::array<QPointer<QObject>, kSlotCount> m_slots;

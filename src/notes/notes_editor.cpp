@@ -670,7 +670,11 @@ void NotesEditor::writeOpenDocumentsList()
         if (!document->path().isEmpty() && !document->DocumentEdited())
             paths.append(document->path());
     }
+    // Written when the set changes, not with every safety copy.
+    if (paths == m_openDocumentsListed && !paths.isEmpty())
+        return;
     const QString list = OpenDocumentsListPath();
+    m_openDocumentsListed.clear();
     if (paths.isEmpty()) {
         QFile::remove(list);
         return;
@@ -678,6 +682,8 @@ void NotesEditor::writeOpenDocumentsList()
     QString error;
     if (!QDir().mkpath(QFileInfo(list).absolutePath()) || !WriteFileSafely(list, paths.join(u'\n').toUtf8() + '\n', &error))
         qWarning("list of open documents not written: %s", qPrintable(error));
+    else
+        m_openDocumentsListed = paths;
 }
 
 QStringList NotesEditor::takeOpenDocumentsList()
@@ -754,10 +760,8 @@ NoteDocument *NotesEditor::restoreDocument(const RecoveryEntry &entry)
     // A note never saved had the caption of its number ("RTF 3"): the numbers before it are
     // used up, so that it gets that number back and the new notes after it do not repeat it.
     const int number = entry.caption.section(u' ', 1).toInt();
-    if (entry.originalPath.isEmpty() && number > 0 && entry.caption == NewDocumentCaption(type, number)) {
-        while (m_table.takeDocumentNumber() < number - 1) {
-        }
-    }
+    if (entry.originalPath.isEmpty() && number > 0 && entry.caption == NewDocumentCaption(type, number))
+        m_table.skipDocumentNumbersBefore(number);
     NoteDocument *document = createDocument(type);
     if (!document)
         return nullptr;

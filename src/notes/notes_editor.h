@@ -163,6 +163,7 @@ private:
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;
     QString m_recoveryProblem; // why the last safety copy failed; empty while they are written
+    QStringList m_openDocumentsListed; // what the list of open documents on disk holds
     SpellChecker *m_spell = nullptr;
     SpellPanel *m_spellPanel = nullptr;
     bool m_spellWalkOurs = false;
