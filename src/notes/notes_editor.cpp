@@ -649,16 +649,14 @@ void NotesEditor::writeCopies(const QStringList &ids)
         entry.content = document->contentBytes();
         QString error;
         if (!m_recovery->store(entry, &error) && failure.isEmpty())
-            failure = tr("A safety copy of %1 could not be written (%2)").arg(entry.caption, error);
+            failure = tr("A safety copy of %1 could not be written, so a crash now would lose the changes since "
+                         "the note was last saved. Save your notes to keep them.\n\nWhat went wrong: %2")
+                          .arg(entry.caption, error);
     }
     writeOpenDocumentsList();
     // Told once while copies keep failing (a full disk), so the user knows to save.
     if (!failure.isEmpty() && m_recoveryProblem.isEmpty())
-        ShowNotice(tr("No Safety Copy of Your Notes"),
-                   tr("%1, so a crash now would lose the changes since the note was last saved. Save your "
-                      "notes to keep them.")
-                       .arg(failure),
-                   true, this);
+        ShowNotice(tr("No Safety Copy of Your Notes"), failure, true, this);
     m_recoveryProblem = failure;
 }
 

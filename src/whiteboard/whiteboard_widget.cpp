@@ -98,8 +98,8 @@ WhiteboardWidget::WhiteboardWidget(QWidget *parent)
     m_recovery = new BoardRecovery(m_document, this);
     connect(m_recovery, &BoardRecovery::copyFailed, this, [this](const QString &problem) {
         ShowNotice(tr("No Safety Copy of the Board"),
-                   tr("The board's safety copy could not be written (%1), so a crash now would lose "
-                      "the drawing since it was last saved. Save the board to keep it.")
+                   tr("The board's safety copy could not be written, so a crash now would lose the "
+                      "drawing since it was last saved. Save the board to keep it.\n\nWhat went wrong: %1")
                        .arg(problem),
                    true, this);
     });
