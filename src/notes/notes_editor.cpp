@@ -9,6 +9,7 @@
 #include "notes/document_file.h"
 #include "notes/document_naming.h"
 #include "notes/document_pictures.h"
+#include "notes/document_tab_bar.h"
 #include "notes/find_replace_bar.h"
 #include "notes/format_bar.h"
 #include "notes/note_document.h"
@@ -31,7 +32,6 @@
 #include <QDragEnterEvent>
 #include <QDropEvent>
 #include <QMimeData>
-#include <QPainter>
 #include <QDir>
 #include <QFileDialog>
 #include <QFileInfo>
@@ -88,17 +88,12 @@ NotesEditor::NotesEditor(QWidget *parent)
 
     auto *tabRow = new QHBoxLayout;
     tabRow->setSpacing(2);
-    m_tabs = new QTabBar(panel());
+    m_tabs = new DocumentTabBar(panel());
     m_tabs->setObjectName(QStringLiteral("tabDOCS"));
     m_tabs->setTabsClosable(true);
     m_tabs->setExpanding(false);
-    m_tabs->setUsesScrollButtons(true);
     m_tabs->setDocumentMode(true);
     m_tabs->setFocusPolicy(Qt::NoFocus);
-    // Room for the two scroll buttons, which the editor paints itself (paintScrollButton).
-    m_tabs->setStyleSheet(QStringLiteral("QTabBar::scroller { width: 48px; }"));
-    for (QToolButton *scroll : m_tabs->findChildren<QToolButton *>())
-        scroll->installEventFilter(this);
     tabRow->addWidget(m_tabs, 1);
     m_listButton = new QToolButton(panel());
     m_listButton->setObjectName(QStringLiteral("btnWINDOWS"));
@@ -979,50 +974,7 @@ void NotesEditor::ThemeElementsUpdate()
 
 void NotesEditor::applyPanelStyle()
 {
-    m_panelText = ApplyPanelToolTheme(m_title, panel());
-    for (QToolButton *button : m_tabs->findChildren<QToolButton *>())
-        button->update();
-}
-
-bool NotesEditor::eventFilter(QObject *watched, QEvent *event)
-{
-    if (event->type() == QEvent::Paint && watched->parent() == m_tabs) {
-        if (auto *button = qobject_cast<QToolButton *>(watched)) {
-            paintScrollButton(button);
-            return true;
-        }
-    }
-    return WidgetWindow::eventFilter(watched, event);
-}
-
-void NotesEditor::paintScrollButton(QToolButton *button)
-{
-    // The tab strip's scroll buttons sit over the tabs: solid, in the page's colours like the
-    // chosen tab, framed in the panel's text colour, with an arrow that fills the button
-    // (the panel's button padding left the style's own arrow a dot).
-    const QPalette page = m_pages->palette();
-    const QColor ink = page.color(QPalette::Text);
-    const QColor paper = page.color(QPalette::Base);
-    const QColor arrow = button->isEnabled() ? ink : ResolveColor(BlendColor(ToOleColor(ink), ToOleColor(paper), 80));
-    QPainter painter(button);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const QRectF box = QRectF(button->rect()).adjusted(1.5, 2.5, -1.5, -2.5);
-    painter.setPen(QPen(button->underMouse() && button->isEnabled() ? ink : m_panelText, 1));
-    painter.setBrush(button->isDown() ? ResolveColor(BlendColor(ToOleColor(ink), ToOleColor(paper), 40)) : paper);
-    painter.drawRoundedRect(box, 3, 3);
-    const qreal half = qMin(box.width(), box.height()) * 0.22;
-    const QPointF centre = box.center();
-    const qreal direction = button->arrowType() == Qt::LeftArrow || button->arrowType() == Qt::UpArrow ? -1 : 1;
-    QPolygonF triangle;
-    if (button->arrowType() == Qt::UpArrow || button->arrowType() == Qt::DownArrow)
-        triangle << centre + QPointF(-half * 1.3, -half * direction) << centre + QPointF(half * 1.3, -half * direction)
-                 << centre + QPointF(0, half * direction);
-    else
-        triangle << centre + QPointF(-half * direction, -half * 1.3) << centre + QPointF(-half * direction, half * 1.3)
-                 << centre + QPointF(half * direction, 0);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(arrow);
-    painter.drawPolygon(triangle);
+    m_tabs->setScrollButtonColours(m_pages, ApplyPanelToolTheme(m_title, panel()));
 }
 
 void NotesEditor::relayout()

@@ -4,7 +4,6 @@
 #include "core/recovery_debounce.h"
 #include "themes/widget_window.h"
 
-#include <QColor>
 #include <QHash>
 #include <QPointer>
 
@@ -19,7 +18,7 @@ class QLabel;
 class QMenu;
 class QSplitter;
 class QStackedWidget;
-class QTabBar;
+class DocumentTabBar;
 class QTabWidget;
 class QTimer;
 class QToolButton;
@@ -94,7 +93,6 @@ protected:
     // Files dropped anywhere on the editor outside the page open as documents.
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     void buildCommandRow(QWidget *row);
@@ -134,7 +132,6 @@ private:
     void addRecentFile(const QString &path);
     void fillRecentMenu();
     void applyPanelStyle();
-    void paintScrollButton(QToolButton *button);
     void buildSpellPanel();
     void showUnknownWord(const QString &word, const QStringList &suggestions);
     void spellCheckFinished();
@@ -146,7 +143,7 @@ private:
     DocumentTable m_table;
     QWidget *m_commands = nullptr;
     FormatBar *m_formatBar = nullptr;
-    QTabBar *m_tabs = nullptr;
+    DocumentTabBar *m_tabs = nullptr;
     QToolButton *m_listButton = nullptr;
     QSplitter *m_split = nullptr;
     QStackedWidget *m_pages = nullptr;
@@ -159,7 +156,6 @@ private:
     QLabel *m_lines = nullptr;
     QLabel *m_zoom = nullptr;
     QMenu *m_recentMenu = nullptr;
-    QColor m_panelText = Qt::gray; // the panel's text colour, from the theme
     QTimer *m_recoveryTimer = nullptr;
     RecoveryStore *m_recovery = nullptr;
     QString m_recoveryProblem; // why the last safety copy failed; empty while they are written
