@@ -2,6 +2,7 @@
 
 #include "core/settings_store.h"
 
+#include <QApplication>
 #include <QGuiApplication>
 #include <QScreen>
 #include <QWidget>
@@ -131,6 +132,11 @@ void SaveWindowPlacement(QWidget *window, bool withSize)
     }
 }
 
+bool HasStoredPlacement(const QWidget *window)
+{
+    return window && !ReadSetting(Hive::CurrentUser, placementKey(window), kLeft, QString()).isEmpty();
+}
+
 bool RestoreWindowPlacement(QWidget *window, bool withSize)
 {
     if (!window)
@@ -165,4 +171,63 @@ bool RestoreWindowPlacement(QWidget *window, bool withSize)
     const double placedY = PlacementAxis(storedY, heightTw, PixelsToTwips(area.height(), dpi));
     window->move(TwipsToPixels(originX + placedX, dpi), TwipsToPixels(originY + placedY, dpi));
     return placedX == storedX && placedY == storedY;
+}
+
+namespace {
+
+qint64 coveredArea(const QRect &candidate, const QList<QRect> &taken)
+{
+    qint64 covered = 0;
+    for (const QRect &r : taken) {
+        const QRect common = r.intersected(candidate);
+        if (!common.isEmpty())
+            covered += qint64(common.width()) * common.height();
+    }
+    return covered;
+}
+
+} // namespace
+
+QPoint FreeSpot(const QSize &size, const QRect &area, const QList<QRect> &taken)
+{
+    constexpr int margin = 16;
+    constexpr int stepX = 24;
+    constexpr int stepY = 12;
+    if (size.width() > area.width() - 2 * margin || size.height() > area.height() - 2 * margin)
+        return area.topLeft() + QPoint(qMax(0, (area.width() - size.width()) / 2), 0);
+    QPoint best = area.center() - QPoint(size.width() / 2, size.height() / 2);
+    qint64 leastCovered = -1;
+    const int right = area.right() + 1 - margin - size.width();
+    const int bottom = area.bottom() + 1 - margin - size.height();
+    for (int x = right; x >= area.left() + margin; x -= stepX) {
+        for (int y = area.top() + margin; y <= bottom; y += stepY) {
+            const qint64 covered = coveredArea(QRect(QPoint(x, y), size), taken);
+            if (covered == 0)
+                return QPoint(x, y);
+            if (leastCovered < 0 || covered < leastCovered) {
+                leastCovered = covered;
+                best = QPoint(x, y);
+            }
+        }
+    }
+    return best;
+}
+
+QPoint CentredOver(const QRect &owner, const QSize &size)
+{
+    return owner.center() + QPoint(1, 1) - QPoint(size.width() / 2, size.height() / 2);
+}
+
+QPoint FreeSpotFor(const QWidget *window)
+{
+    const QScreen *screen = screenOf(window);
+    const QRect area = screen ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+    constexpr int gap = 8; // windows side by side keep a little of the desktop between them
+    QList<QRect> taken;
+    for (const QWidget *other : QApplication::topLevelWidgets()) {
+        if (other != window && other->isVisible() && other->windowType() != Qt::Popup &&
+            other->windowType() != Qt::ToolTip)
+            taken.append(other->frameGeometry().adjusted(-gap, -gap, gap, gap));
+    }
+    return FreeSpot(window->frameGeometry().size(), area, taken);
 }

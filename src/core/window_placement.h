@@ -1,5 +1,9 @@
 #pragma once
 
+#include <QList>
+#include <QPoint>
+#include <QRect>
+
 class QWidget;
 
 // A window's placement, kept under SettingsRoot() + objectName() + "\Window" as decimal text
@@ -21,6 +25,9 @@ void SaveWindowPlacement(QWidget *window, bool withSize);
 // so that a caller with a better idea of where the window belongs can move it.
 bool RestoreWindowPlacement(QWidget *window, bool withSize);
 
+// True when a place was stored for `window` (it has been closed somewhere before).
+bool HasStoredPlacement(const QWidget *window);
+
 // The restore arithmetic for one axis, in twips measured from the screen's left (top) edge:
 // the stored position when it lies on the screen, else the centred one.
 double PlacementAxis(double stored, double windowSize, double screenSize);
@@ -32,3 +39,16 @@ double CentredPosition(double windowSize, double screenSize);
 // Pixels and twips at a given number of dots per inch.
 double PixelsToTwips(double pixels, double dotsPerInch);
 int TwipsToPixels(double twips, double dotsPerInch);
+
+// Where a window opened without a stored place goes: the first spot of `size` within `area`,
+// from its top-right corner going down and then leftwards, that covers none of `taken`. When
+// every spot covers something, the one that covers the least (by area) is taken, so windows
+// too large to fit side by side overlap as little as the screen allows instead of piling up
+// in its centre. A window larger than the area starts at its top-left corner.
+QPoint FreeSpot(const QSize &size, const QRect &area, const QList<QRect> &taken);
+
+// The top-left corner that centres a window of `size` over `owner`.
+QPoint CentredOver(const QRect &owner, const QSize &size);
+
+// FreeSpot for `window` on its screen, clear of the program's other visible windows.
+QPoint FreeSpotFor(const QWidget *window);

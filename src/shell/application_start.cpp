@@ -1,6 +1,7 @@
 #include "shell/application_start.h"
 
 #include "core/data_folders.h"
+#include "core/dialog_focus_return.h"
 #include "core/platform/autostart.h"
 #include "core/settings_store.h"
 #include "core/shipped_data.h"
@@ -71,6 +72,7 @@ SchedulerWindow *ApplicationStart::scheduler() const
 
 void ApplicationStart::run(const LaunchRequest &request)
 {
+    DialogFocusReturn::install();
     // From the first read on: a settings file that is partly unreadable, or cannot be saved.
     SetSettingsProblemHandler([this](const QString &message) { addNotice(message); });
     prepareValues();

@@ -1,8 +1,8 @@
 #include "themes/message_window.h"
 
 #include "core/widget_frame.h"
-
 #include "core/window_dragger.h"
+#include "core/window_placement.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
 #include "themes/themed_button.h"
@@ -235,7 +235,7 @@ void MessageWindow::placeOver(QWidget *owner)
             create();
         if (anchor->windowHandle())
             windowHandle()->setTransientParent(anchor->windowHandle());
-        move(anchor->frameGeometry().center() - rect().center());
+        move(CentredOver(anchor->frameGeometry(), size()));
         KeepInsideScreen(this); // an owner at the screen's edge must not push the box off it
         return;
     }

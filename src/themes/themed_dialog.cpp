@@ -56,7 +56,8 @@ void ThemedDialog::themeControls()
     const Theme &t = CurrentTheme();
     QPalette pal = panel()->palette();
     // Half-way between the text and the background reads as "off" on light and dark themes.
-    pal.setColor(QPalette::Disabled, QPalette::WindowText, ResolveColor(BlendColor(t.PanelColor, t.MainColor, 110)));
+    pal.setColor(QPalette::Disabled, QPalette::WindowText,
+                 ResolveColor(BlendColor(t.PanelColor, t.MainColor, 110)));
     panel()->setPalette(pal);
     const QString css = PushButtonStyleSheet(t);
     for (QPushButton *button : panel()->findChildren<QPushButton *>()) {
@@ -129,16 +130,24 @@ void ThemedDialog::showEvent(QShowEvent *event)
     QDialog::showEvent(event);
     if (!m_placed) {
         m_placed = true;
+        const bool stored = HasStoredPlacement(this);
         RestoreWindowPlacement(this, false);
-        KeepInsideScreen(this);
         ApplyTheme(this);
         // The theme's button style is larger than the desktop's, and the size above was taken
         // before it applied: grow so that no row of the layout is squeezed below its controls.
+        // The layout settles now, before the window is mapped: a window that grows just after
+        // the window manager has placed it can be thrown back to the screen's corner.
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest);
         const QSize wanted = size().expandedTo(sizeHint());
-        if (wanted != size()) {
+        if (wanted != size())
             resize(wanted);
-            KeepInsideScreen(this);
-        }
+        // The first time, a dialog opens centred over its owner at its final size; a dialog
+        // of its own (no owner window) opens in a free spot, as a widget does.
+        if (!stored && parentWidget())
+            move(CentredOver(parentWidget()->window()->frameGeometry(), size()));
+        else if (!stored)
+            move(FreeSpotFor(this));
+        KeepInsideScreen(this);
         focusFirstPanelControl();
     }
 }
@@ -149,7 +158,8 @@ void ThemedDialog::keyPressEvent(QKeyEvent *event)
     // button would do nothing: press it, as Space does.
     const bool enter = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
     auto *focused = qobject_cast<QPushButton *>(focusWidget());
-    if (enter && !m_defaultButton && focused && focused->isEnabled() && event->modifiers() == Qt::NoModifier) {
+    if (enter && !m_defaultButton && focused && focused->isEnabled() &&
+        event->modifiers() == Qt::NoModifier) {
         focused->click();
         return;
     }
@@ -177,10 +187,5 @@ void ThemedDialog::done(int result)
 {
     if (m_placed)
         SaveWindowPlacement(this, false);
-    QDialog::done(result);
-    // The keyboard goes back to the window the dialog was opened over. Window managers mostly
-    // do this themselves, but not for tool windows (every widget is one), and without a window
-    // manager nobody does: keys typed next would be lost.
-    if (QWidget *owner = parentWidget() ? parentWidget()->window() : nullptr; owner && owner->isVisible())
-        owner->activateWindow();
+    QDialog::done(result); // the keyboard goes back to the owner (DialogFocusReturn)
 }

@@ -6,45 +6,12 @@
 #include "themes/theme_painter.h"
 #include "themes/themed_chrome.h"
 
-#include <QApplication>
 #include <QCloseEvent>
-#include <QLabel>
 #include <QKeyEvent>
-#include <QScreen>
-
-#include <algorithm>
-
-namespace {
-
-// Where a widget opened for the first time goes: the first spot from the top-right corner of
-// the screen, going down and then leftwards, that covers none of the program's other windows.
-// Centred when the screen is full.
-QPoint freeSpotFor(const QWidget *window)
-{
-    const QScreen *screen = window->screen() ? window->screen() : QGuiApplication::primaryScreen();
-    const QRect area = screen->availableGeometry();
-    constexpr int margin = 16;
-    QList<QRect> taken;
-    for (const QWidget *other : QApplication::topLevelWidgets()) {
-        if (other != window && other->isVisible())
-            taken.append(other->frameGeometry().adjusted(-margin / 2, -margin / 2, margin / 2, margin / 2));
-    }
-    const QSize size = window->size();
-    for (int x = area.right() - margin - size.width(); x >= area.left(); x -= 24) {
-        for (int y = area.top() + margin; y + size.height() <= area.bottom(); y += 12) {
-            const QRect candidate(QPoint(x, y), size);
-            if (std::none_of(taken.cbegin(), taken.cend(), [&](const QRect &r) { return r.intersects(candidate); }))
-                return candidate.topLeft();
-        }
-    }
-    return area.center() - QPoint(size.width() / 2, size.height() / 2);
-}
-
-} // namespace
+#include <QLabel>
 
 WidgetWindow::WidgetWindow(const QString &windowName, int widgetIndex, const QString &title, QWidget *parent)
-    : QWidget(parent, Qt::Window)
-    , m_widgetIndex(widgetIndex)
+    : QWidget(parent, Qt::Window), m_widgetIndex(widgetIndex)
 {
     setObjectName(windowName);
     setWindowTitle(title);
@@ -106,11 +73,11 @@ void WidgetWindow::loadWindow()
         stretchGrip()->hide();
     setMinimumSize(minimumUsableSize());
     resize(defaultSize());
-    move(freeSpotFor(this)); // only a default: a stored position wins
+    move(FreeSpotFor(this)); // only a default: a stored position wins
     // A stored place off this screen (another monitor, a larger scale factor since) would pile
     // every such widget in the centre: each takes the next free spot instead.
     if (!RestoreWindowPlacement(this, isResizable()))
-        move(freeSpotFor(this));
+        move(FreeSpotFor(this));
     ApplyTheme(this);
 }
 
@@ -152,6 +119,14 @@ void WidgetWindow::resizeEvent(QResizeEvent *event)
     relayout();
 }
 
+bool WidgetWindow::closeSettled()
+{
+    m_closingSettled = true;
+    const bool closed = close();
+    m_closingSettled = false;
+    return closed;
+}
+
 void WidgetWindow::closeEvent(QCloseEvent *event)
 {
     if (m_loaded) {
@@ -165,7 +140,8 @@ void WidgetWindow::closeEvent(QCloseEvent *event)
 void WidgetWindow::keyPressEvent(QKeyEvent *event)
 {
     // Shift+F10 and the menu key open the widget menu, as a right click does.
-    if (event->key() == Qt::Key_Menu || (event->key() == Qt::Key_F10 && event->modifiers() & Qt::ShiftModifier)) {
+    if (event->key() == Qt::Key_Menu ||
+        (event->key() == Qt::Key_F10 && event->modifiers() & Qt::ShiftModifier)) {
         WidgetMouseDown(this, Qt::RightButton, mapToGlobal(QPoint(width() / 2, barHeight())));
         return;
     }

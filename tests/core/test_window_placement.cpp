@@ -52,6 +52,8 @@ private slots:
     void positionOnlyLeavesSizeAlone();
     void unreadableValuesChangeNothing_data();
     void unreadableValuesChangeNothing();
+    void freeSpot_data();
+    void freeSpot();
 };
 
 void TestWindowPlacement::placementAxis_data()
@@ -207,3 +209,34 @@ void TestWindowPlacement::unreadableValuesChangeNothing()
 
 QTEST_MAIN(TestWindowPlacement)
 #include "test_window_placement.moc"
+
+void TestWindowPlacement::freeSpot_data()
+{
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<QList<QRect>>("taken");
+    QTest::addColumn<QPoint>("expected");
+    const QRect dashboard(580, 346, 441, 308); // centred on the 1600 x 1000 test screen
+    QTest::newRow("empty screen: top right") << QSize(240, 330) << QList<QRect>{} << QPoint(1344, 16);
+    QTest::newRow("below a widget in the corner")
+        << QSize(240, 330) << QList<QRect>{{1336, 8, 256, 346}} << QPoint(1344, 364);
+    QTest::newRow("next column when the first is full")
+        << QSize(240, 330) << QList<QRect>{{1336, 8, 256, 984}} << QPoint(1080, 16);
+    // Too large to sit beside the dashboard anywhere: the spot that covers the least of it,
+    // not the centre of the screen on top of it.
+    QTest::newRow("large window beside the dashboard")
+        << QSize(1000, 680) << QList<QRect>{dashboard} << QPoint(584, 16);
+    QTest::newRow("two large windows overlap as little as they can")
+        << QSize(780, 580) << QList<QRect>{dashboard, {584, 16, 1000, 680}} << QPoint(36, 400);
+    QTest::newRow("larger than the screen") << QSize(1700, 900) << QList<QRect>{} << QPoint(0, 0);
+}
+
+void TestWindowPlacement::freeSpot()
+{
+    QFETCH(QSize, size);
+    QFETCH(QList<QRect>, taken);
+    QFETCH(QPoint, expected);
+    const QRect screen(0, 0, 1600, 1000);
+    const QPoint spot = FreeSpot(size, screen, taken);
+    QCOMPARE(spot, expected);
+    QVERIFY(screen.contains(QRect(spot, size)) || size.width() > screen.width());
+}
