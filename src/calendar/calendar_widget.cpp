@@ -534,15 +534,19 @@ void CalendarWidget::saveValues()
     WriteDetail(kWindow, kWeekNumbers, SettingFromBool(m_weeksButton->isChecked()));
 }
 
-void CalendarWidget::closeEvent(QCloseEvent *event)
+bool CalendarWidget::settleBeforeClose()
 {
     m_page->settle();
-    if (!saveNow() &&
-        !AskChoice(
-            tr("Close the Calendar?"),
-            tr("Some changes to %1 could not be written to the calendar folder. Close anyway and lose them?")
-                .arg(m_month->text()),
-            tr("&Close"), tr("&Keep Open"), false, this)) {
+    return saveNow() || AskChoice(tr("Close the Calendar?"),
+                                  tr("Some changes to %1 could not be written to the calendar folder. Close "
+                                     "anyway and lose them?")
+                                      .arg(m_month->text()),
+                                  tr("&Close"), tr("&Keep Open"), false, this);
+}
+
+void CalendarWidget::closeEvent(QCloseEvent *event)
+{
+    if (!isClosingSettled() && !settleBeforeClose()) {
         event->ignore();
         return;
     }

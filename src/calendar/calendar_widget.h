@@ -62,6 +62,7 @@ public slots:
 protected:
     void relayout() override;
     void saveValues() override;
+    bool settleBeforeClose() override;
     void closeEvent(QCloseEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
     void dropEvent(QDropEvent *event) override;

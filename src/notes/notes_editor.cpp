@@ -989,15 +989,22 @@ void NotesEditor::saveValues()
         WriteDetail(QLatin1String(kNotesWindowName), kSidePanelValue, QString::number(sizes.at(1)));
 }
 
-void NotesEditor::closeEvent(QCloseEvent *event)
+bool NotesEditor::settleBeforeClose()
 {
     // Every unsaved document is settled (saved or given up) before any of them goes, so a
     // Cancel leaves the editor exactly as it was.
     for (NoteDocument *document : documents()) {
-        if (!settleUnsaved(document)) {
-            event->ignore();
-            return;
-        }
+        if (!settleUnsaved(document))
+            return false;
+    }
+    return true;
+}
+
+void NotesEditor::closeEvent(QCloseEvent *event)
+{
+    if (!isClosingSettled() && !settleBeforeClose()) {
+        event->ignore();
+        return;
     }
     m_closing = true;
     stopSpellCheck();

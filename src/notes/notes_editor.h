@@ -88,6 +88,7 @@ public slots:
 protected:
     void relayout() override;
     void saveValues() override;
+    bool settleBeforeClose() override;
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
     // Files dropped anywhere on the editor outside the page open as documents.

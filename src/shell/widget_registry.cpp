@@ -104,8 +104,15 @@ void WidgetRegistry::toggle(int index)
 
 bool WidgetRegistry::closeAll()
 {
-    for (int index : openWidgets()) {
-        if (!close(index))
+    // Every widget with unsaved work asks first; only when none was cancelled does any close.
+    const QList<int> open = openWidgets();
+    for (int index : open) {
+        if (!window(index)->settleBeforeClose())
+            return false;
+    }
+    for (int index : open) {
+        WidgetWindow *widget = window(index);
+        if (widget && !widget->closeSettled())
             return false;
     }
     return true;

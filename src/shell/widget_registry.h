@@ -37,8 +37,9 @@ public:
     bool close(int index);
     // Opens a closed widget, closes an open one (the dashboard's widgets menu).
     void toggle(int index);
-    // Closes every open widget; false when one refused (a notes editor whose user cancelled
-    // the unsaved-changes question), which stays open, as do the widgets after it.
+    // Closes every open widget once each has settled its unsaved work; false when one was
+    // kept open (a notes editor whose user cancelled the unsaved-changes question): then no
+    // widget closes.
     bool closeAll();
     // Shows or hides every opened widget without closing it.
     void setOpenedWidgetsVisible(bool visible);

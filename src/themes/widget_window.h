@@ -58,6 +58,13 @@ public:
     // Gives the widget its default size back (the menu's "Widget Reset Size").
     void resetSize();
 
+    // Settles work that closing would lose (saves it, or asks the user): false when the user
+    // chose to keep the widget open. The program's exit asks every widget before closing any,
+    // so a Cancel leaves all of them as they were.
+    virtual bool settleBeforeClose() { return true; }
+    // Closes after settleBeforeClose() agreed, without asking again; false when it still refused.
+    bool closeSettled();
+
 signals:
     // The window is closing (its placement and values are saved); it is deleted afterwards.
     void closed();
@@ -69,6 +76,8 @@ public slots:
     virtual void ThemeElementsUpdate();
 
 protected:
+    // True while closeSettled() closes the window: the questions were answered already.
+    bool isClosingSettled() const { return m_closingSettled; }
     virtual void relayout() {}
     virtual void saveValues() {}
 
@@ -80,4 +89,5 @@ private:
     int m_widgetIndex;
     ThemedChrome *m_chrome;
     bool m_loaded = false;
+    bool m_closingSettled = false;
 };

@@ -538,9 +538,14 @@ void WhiteboardWidget::saveValues()
         WriteDetail(kWindow, kSidePanelWidth, QString::number(sizes.at(1)));
 }
 
+bool WhiteboardWidget::settleBeforeClose()
+{
+    return settleUnsaved();
+}
+
 void WhiteboardWidget::closeEvent(QCloseEvent *event)
 {
-    if (!settleUnsaved()) {
+    if (!isClosingSettled() && !settleUnsaved()) {
         event->ignore();
         return;
     }

@@ -66,6 +66,7 @@ public slots:
 protected:
     void relayout() override;
     void saveValues() override;
+    bool settleBeforeClose() override;
     void closeEvent(QCloseEvent *event) override;
     void showEvent(QShowEvent *event) override;
     void dragEnterEvent(QDragEnterEvent *event) override;
