@@ -230,7 +230,8 @@ void WebcamViewer::addUnknownGroup(const QList<const WebcamCamera *> &cameras, c
 {
     m_group = new QListWidgetItem(m_list);
     m_group->setData(kGroupRole, true);
-    m_group->setToolTip(tr("Cameras whose picture address is not known: Enter or a click shows or hides them"));
+    m_group->setToolTip(
+        tr("Cameras whose picture address is not known: Enter or a click shows or hides them"));
     QFont bold = m_list->font();
     bold.setBold(true);
     m_group->setFont(bold);

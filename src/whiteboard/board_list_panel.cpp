@@ -164,8 +164,9 @@ void BoardListPanel::colourEmptyNote()
     const QPalette page = m_list->palette();
     const QColor text = SubduedOn(page.color(QPalette::Base), page.color(QPalette::Text));
     // A style sheet of its own, because the panel's style sheet colours every label.
-    const QString css = QStringLiteral("QLabel { color: %1; background: %2; border: 1px solid %3; padding: 6px; }")
-                            .arg(text.name(), page.color(QPalette::Base).name(), page.color(QPalette::Mid).name());
+    const QString css =
+        QStringLiteral("QLabel { color: %1; background: %2; border: 1px solid %3; padding: 6px; }")
+            .arg(text.name(), page.color(QPalette::Base).name(), page.color(QPalette::Mid).name());
     if (m_empty->styleSheet() != css)
         m_empty->setStyleSheet(css);
 }

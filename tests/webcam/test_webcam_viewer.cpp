@@ -162,7 +162,8 @@ void TestWebcamViewer::camerasWithoutAddressComeAfterInTheirGroup()
     if (openKey)
         QTest::keyClick(cameras, Qt::Key(openKey));
     else
-        QTest::mouseClick(cameras->viewport(), Qt::LeftButton, {}, cameras->visualItemRect(cameras->currentItem()).center());
+        QTest::mouseClick(cameras->viewport(), Qt::LeftButton, {},
+                          cameras->visualItemRect(cameras->currentItem()).center());
     QCOMPARE(cameras->item(groupRow)->text(), QStringLiteral("\u25BE Cameras without an address (31)"));
     QTest::keyClick(cameras, Qt::Key_Down);
     QCOMPARE(cameras->currentItem()->text(), QStringLiteral("Australia - SA Adelaide (city)"));
@@ -186,11 +187,13 @@ void TestWebcamViewer::selectedAndGreyedRowsRead_data()
     const QList<QPair<QColor, QColor>> pairs{{QColor(0x00, 0x33, 0x99), Qt::white},
                                              {QColor(0x30, 0x8c, 0xc6), Qt::white},
                                              {QColor(0xff, 0xe0, 0x80), Qt::white}};
-    QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files,
+                    QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString path = it.next();
         for (const auto &[highlight, text] : pairs)
-            QTest::addRow("%s on %s", qPrintable(path.mid(9)), qPrintable(highlight.name())) << path << highlight << text;
+            QTest::addRow("%s on %s", qPrintable(path.mid(9)), qPrintable(highlight.name()))
+                << path << highlight << text;
     }
 }
 
@@ -222,7 +225,8 @@ void TestWebcamViewer::selectedAndGreyedRowsRead()
     // Past the end of the name, the row shows nothing but the selection.
     const QColor selection = painted.pixelColor(row.right() - 3, row.center().y());
     const QColor text = cameras->palette().color(QPalette::HighlightedText);
-    QVERIFY2(ContrastRatio(text, selection) >= 4.5, qPrintable(text.name() + QStringLiteral(" on ") + selection.name()));
+    QVERIFY2(ContrastRatio(text, selection) >= 4.5,
+             qPrintable(text.name() + QStringLiteral(" on ") + selection.name()));
 
     const QColor base = cameras->palette().color(QPalette::Base);
     for (int i = cameras->count() - 31; i < cameras->count(); ++i) {

@@ -395,7 +395,8 @@ void TestWhiteboardWidget::aCopyThatCannotBeWrittenIsToldOnce()
 void TestWhiteboardWidget::emptyListNoteReadsOnEveryPreset_data()
 {
     QTest::addColumn<QString>("preset");
-    QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files, QDirIterator::Subdirectories);
+    QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files,
+                    QDirIterator::Subdirectories);
     while (it.hasNext()) {
         const QString path = it.next();
         QTest::newRow(qPrintable(path.mid(9))) << path;
