@@ -436,13 +436,23 @@ void WebcamViewer::ThemeElementsUpdate()
 
 bool WebcamViewer::eventFilter(QObject *watched, QEvent *event)
 {
+    if (watched != m_list || event->type() != QEvent::KeyPress)
+        return ThemedDialog::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent *>(event)->key();
     // Right opens the group of cameras without an address and Left closes it, as in a tree.
-    if (watched == m_list && event->type() == QEvent::KeyPress && isGroupRow(m_list->currentItem())) {
-        const int key = static_cast<QKeyEvent *>(event)->key();
-        if (key == Qt::Key_Right || key == Qt::Key_Left || key == Qt::Key_Space) {
-            setGroupOpen(key == Qt::Key_Space ? !m_groupOpen : key == Qt::Key_Right);
-            return true;
-        }
+    if (isGroupRow(m_list->currentItem()) &&
+        (key == Qt::Key_Right || key == Qt::Key_Left || key == Qt::Key_Space)) {
+        setGroupOpen(key == Qt::Key_Space ? !m_groupOpen : key == Qt::Key_Right);
+        return true;
+    }
+    // The list's own Home and End would land on a hidden row of the closed group.
+    if (key == Qt::Key_Home || key == Qt::Key_End) {
+        const int step = key == Qt::Key_Home ? 1 : -1;
+        int row = key == Qt::Key_Home ? 0 : m_list->count() - 1;
+        while (row >= 0 && row < m_list->count() && m_list->item(row)->isHidden())
+            row += step;
+        m_list->setCurrentRow(row);
+        return true;
     }
     return ThemedDialog::eventFilter(watched, event);
 }

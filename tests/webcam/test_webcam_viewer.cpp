@@ -154,10 +154,14 @@ void TestWebcamViewer::camerasWithoutAddressComeAfterInTheirGroup()
         QCOMPARE(cameras->item(row)->isHidden(), camera.address.isEmpty());
     }
 
-    // The arrow keys reach the group row from the last working camera, and open it.
+    // The arrow keys reach the group row from the last working camera, and End from anywhere.
     cameras->setFocus();
     cameras->setCurrentRow(groupRow - 1);
     QTest::keyClick(cameras, Qt::Key_Down);
+    QCOMPARE(cameras->currentRow(), groupRow);
+    QTest::keyClick(cameras, Qt::Key_Home);
+    QCOMPARE(cameras->currentRow(), 0);
+    QTest::keyClick(cameras, Qt::Key_End);
     QCOMPARE(cameras->currentRow(), groupRow);
     if (openKey)
         QTest::keyClick(cameras, Qt::Key(openKey));
