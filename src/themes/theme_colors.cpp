@@ -107,6 +107,21 @@ QColor ReadableOn(const QColor &background, const QColor &wanted, double least)
     return ContrastRatio(black, background) >= ContrastRatio(white, background) ? black : white;
 }
 
+QColor SubduedOn(const QColor &background, const QColor &text, double least)
+{
+    // Half-way towards the background at most; a greyed entry must still be read.
+    for (int share = 50; share > 0; share -= 5) {
+        const double t = share / 100.0;
+        const QColor mixed =
+            QColor::fromRgbF(float(text.redF() + (background.redF() - text.redF()) * t),
+                             float(text.greenF() + (background.greenF() - text.greenF()) * t),
+                             float(text.blueF() + (background.blueF() - text.blueF()) * t));
+        if (ContrastRatio(mixed, background) >= least)
+            return mixed;
+    }
+    return ReadableOn(background, text, least);
+}
+
 double ContrastRatio(const QColor &a, const QColor &b)
 {
     const double la = RelativeLuminance(a);

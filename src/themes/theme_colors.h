@@ -45,3 +45,7 @@ double ContrastRatio(const QColor &a, const QColor &b);
 // `wanted` when it reads on `background` at `least` contrast, else black or white, whichever
 // reads better: for text that must be read whatever the theme (questions, buttons, menus).
 QColor ReadableOn(const QColor &background, const QColor &wanted, double least = 4.5);
+
+// `text` moved part way towards `background` for a quieter, greyed look, but no further than
+// still reads at `least` contrast; `text` itself, or black or white, when even that is too faint.
+QColor SubduedOn(const QColor &background, const QColor &text, double least = 4.5);

@@ -5,6 +5,7 @@
 #include "core/settings_store.h"
 #include "themes/credit_link.h"
 #include "themes/message_box.h"
+#include "themes/theme_colors.h"
 #include "webcam/webcam_camera_dialog.h"
 #include "webcam/webcam_session.h"
 
@@ -13,6 +14,7 @@
 #include <QFile>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QLocale>
@@ -28,6 +30,8 @@ QPointer<WebcamViewer> g_viewer;
 // The picture keeps the cameras' usual 3:2 to 16:9 shapes readable at the viewer's size.
 constexpr QSize kPictureSize(480, 300);
 constexpr int kAgeCheckMs = 30 * 1000;
+// Marks the row that heads the cameras without an address.
+constexpr int kGroupRole = Qt::UserRole + 1;
 
 const QString kAutoRefresh = QStringLiteral("Auto Refresh");
 const QString kWallpaperStyle = QStringLiteral("Wallpaper Style");
@@ -97,6 +101,7 @@ QWidget *WebcamViewer::buildCameraColumn()
     m_list = named(new QListWidget, "lstWEBCAMS");
     m_list->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_list->setToolTip(tr("Click a camera to fetch its picture"));
+    m_list->installEventFilter(this);
     m_add = named(new QPushButton(tr("&Add...")), "btnADD");
     m_add->setToolTip(tr("Add a camera of your own: a name and the address of its still picture"));
     m_edit = named(new QPushButton(tr("&Change...")), "btnEDIT");
@@ -195,20 +200,24 @@ QLayout *WebcamViewer::buildWallpaperRow()
 void WebcamViewer::fillList(const QString &selectName)
 {
     m_list->clear();
+    m_group = nullptr;
     int widest = 0;
+    QList<const WebcamCamera *> unknown;
     for (const WebcamCamera &camera : m_catalogue.cameras()) {
-        auto *item = new QListWidgetItem(camera.name, m_list);
         widest = qMax(widest, m_list->fontMetrics().horizontalAdvance(camera.name));
         if (camera.address.isEmpty()) {
-            // Still listed, in a quieter colour: choosing it explains why nothing comes.
-            item->setForeground(m_list->palette().color(QPalette::PlaceholderText));
-            item->setToolTip(tr("No picture address is known for this camera"));
-        } else if (camera.own) {
-            item->setToolTip(camera.address);
+            unknown.append(&camera);
+            continue;
         }
+        auto *item = new QListWidgetItem(camera.name, m_list);
+        if (camera.own)
+            item->setToolTip(camera.address);
         if (camera.name == selectName)
             m_list->setCurrentItem(item);
     }
+    if (!unknown.isEmpty())
+        addUnknownGroup(unknown, selectName);
+    colourList();
     // Every name whole, with room for the scroll bar.
     m_list->setMinimumWidth(widest + m_list->style()->pixelMetric(QStyle::PM_ScrollBarExtent) +
                             4 * m_list->frameWidth() + m_list->fontMetrics().averageCharWidth() * 2);
@@ -217,10 +226,81 @@ void WebcamViewer::fillList(const QString &selectName)
     updateCameraButtons();
 }
 
+void WebcamViewer::addUnknownGroup(const QList<const WebcamCamera *> &cameras, const QString &selectName)
+{
+    m_group = new QListWidgetItem(m_list);
+    m_group->setData(kGroupRole, true);
+    m_group->setToolTip(
+        tr("Cameras whose picture address is not known: Enter or a click shows or hides them"));
+    QFont bold = m_list->font();
+    bold.setBold(true);
+    m_group->setFont(bold);
+    for (const WebcamCamera *camera : cameras) {
+        auto *item = new QListWidgetItem(camera->name, m_list);
+        item->setToolTip(tr("No picture address is known for this camera"));
+        item->setHidden(!m_groupOpen);
+        // The group opens only when the user opens it; a camera of it stays chosen while it is
+        // open (after adding or removing a camera of one's own).
+        if (m_groupOpen && camera->name == selectName)
+            m_list->setCurrentItem(item);
+    }
+    showGroupState();
+}
+
+void WebcamViewer::showGroupState()
+{
+    const int count = m_list->count() - m_list->row(m_group) - 1;
+    const QString marker = m_groupOpen ? QStringLiteral("\u25BE ") : QStringLiteral("\u25B8 ");
+    m_group->setText(marker + tr("Cameras without an address (%1)").arg(count));
+}
+
+void WebcamViewer::setGroupOpen(bool open)
+{
+    if (!m_group || open == m_groupOpen)
+        return;
+    m_groupOpen = open;
+    const bool hidingCurrent = !open && m_list->currentRow() > m_list->row(m_group);
+    for (int row = m_list->row(m_group) + 1; row < m_list->count(); ++row)
+        m_list->item(row)->setHidden(!open);
+    if (hidingCurrent)
+        m_list->setCurrentItem(m_group);
+    showGroupState();
+    if (open)
+        m_list->scrollToItem(m_list->item(m_list->row(m_group) + 1));
+}
+
+bool WebcamViewer::isGroupRow(const QListWidgetItem *item)
+{
+    return item && item->data(kGroupRole).toBool();
+}
+
+void WebcamViewer::colourList()
+{
+    // The selection's own text colour is not always readable on its highlight (the desktop's
+    // white on mid blue is not), so each state gets the better of it, black or white.
+    QPalette pal;
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        const QPalette inherited = m_list->parentWidget()->palette();
+        pal.setColor(group, QPalette::HighlightedText,
+                     ReadableOn(inherited.color(group, QPalette::Highlight),
+                                inherited.color(group, QPalette::HighlightedText)));
+    }
+    m_list->setPalette(pal);
+    // Cameras without an address are quieter, yet still readable: choosing one explains why
+    // no picture comes.
+    m_quietText = SubduedOn(m_list->palette().color(QPalette::Base), m_list->palette().color(QPalette::Text));
+    for (int row = m_group ? m_list->row(m_group) + 1 : m_list->count(); row < m_list->count(); ++row)
+        m_list->item(row)->setForeground(m_quietText);
+}
+
 void WebcamViewer::chooseItem(QListWidgetItem *item)
 {
     if (!item)
         return;
+    if (isGroupRow(item)) {
+        setGroupOpen(!m_groupOpen);
+        return;
+    }
     // The name is the key: the first camera of that name gives the address.
     if (const WebcamCamera *camera = m_catalogue.find(item->text()))
         m_session->chooseCamera(*camera);
@@ -230,7 +310,7 @@ void WebcamViewer::chooseItem(QListWidgetItem *item)
 void WebcamViewer::fetchSelected()
 {
     QListWidgetItem *item = m_list->currentItem();
-    if (item && item->text() != m_session->currentCamera().name)
+    if (isGroupRow(item) || (item && item->text() != m_session->currentCamera().name))
         chooseItem(item);
     else
         m_session->fetchAgain();
@@ -277,7 +357,7 @@ void WebcamViewer::removeCamera()
 const WebcamCamera *WebcamViewer::selectedOwnCamera() const
 {
     QListWidgetItem *item = m_list->currentItem();
-    const WebcamCamera *camera = item ? m_catalogue.find(item->text()) : nullptr;
+    const WebcamCamera *camera = item && !isGroupRow(item) ? m_catalogue.find(item->text()) : nullptr;
     return camera && camera->own ? camera : nullptr;
 }
 
@@ -350,6 +430,31 @@ void WebcamViewer::ThemeElementsUpdate()
     ThemedDialog::ThemeElementsUpdate();
     if (m_credit)
         showCredit(); // the link takes the theme's text colour
+    if (m_list)
+        colourList();
+}
+
+bool WebcamViewer::eventFilter(QObject *watched, QEvent *event)
+{
+    if (watched != m_list || event->type() != QEvent::KeyPress)
+        return ThemedDialog::eventFilter(watched, event);
+    const int key = static_cast<QKeyEvent *>(event)->key();
+    // Right opens the group of cameras without an address and Left closes it, as in a tree.
+    if (isGroupRow(m_list->currentItem()) &&
+        (key == Qt::Key_Right || key == Qt::Key_Left || key == Qt::Key_Space)) {
+        setGroupOpen(key == Qt::Key_Space ? !m_groupOpen : key == Qt::Key_Right);
+        return true;
+    }
+    // The list's own Home and End would land on a hidden row of the closed group.
+    if (key == Qt::Key_Home || key == Qt::Key_End) {
+        const int step = key == Qt::Key_Home ? 1 : -1;
+        int row = key == Qt::Key_Home ? 0 : m_list->count() - 1;
+        while (row >= 0 && row < m_list->count() && m_list->item(row)->isHidden())
+            row += step;
+        m_list->setCurrentRow(row);
+        return true;
+    }
+    return ThemedDialog::eventFilter(watched, event);
 }
 
 void WebcamViewer::showEvent(QShowEvent *event)

@@ -3,6 +3,8 @@
 #include "themes/themed_dialog.h"
 #include "webcam/webcam_catalogue.h"
 
+#include <QColor>
+
 class QCheckBox;
 class QComboBox;
 class QLabel;
@@ -33,12 +35,20 @@ public slots:
 protected:
     void showEvent(QShowEvent *event) override;
     void hideEvent(QHideEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
     QWidget *buildCameraColumn();
     QWidget *buildPictureColumn();
     QLayout *buildWallpaperRow();
+    // Lists the cameras with an address, then the group of those without one.
     void fillList(const QString &selectName);
+    void addUnknownGroup(const QList<const WebcamCamera *> &cameras, const QString &selectName);
+    void showGroupState();
+    void setGroupOpen(bool open);
+    static bool isGroupRow(const QListWidgetItem *item);
+    // Selected and greyed rows in colours that read on the list.
+    void colourList();
     void chooseItem(QListWidgetItem *item);
     void fetchSelected();
     void addCamera();
@@ -56,6 +66,9 @@ private:
     WebcamCatalogue m_catalogue;
     WebcamSession *m_session = nullptr;
     QListWidget *m_list = nullptr;
+    QListWidgetItem *m_group = nullptr; // heads the cameras without an address
+    bool m_groupOpen = false;
+    QColor m_quietText;
     QPushButton *m_add = nullptr;
     QPushButton *m_edit = nullptr;
     QPushButton *m_remove = nullptr;

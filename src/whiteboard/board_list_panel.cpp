@@ -1,6 +1,7 @@
 #include "whiteboard/board_list_panel.h"
 
 #include "core/file_helpers.h"
+#include "themes/theme_colors.h"
 #include "whiteboard/board_folder.h"
 #include "whiteboard/board_thumbnails.h"
 
@@ -83,7 +84,6 @@ BoardListPanel::BoardListPanel(QWidget *parent) : QWidget(parent)
     m_empty->setObjectName(QStringLiteral("lblNOBOARDS"));
     m_empty->setWordWrap(true);
     m_empty->setAlignment(Qt::AlignLeft | Qt::AlignTop);
-    m_empty->setForegroundRole(QPalette::PlaceholderText);
     m_thumbnails = new BoardThumbnails(this);
     // The panel's width as a splitter first gives it comes from this; it can still be narrowed.
     m_widthHint = new QSpacerItem(0, 0, QSizePolicy::Preferred, QSizePolicy::Fixed);
@@ -100,6 +100,7 @@ BoardListPanel::BoardListPanel(QWidget *parent) : QWidget(parent)
     connect(m_list, &QListWidget::customContextMenuRequested, this, &BoardListPanel::showMenu);
     connect(m_thumbnails, &BoardThumbnails::thumbnailReady, this, &BoardListPanel::showThumbnail);
     fitToFont();
+    colourEmptyNote();
     refresh();
 }
 
@@ -151,8 +152,23 @@ void BoardListPanel::changeEvent(QEvent *event)
         fitToFont();
         refresh();
     } else if (event->type() == QEvent::PaletteChange) {
+        colourEmptyNote();
         refresh(); // borders and placeholders take their colours from the palette
     }
+}
+
+void BoardListPanel::colourEmptyNote()
+{
+    // The note stands where the list would be and looks like the list's empty page: on the
+    // panel's gradient no one colour reads on every theme, on the list's page one always does.
+    const QPalette page = m_list->palette();
+    const QColor text = SubduedOn(page.color(QPalette::Base), page.color(QPalette::Text));
+    // A style sheet of its own, because the panel's style sheet colours every label.
+    const QString css =
+        QStringLiteral("QLabel { color: %1; background: %2; border: 1px solid %3; padding: 6px; }")
+            .arg(text.name(), page.color(QPalette::Base).name(), page.color(QPalette::Mid).name());
+    if (m_empty->styleSheet() != css)
+        m_empty->setStyleSheet(css);
 }
 
 bool BoardListPanel::eventFilter(QObject *watched, QEvent *event)

@@ -38,6 +38,8 @@ protected:
 
 private:
     void fitToFont();
+    // The "no boards" note in colours that read whatever the theme.
+    void colourEmptyNote();
     void fill(const QList<BoardEntry> &boards, const QString &select, int fallbackRow);
     QListWidgetItem *boardItem(const BoardEntry &board) const;
     QSize itemSize() const;

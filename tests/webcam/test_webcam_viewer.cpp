@@ -5,12 +5,16 @@
 #include "support/local_http_server.h"
 #include "support/test_home.h"
 #include "themes/message_box.h"
+#include "themes/theme_colors.h"
+#include "themes/theme_presets.h"
 #include "webcam/webcam_catalogue.h"
 #include "webcam/webcam_session.h"
 #include "webcam/webcam_viewer.h"
 #include "webcam_test_pictures.h"
 
+#include <QApplication>
 #include <QCheckBox>
+#include <QDirIterator>
 #include <QLabel>
 #include <QListWidget>
 #include <QPushButton>
@@ -25,6 +29,17 @@ QListWidgetItem *ItemNamed(QListWidget *list, const QString &name)
     const QList<QListWidgetItem *> found = list->findItems(name, Qt::MatchExactly);
     return found.isEmpty() ? nullptr : found.first();
 }
+
+// The rows the list shows, without those of a closed group.
+QStringList shownNames(const QListWidget *list)
+{
+    QStringList names;
+    for (int i = 0; i < list->count(); ++i) {
+        if (!list->item(i)->isHidden())
+            names << list->item(i)->text();
+    }
+    return names;
+}
 } // namespace
 
 class TestWebcamViewer : public QObject
@@ -34,6 +49,10 @@ private slots:
     void init();
     void cleanup();
     void listsShippedThenOwnCameras();
+    void camerasWithoutAddressComeAfterInTheirGroup_data();
+    void camerasWithoutAddressComeAfterInTheirGroup();
+    void selectedAndGreyedRowsRead_data();
+    void selectedAndGreyedRowsRead();
     void clickingACameraShowsItsPicture();
     void creditBelongsToThePictureShown();
     void playLastFetchesOnOpening_data();
@@ -60,6 +79,7 @@ private:
         return !viewer.findChild<QLabel *>(QStringLiteral("imgWEB"))->pixmap().isNull();
     }
 
+    QPalette m_desktop = QApplication::palette();
     std::unique_ptr<TestHome> m_home;
     std::unique_ptr<LocalHttpServer> m_server;
     QStringList m_questions;
@@ -92,16 +112,134 @@ void TestWebcamViewer::listsShippedThenOwnCameras()
 {
     addServerCamera(QStringLiteral("Garden"), "/garden.jpg");
     WebcamViewer viewer;
-    QCOMPARE(list(viewer)->count(), 51);
-    QCOMPARE(list(viewer)->item(0)->text(), QStringLiteral("Australia - NSW McLeans Ridges (country)"));
-    QCOMPARE(list(viewer)->item(50)->text(), QStringLiteral("Garden"));
+    const QStringList shown = shownNames(list(viewer));
+    QCOMPARE(shown.size(), 19 + 1 + 1);
+    QCOMPARE(shown.first(), QStringLiteral("Australia - NSW McLeans Ridges (country)"));
+    QCOMPARE(shown.at(19), QStringLiteral("Garden"));
+    QCOMPARE(shown.last(), QStringLiteral("\u25B8 Cameras without an address (31)"));
     // Opening shows the last camera chosen without fetching it.
     QCOMPARE(list(viewer)->currentItem()->text(), QStringLiteral("Austria - Salzburg (mtns)"));
     QVERIFY(!viewer.session()->isBusy());
     QVERIFY(labelText(viewer, "imgWEB").contains(QLatin1String("Choose a camera")));
     QVERIFY(!viewer.findChild<QPushButton *>(QStringLiteral("btnREMOVE"))->isEnabled());
-    list(viewer)->setCurrentRow(50);
+    list(viewer)->setCurrentItem(ItemNamed(list(viewer), QStringLiteral("Garden")));
     QVERIFY(viewer.findChild<QPushButton *>(QStringLiteral("btnREMOVE"))->isEnabled());
+    list(viewer)->setCurrentRow(20);
+    QVERIFY(!viewer.findChild<QPushButton *>(QStringLiteral("btnREMOVE"))->isEnabled());
+}
+
+void TestWebcamViewer::camerasWithoutAddressComeAfterInTheirGroup_data()
+{
+    QTest::addColumn<int>("openKey");
+    QTest::addColumn<int>("closeKey");
+    QTest::newRow("Enter, Enter") << int(Qt::Key_Return) << int(Qt::Key_Return);
+    QTest::newRow("Right, Left") << int(Qt::Key_Right) << int(Qt::Key_Left);
+    QTest::newRow("Space, Space") << int(Qt::Key_Space) << int(Qt::Key_Space);
+    QTest::newRow("click, Left") << 0 << int(Qt::Key_Left);
+}
+
+void TestWebcamViewer::camerasWithoutAddressComeAfterInTheirGroup()
+{
+    QFETCH(int, openKey);
+    QFETCH(int, closeKey);
+    WebcamViewer viewer;
+    viewer.show();
+    QListWidget *cameras = list(viewer);
+    const int groupRow = cameras->count() - 32;
+    const WebcamCatalogue catalogue;
+    for (const WebcamCamera &camera : catalogue.cameras()) {
+        const int row = cameras->row(ItemNamed(cameras, camera.name));
+        QVERIFY2(row >= 0, qPrintable(camera.name));
+        QVERIFY2((row > groupRow) == camera.address.isEmpty(), qPrintable(camera.name));
+        QCOMPARE(cameras->item(row)->isHidden(), camera.address.isEmpty());
+    }
+
+    // The arrow keys reach the group row from the last working camera, and End from anywhere.
+    cameras->setFocus();
+    cameras->setCurrentRow(groupRow - 1);
+    QTest::keyClick(cameras, Qt::Key_Down);
+    QCOMPARE(cameras->currentRow(), groupRow);
+    QTest::keyClick(cameras, Qt::Key_Home);
+    QCOMPARE(cameras->currentRow(), 0);
+    QTest::keyClick(cameras, Qt::Key_End);
+    QCOMPARE(cameras->currentRow(), groupRow);
+    if (openKey)
+        QTest::keyClick(cameras, Qt::Key(openKey));
+    else
+        QTest::mouseClick(cameras->viewport(), Qt::LeftButton, {},
+                          cameras->visualItemRect(cameras->currentItem()).center());
+    QCOMPARE(cameras->item(groupRow)->text(), QStringLiteral("\u25BE Cameras without an address (31)"));
+    QTest::keyClick(cameras, Qt::Key_Down);
+    QCOMPARE(cameras->currentItem()->text(), QStringLiteral("Australia - SA Adelaide (city)"));
+    QTest::keyClick(cameras, Qt::Key_Return);
+    QVERIFY(labelText(viewer, "lblNOTICE").contains(QLatin1String("No picture address is known")));
+
+    // Closing from the group row hides its cameras again.
+    QTest::keyClick(cameras, Qt::Key_Up);
+    QTest::keyClick(cameras, Qt::Key(closeKey));
+    QVERIFY(cameras->item(groupRow + 1)->isHidden());
+    QCOMPARE(shownNames(cameras).size(), groupRow + 1);
+}
+
+void TestWebcamViewer::selectedAndGreyedRowsRead_data()
+{
+    // Highlight and highlighted text as a desktop may give them: the second pair reads
+    // poorly (white on mid blue), the third would with white forced on it.
+    QTest::addColumn<QString>("preset");
+    QTest::addColumn<QColor>("highlight");
+    QTest::addColumn<QColor>("highlightedText");
+    const QList<QPair<QColor, QColor>> pairs{{QColor(0x00, 0x33, 0x99), Qt::white},
+                                             {QColor(0x30, 0x8c, 0xc6), Qt::white},
+                                             {QColor(0xff, 0xe0, 0x80), Qt::white}};
+    QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        for (const auto &[highlight, text] : pairs)
+            QTest::addRow("%s on %s", qPrintable(path.mid(9)), qPrintable(highlight.name()))
+                << path << highlight << text;
+    }
+}
+
+// Text of a selected row must read on the selection colour actually painted, and the greyed
+// cameras without an address on the list's background, whatever the theme and the desktop.
+void TestWebcamViewer::selectedAndGreyedRowsRead()
+{
+    QFETCH(QString, preset);
+    QFETCH(QColor, highlight);
+    QFETCH(QColor, highlightedText);
+    QPalette desktop = QApplication::palette();
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        desktop.setColor(group, QPalette::Highlight, highlight);
+        desktop.setColor(group, QPalette::HighlightedText, highlightedText);
+    }
+    QApplication::setPalette(desktop);
+    SetCurrentTheme(ReadPreset(preset, Theme()));
+    WebcamViewer viewer;
+    viewer.show();
+    QListWidget *cameras = list(viewer);
+    cameras->setCurrentRow(2);
+    const QRect row = cameras->visualItemRect(cameras->currentItem());
+    const QImage painted = cameras->viewport()->grab().toImage();
+    for (QPalette::ColorGroup group : {QPalette::Active, QPalette::Inactive}) {
+        const QColor text = cameras->palette().color(group, QPalette::HighlightedText);
+        const double onPalette = ContrastRatio(text, cameras->palette().color(group, QPalette::Highlight));
+        QVERIFY2(onPalette >= 4.5, qPrintable(QString::number(onPalette)));
+    }
+    // Past the end of the name, the row shows nothing but the selection.
+    const QColor selection = painted.pixelColor(row.right() - 3, row.center().y());
+    const QColor text = cameras->palette().color(QPalette::HighlightedText);
+    QVERIFY2(ContrastRatio(text, selection) >= 4.5,
+             qPrintable(text.name() + QStringLiteral(" on ") + selection.name()));
+
+    const QColor base = cameras->palette().color(QPalette::Base);
+    for (int i = cameras->count() - 31; i < cameras->count(); ++i) {
+        const QColor greyed = cameras->item(i)->foreground().color();
+        QCOMPARE(greyed.alpha(), 255); // a see-through grey would be paler than it says
+        QVERIFY2(ContrastRatio(greyed, base) >= 4.5, qPrintable(cameras->item(i)->text()));
+    }
+    QApplication::setPalette(m_desktop);
+    SetCurrentTheme(Theme());
 }
 
 void TestWebcamViewer::clickingACameraShowsItsPicture()
@@ -211,7 +349,7 @@ void TestWebcamViewer::removingAskedFirst()
     viewer.findChild<QPushButton *>(QStringLiteral("btnREMOVE"))->click();
     QCOMPARE(m_questions.size(), 1);
     QVERIFY(m_questions.first().contains(QLatin1String("Garden")));
-    QCOMPARE(list(viewer)->count(), countAfter);
+    QCOMPARE(list(viewer)->count(), countAfter + 1); // and the row of the group
     QCOMPARE(WebcamCatalogue().cameras().size(), countAfter);
 }
 

@@ -7,6 +7,8 @@
 #include "core/settings_store.h"
 #include "support/test_home.h"
 #include "themes/message_box.h"
+#include "themes/theme_colors.h"
+#include "themes/theme_presets.h"
 #include "whiteboard/board_document.h"
 #include "whiteboard/board_list_panel.h"
 #include "whiteboard/board_recovery.h"
@@ -16,8 +18,10 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
+#include <QLabel>
 #include <QMimeData>
 #include <QMouseEvent>
 #include <QPointer>
@@ -65,6 +69,8 @@ private slots:
     void unsavedBoardSurvivesAStop_data();
     void unsavedBoardSurvivesAStop();
     void aCopyThatCannotBeWrittenIsToldOnce();
+    void emptyListNoteReadsOnEveryPreset_data();
+    void emptyListNoteReadsOnEveryPreset();
 
 private:
     std::unique_ptr<WhiteboardWidget> openBoardWindow();
@@ -384,6 +390,47 @@ void TestWhiteboardWidget::aCopyThatCannotBeWrittenIsToldOnce()
     draw(50);
     QVERIFY(recovery.problem().isEmpty());
     QVERIFY(BoardRecovery::leftBehind().has_value());
+}
+
+void TestWhiteboardWidget::emptyListNoteReadsOnEveryPreset_data()
+{
+    QTest::addColumn<QString>("preset");
+    QDirIterator it(QStringLiteral(":/themes"), {QStringLiteral("*.dcp")}, QDir::Files,
+                    QDirIterator::Subdirectories);
+    while (it.hasNext()) {
+        const QString path = it.next();
+        QTest::newRow(qPrintable(path.mid(9))) << path;
+    }
+}
+
+// The note of an empty board list must read on what is painted under it, whatever the theme,
+// with the theme changed while the window is open.
+void TestWhiteboardWidget::emptyListNoteReadsOnEveryPreset()
+{
+    QFETCH(QString, preset);
+    SetCurrentTheme(Theme());
+    auto board = openBoardWindow();
+    SetCurrentTheme(ReadPreset(preset, Theme()));
+    auto *note = board->findChild<QLabel *>(QStringLiteral("lblNOBOARDS"));
+    QVERIFY(note->isVisible());
+    QVERIFY(note->height() > 40);
+    const QImage painted = board->grab(QRect(note->mapTo(board.get(), QPoint(0, 0)), note->size())).toImage();
+    const QColor text = note->palette().color(note->foregroundRole());
+    double least = 21;
+    // The last rows of the note are below its text: only what is under the text shows there.
+    for (int y = painted.height() - 12; y < painted.height() - 2; ++y) {
+        for (int x = 2; x < painted.width() - 2; x += 3) {
+            const QColor under = painted.pixelColor(x, y);
+            // A see-through text colour is seen mixed with what is under it.
+            const double a = text.alphaF();
+            const QColor seen = QColor::fromRgbF(float(text.redF() * a + under.redF() * (1 - a)),
+                                                 float(text.greenF() * a + under.greenF() * (1 - a)),
+                                                 float(text.blueF() * a + under.blueF() * (1 - a)));
+            least = qMin(least, ContrastRatio(seen, under));
+        }
+    }
+    QVERIFY2(least >= 4.5, qPrintable(QStringLiteral("%1: %2").arg(text.name(QColor::HexArgb)).arg(least)));
+    SetCurrentTheme(Theme());
 }
 
 QTEST_MAIN(TestWhiteboardWidget)
