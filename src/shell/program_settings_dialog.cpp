@@ -1,6 +1,7 @@
 #include "shell/program_settings_dialog.h"
 
 #include "core/platform/autostart.h"
+#include "core/platform/session_platform.h"
 #include "core/widget_frame.h"
 #include "shell/tray_icon.h"
 #include "shell/widget_registry.h"
@@ -9,6 +10,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -64,6 +66,14 @@ ProgramSettingsDialog::ProgramSettingsDialog(QWidget *parent)
         auto *note = new QLabel(QStringLiteral("Your desktop has no notification area, so the dashboard is "
                                                "never hidden: there would be no way back to it."));
         note->setObjectName(QStringLiteral("lblNOTRAY"));
+        note->setWordWrap(true);
+        dashLayout->addWidget(note);
+    }
+    if (SessionPlatform::compositorPlacesWindows(QGuiApplication::platformName())) {
+        auto *note = new QLabel(QStringLiteral("This Wayland session places windows itself: widgets open "
+                                               "where the desktop puts them, and Keep on top may be "
+                                               "ignored."));
+        note->setObjectName(QStringLiteral("lblWAYLAND"));
         note->setWordWrap(true);
         dashLayout->addWidget(note);
     }
