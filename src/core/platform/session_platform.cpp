@@ -4,11 +4,6 @@ namespace SessionPlatform {
 
 namespace {
 
-bool isWaylandSession(const Environment &environment)
-{
-    return !environment.waylandDisplay.isEmpty() || environment.sessionType == "wayland";
-}
-
 enum class Choice
 {
     Automatic,
@@ -30,6 +25,11 @@ Choice choiceOf(const QByteArray &text)
 }
 
 } // namespace
+
+bool isWaylandSession(const Environment &environment)
+{
+    return !environment.waylandDisplay.isEmpty() || environment.sessionType == "wayland";
+}
 
 Environment Environment::ofProcess()
 {

@@ -23,6 +23,9 @@ struct Environment
     static Environment ofProcess();
 };
 
+// True in a Wayland session, whichever platform the program itself runs on.
+bool isWaylandSession(const Environment &environment);
+
 // What to put in QT_QPA_PLATFORM before the application object is made; empty to leave Qt's own
 // choice (not a Wayland session, or the user already chose).
 QByteArray chooseQtPlatform(const Environment &environment);
