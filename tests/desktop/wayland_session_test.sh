@@ -5,13 +5,15 @@
 #      platform, its clock maps as a toplevel of the compositor and shows on the screen, and a
 #      stored place neither hangs nor crashes it (the compositor places the window there).
 #   2. With XWayland and nothing asked for, it chooses X11 by itself, and the window maps too.
-# Each run must end within a few seconds of SIGTERM, without a crash.
-#   wayland_session_test.sh PROGRAM
+# Each run must end within a few seconds of SIGTERM, without a crash. Given the launcher entry,
+# the X11 window's class must be the entry's StartupWMClass, so that docks match the two.
+#   wayland_session_test.sh PROGRAM [LAUNCHER_ENTRY]
 # Skipped (77) only when weston cannot be started. With VANTORA_SHOTS set to a folder, the
 # screenshots are kept there.
 set -u
 
 program=$1
+entry=${2:-}
 here=$(cd "$(dirname "$0")" && pwd)
 # shellcheck source=../../bench/bench_session.sh
 source "$here/../../bench/bench_session.sh"
@@ -153,6 +155,14 @@ check_run() {
     screenshot "$name" || fail "$name: no screenshot"
     cmp -s "$work/blank.png" "$work/$name.png" && fail "$name: the screen shows nothing"
     kill -0 "$program_pid" 2>/dev/null || fail "$name: the program ended by itself"
+    if [[ $platform = xcb && -f $entry ]]; then
+        local class expected
+        class=$(DISPLAY=$xdisplay xdotool search --onlyvisible --name '^Vantora Alarm Clock$' 2>/dev/null | head -n 1 |
+            xargs -r -I{} env DISPLAY="$xdisplay" xprop -id {} WM_CLASS | sed -n 's/.*= "[^"]*", "\([^"]*\)"/\1/p')
+        expected=$(sed -n 's/^StartupWMClass=//p' "$entry")
+        [[ -n $class && $class = "$expected" ]] ||
+            fail "$name: the window's class is '$class', the launcher entry's StartupWMClass '$expected'"
+    fi
     if grep -qiE 'fatal|segmentation|could not (load|connect)' "$work/$name.log"; then
         fail "$name: the program reported a fatal problem"
     fi
