@@ -62,19 +62,20 @@ ProgramSettingsDialog::ProgramSettingsDialog(QWidget *parent)
     dashLayout->addWidget(m_minimizeOnClose);
     dashLayout->addWidget(m_windowMinimize);
     dashLayout->addWidget(m_onTop);
+    // The notes are broken into lines by hand: a word-wrapped label makes the dialog take its
+    // height from a width the label does not get, and its last line is cut off.
     if (!TrayIcon::isAvailable()) {
-        auto *note = new QLabel(QStringLiteral("Your desktop has no notification area, so the dashboard is "
-                                               "never hidden: there would be no way back to it."));
+        auto *note = new QLabel(QStringLiteral("Your desktop has no notification area, so the\n"
+                                               "dashboard is never hidden: there would be no\n"
+                                               "way back to it."));
         note->setObjectName(QStringLiteral("lblNOTRAY"));
-        note->setWordWrap(true);
         dashLayout->addWidget(note);
     }
     if (SessionPlatform::compositorPlacesWindows(QGuiApplication::platformName())) {
-        auto *note = new QLabel(QStringLiteral("This Wayland session places windows itself: widgets open "
-                                               "where the desktop puts them, and Keep on top may be "
-                                               "ignored."));
+        auto *note = new QLabel(QStringLiteral("This Wayland session places windows itself:\n"
+                                               "widgets open where the desktop puts them,\n"
+                                               "and Keep on top may be ignored."));
         note->setObjectName(QStringLiteral("lblWAYLAND"));
-        note->setWordWrap(true);
         dashLayout->addWidget(note);
     }
     layout->addWidget(dashGroup);
