@@ -20,6 +20,7 @@ packages=(
   desktop-file-utils appstream
   dpkg-dev file
   xvfb openbox xdotool x11-utils
+  weston xwayland qt6-wayland
 )
 
 missing=()

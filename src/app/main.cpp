@@ -1,3 +1,4 @@
+#include "core/platform/session_platform.h"
 #include "core/startup_trace.h"
 #include "shell/application_start.h"
 #include "shell/command_line.h"
@@ -106,6 +107,20 @@ bool becomeTheRunningCopy(SingleInstance &instance, int argc, char *argv[], cons
     qCInfo(lcMain, "the running copy could not be reached; this one runs on its own");
     return true;
 }
+
+// Asks Qt for X11 through XWayland in a Wayland session, where the widgets' places and
+// keep-on-top would otherwise be lost (see SessionPlatform). Returns the platform asked for.
+QByteArray choosePlatform()
+{
+    const SessionPlatform::Environment environment = SessionPlatform::Environment::ofProcess();
+    const QString problem = SessionPlatform::choiceProblem(environment);
+    if (!problem.isEmpty())
+        std::fprintf(stderr, "vantora: %s\n", qPrintable(problem));
+    const QByteArray platform = SessionPlatform::chooseQtPlatform(environment);
+    if (!platform.isEmpty())
+        qputenv("QT_QPA_PLATFORM", platform);
+    return platform;
+}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -127,7 +142,12 @@ int main(int argc, char *argv[])
     // also on desktops that can show menus in a bar of their own; asking the desktop whether it
     // can costs a round trip to the session bus before the first window.
     QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
+    const QByteArray chosenPlatform = choosePlatform();
     QApplication app(argc, argv);
+    // Programs started from here (a browser for a link) make their own choice.
+    if (!chosenPlatform.isEmpty())
+        qunsetenv("QT_QPA_PLATFORM");
+    qCDebug(lcMain, "window system: %s", qPrintable(QGuiApplication::platformName()));
     StartupTrace::mark("application object made");
     QApplication::setStyle(new DeferredIconStyle);
     QGuiApplication::setDesktopFileName(QStringLiteral("io.vantora.Vantora"));

@@ -1,5 +1,8 @@
 #include "core/window_dragger.h"
 
+#include "core/platform/session_platform.h"
+
+#include <QGuiApplication>
 #include <QMouseEvent>
 #include <QWidget>
 #include <QWindow>
@@ -11,6 +14,17 @@ void WindowDragger::watch(QWidget *handle)
     handle->installEventFilter(this);
 }
 
+bool WindowDragger::startCompositorMove()
+{
+    // An X11 window follows the mouse by hand, so that where it lands is exactly where the
+    // program stores it; the window manager's move could snap or offset it by its frame. A
+    // Wayland client cannot move itself at all: the compositor does it.
+    if (!SessionPlatform::compositorPlacesWindows(QGuiApplication::platformName()))
+        return false;
+    QWindow *handle = m_window->windowHandle();
+    return handle && handle->startSystemMove();
+}
+
 bool WindowDragger::eventFilter(QObject *, QEvent *event)
 {
     switch (event->type()) {
@@ -20,8 +34,7 @@ bool WindowDragger::eventFilter(QObject *, QEvent *event)
             return false;
         // A maximised or minimised window stays where it is.
         const bool normal = !(m_window->windowState() & (Qt::WindowMaximized | Qt::WindowMinimized));
-        QWindow *handle = m_window->windowHandle();
-        m_manual = normal && !(handle && handle->startSystemMove());
+        m_manual = normal && !startCompositorMove();
         m_offset = mouse->globalPosition().toPoint() - m_window->frameGeometry().topLeft();
         return true;
     }

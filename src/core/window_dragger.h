@@ -5,9 +5,9 @@
 
 class QWidget;
 
-// Lets the user drag a frameless window by the widgets it watches (its bar, its title). The
-// window system moves the window where it can; elsewhere the window follows the mouse. A
-// maximised window is not moved.
+// Lets the user drag a frameless window by the widgets it watches (its bar, its title). On
+// Wayland the compositor moves the window; elsewhere the window follows the mouse. A maximised
+// window is not moved.
 class WindowDragger : public QObject
 {
     Q_OBJECT
@@ -21,6 +21,9 @@ protected:
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
+    // True when the compositor took the drag over.
+    bool startCompositorMove();
+
     QWidget *m_window;
     QPoint m_offset;
     bool m_manual = false;

@@ -76,7 +76,8 @@ CommandLine CommandLine::parse(const QStringList &arguments, const QString &work
     const QCommandLineOption version(QStringList{QStringLiteral("v"), QStringLiteral("version")});
     const QCommandLineOption open(QStringLiteral("open"), QString(), QStringLiteral("window"));
     const QCommandLineOption hiddenStart(QStringLiteral("hidden"));
-    parser.addOptions({help, version, open, hiddenStart});
+    const QCommandLineOption listWindows = hidden(QCommandLineOption(QStringLiteral("list-windows")));
+    parser.addOptions({help, version, open, hiddenStart, listWindows});
     for (const char *name : kQtValueOptions)
         parser.addOption(
             hidden(QCommandLineOption(QString::fromLatin1(name), QString(), QStringLiteral("value"))));
@@ -100,6 +101,10 @@ CommandLine CommandLine::parse(const QStringList &arguments, const QString &work
     }
     if (parser.isSet(version)) {
         result.m_action = Action::ShowVersion;
+        return result;
+    }
+    if (parser.isSet(listWindows)) {
+        result.m_action = Action::ListWindows;
         return result;
     }
     for (const QString &value : parser.values(open)) {
@@ -155,6 +160,9 @@ int CommandLine::report() const
     case Action::ShowVersion:
         print(stdout, versionText());
         return 0;
+    case Action::ListWindows:
+        print(stdout, windowListText());
+        return 0;
     case Action::Fail:
         print(stderr,
               QStringLiteral("vantora: %1\nTry 'vantora --help' for more information.\n").arg(m_error));
@@ -168,6 +176,14 @@ int CommandLine::report() const
 QString CommandLine::versionText()
 {
     return QStringLiteral("Vantora %1\n").arg(version());
+}
+
+QString CommandLine::windowListText()
+{
+    QString text;
+    for (const QString &name : LaunchRequest::targetNames())
+        text += name + QLatin1Char('\t') + LaunchRequest::targetCaption(name) + QLatin1Char('\n');
+    return text;
 }
 
 QString CommandLine::version()
@@ -202,6 +218,9 @@ QString CommandLine::helpText()
                           "\n"
                           "Environment:\n"
                           "  VANTORA_HOME        Keep the settings and documents in this folder.\n"
+                          "  VANTORA_PLATFORM    wayland: in a Wayland session, run as a Wayland program\n"
+                          "                      even where X11 programs can run too (the desktop then\n"
+                          "                      places the widgets, and may not keep them on top).\n"
                           "\n"
                           "Exit status: 0 when done, 1 when a document is missing or the running copy did\n"
                           "not answer, 2 for a mistake on the command line.\n")

@@ -10,6 +10,9 @@
 //
 //   vantora [--open NAME[,NAME...]]... [--hidden] [DOCUMENT...]
 //
+// --list-windows, left out of the help, prints what --open takes, one window a line as
+// "NAME<tab>CAPTION"; the build makes the launcher entry's actions from it.
+//
 // Qt's own options (-platform, -style, -session, ...) are accepted and left for Qt.
 class CommandLine
 {
@@ -19,6 +22,7 @@ public:
         Run,
         ShowHelp,
         ShowVersion,
+        ListWindows,
         Fail
     };
 
@@ -47,6 +51,8 @@ public:
     // "1.0.0", and "Vantora 1.0.0\n" as --version prints it.
     static QString version();
     static QString versionText();
+    // What --list-windows prints.
+    static QString windowListText();
 
 private:
     void fail(const QString &error, int exitCode);

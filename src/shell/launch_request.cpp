@@ -15,14 +15,21 @@ struct Target
 {
     const char *name;
     int widget;
+    const char *caption; // for the windows that are not widgets; a widget's is its display name
 };
 
 // The order is the help's: the widgets people open most first, then the two extra windows.
 constexpr Target kTargets[] = {
-    {"clock", WidgetClock},           {"calculator", WidgetCalculator}, {"calendar", WidgetCalendar},
-    {"notes", WidgetNotes},           {"stopwatch", WidgetStopwatch},   {"timer", WidgetTimer},
-    {"whiteboard", WidgetWhiteboard}, {"weather", WidgetWeather},       {"webcam", WidgetNone},
-    {"dashboard", WidgetNone},
+    {"clock", WidgetClock, nullptr},
+    {"calculator", WidgetCalculator, nullptr},
+    {"calendar", WidgetCalendar, nullptr},
+    {"notes", WidgetNotes, nullptr},
+    {"stopwatch", WidgetStopwatch, nullptr},
+    {"timer", WidgetTimer, nullptr},
+    {"whiteboard", WidgetWhiteboard, nullptr},
+    {"weather", WidgetWeather, nullptr},
+    {"webcam", WidgetNone, "Webcam Viewer"},
+    {"dashboard", WidgetNone, "Dashboard"},
 };
 
 bool readStrings(const QJsonValue &value, QStringList *out)
@@ -105,6 +112,15 @@ QStringList LaunchRequest::targetNames()
     for (const Target &target : kTargets)
         names.append(QString::fromLatin1(target.name));
     return names;
+}
+
+QString LaunchRequest::targetCaption(const QString &name)
+{
+    for (const Target &target : kTargets) {
+        if (name == QLatin1String(target.name))
+            return target.caption ? QString::fromLatin1(target.caption) : WidgetDisplayName(target.widget);
+    }
+    return {};
 }
 
 int LaunchRequest::widgetIndexOf(const QString &name)

@@ -33,6 +33,8 @@ struct LaunchRequest
 
     // Every name --open accepts, in the order the help lists them.
     static QStringList targetNames();
+    // How a target is named to the user ("Alarm Clock", "Dashboard"); empty for an unknown name.
+    static QString targetCaption(const QString &name);
     // The widget index of a widget name (WidgetClock, ...); WidgetNone for "webcam",
     // "dashboard" and unknown names.
     static int widgetIndexOf(const QString &name);

@@ -1,6 +1,7 @@
 #include "shell/program_settings_dialog.h"
 
 #include "core/platform/autostart.h"
+#include "core/platform/session_platform.h"
 #include "core/widget_frame.h"
 #include "shell/tray_icon.h"
 #include "shell/widget_registry.h"
@@ -9,6 +10,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFormLayout>
+#include <QGuiApplication>
 #include <QGroupBox>
 #include <QLabel>
 #include <QPushButton>
@@ -60,11 +62,20 @@ ProgramSettingsDialog::ProgramSettingsDialog(QWidget *parent)
     dashLayout->addWidget(m_minimizeOnClose);
     dashLayout->addWidget(m_windowMinimize);
     dashLayout->addWidget(m_onTop);
+    // The notes are broken into lines by hand: a word-wrapped label makes the dialog take its
+    // height from a width the label does not get, and its last line is cut off.
     if (!TrayIcon::isAvailable()) {
-        auto *note = new QLabel(QStringLiteral("Your desktop has no notification area, so the dashboard is "
-                                               "never hidden: there would be no way back to it."));
+        auto *note = new QLabel(QStringLiteral("Your desktop has no notification area, so the\n"
+                                               "dashboard is never hidden: there would be no\n"
+                                               "way back to it."));
         note->setObjectName(QStringLiteral("lblNOTRAY"));
-        note->setWordWrap(true);
+        dashLayout->addWidget(note);
+    }
+    if (SessionPlatform::compositorPlacesWindows(QGuiApplication::platformName())) {
+        auto *note = new QLabel(QStringLiteral("This Wayland session places windows itself:\n"
+                                               "widgets open where the desktop puts them,\n"
+                                               "and Keep on top may be ignored."));
+        note->setObjectName(QStringLiteral("lblWAYLAND"));
         dashLayout->addWidget(note);
     }
     layout->addWidget(dashGroup);

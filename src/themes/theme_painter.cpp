@@ -63,7 +63,12 @@ void SetWindowOpacity(QWidget *window, int alpha)
 {
     if (!window)
         return;
-    window->setWindowOpacity(qBound(20, alpha, 255) / 255.0);
+    const double opacity = qBound(20, alpha, 255) / 255.0;
+    // Setting it again costs a round trip, and on Wayland, which has no window opacity, a
+    // warning each time a widget is painted with an opaque theme.
+    if (qFuzzyCompare(window->windowOpacity(), opacity))
+        return;
+    window->setWindowOpacity(opacity);
 }
 
 ThemeGradients GradientsFor(const Theme &t)

@@ -159,36 +159,43 @@ void TestWallpaper::desktopFamily_data()
 {
     QTest::addColumn<QString>("currentDesktop");
     QTest::addColumn<QString>("session");
+    QTest::addColumn<QString>("sessionDesktop"); // XDG_SESSION_DESKTOP
     QTest::addColumn<QString>("family");
 
-    QTest::newRow("GNOME") << "GNOME" << "" << "GNOME";
-    QTest::newRow("Ubuntu") << "ubuntu:GNOME" << "" << "GNOME";
-    QTest::newRow("Budgie") << "Budgie:GNOME" << "" << "GNOME";
-    QTest::newRow("Unity") << "Unity" << "" << "GNOME";
-    QTest::newRow("Pantheon") << "Pantheon" << "" << "GNOME";
-    QTest::newRow("first entry unknown") << "Pop:GNOME" << "" << "GNOME";
-    QTest::newRow("KDE") << "KDE" << "" << "KDE";
-    QTest::newRow("XFCE") << "XFCE" << "" << "XFCE";
-    QTest::newRow("MATE") << "MATE" << "" << "MATE";
-    QTest::newRow("Cinnamon") << "X-Cinnamon" << "" << "Cinnamon";
-    QTest::newRow("lower case") << "kde" << "" << "KDE";
-    QTest::newRow("unknown") << "LXQt" << "" << "other";
-    QTest::newRow("nothing") << "" << "" << "other";
-    QTest::newRow("desktop wins over session") << "XFCE" << "gnome" << "XFCE";
-    QTest::newRow("session plasma") << "" << "plasmawayland" << "KDE";
-    QTest::newRow("session gnome-xorg") << "" << "gnome-xorg" << "GNOME";
-    QTest::newRow("session mate") << "" << "mate" << "MATE";
+    QTest::newRow("GNOME") << "GNOME" << "" << "" << "GNOME";
+    QTest::newRow("Ubuntu") << "ubuntu:GNOME" << "" << "" << "GNOME";
+    QTest::newRow("Budgie") << "Budgie:GNOME" << "" << "" << "GNOME";
+    QTest::newRow("Unity") << "Unity" << "" << "" << "GNOME";
+    QTest::newRow("Pantheon") << "Pantheon" << "" << "" << "GNOME";
+    QTest::newRow("first entry unknown") << "Pop:GNOME" << "" << "" << "GNOME";
+    QTest::newRow("KDE") << "KDE" << "" << "" << "KDE";
+    QTest::newRow("XFCE") << "XFCE" << "" << "" << "XFCE";
+    QTest::newRow("MATE") << "MATE" << "" << "" << "MATE";
+    QTest::newRow("Cinnamon") << "X-Cinnamon" << "" << "" << "Cinnamon";
+    QTest::newRow("lower case") << "kde" << "" << "" << "KDE";
+    QTest::newRow("unknown") << "LXQt" << "" << "" << "other";
+    QTest::newRow("nothing") << "" << "" << "" << "other";
+    QTest::newRow("desktop wins over session") << "XFCE" << "gnome" << "" << "XFCE";
+    QTest::newRow("session plasma") << "" << "plasmawayland" << "" << "KDE";
+    QTest::newRow("session gnome-xorg") << "" << "gnome-xorg" << "" << "GNOME";
+    QTest::newRow("session mate") << "" << "mate" << "" << "MATE";
+    QTest::newRow("GNOME's session desktop") << "" << "" << "gnome" << "GNOME";
+    QTest::newRow("Plasma's session desktop") << "" << "" << "KDE" << "KDE";
+    QTest::newRow("desktop wins over session desktop") << "ubuntu:GNOME" << "" << "KDE" << "GNOME";
+    QTest::newRow("session desktop wins over session") << "" << "plasmawayland" << "ubuntu" << "GNOME";
 }
 
 void TestWallpaper::desktopFamily()
 {
     QFETCH(QString, currentDesktop);
     QFETCH(QString, session);
+    QFETCH(QString, sessionDesktop);
     QFETCH(QString, family);
 
     ScopedEnvironment environment;
     environment.set("XDG_CURRENT_DESKTOP", currentDesktop.toUtf8());
     environment.set("DESKTOP_SESSION", session.toUtf8());
+    environment.set("XDG_SESSION_DESKTOP", sessionDesktop.toUtf8());
     QCOMPARE(familyName(DesktopFamilyOf(CurrentDesktopText())), family);
 }
 
@@ -346,33 +353,54 @@ void TestWallpaper::outcomes_data()
     QTest::addColumn<bool>("ok");
     QTest::addColumn<QStringList>("ran");
     QTest::addColumn<QString>("shownDesktop");
+    QTest::addColumn<bool>("wayland"); // a Wayland session, where feh sets nothing anyone sees
 
     const QStringList gnomeAll{"gsettings picture-uri", "gsettings picture-uri-dark",
                                "gsettings picture-options"};
     QTest::newRow("GNOME without the dark key")
         << "GNOME" << QStringList{} << QStringList{"picture-uri-dark"} << QByteArray() << true << gnomeAll
-        << "GNOME";
+        << "GNOME" << false;
     QTest::newRow("GNOME without gsettings falls back to feh")
         << "ubuntu:GNOME" << QStringList{"gsettings"} << QStringList{} << QByteArray() << true
-        << QStringList{"gsettings picture-uri", "feh"} << "ubuntu:GNOME";
+        << QStringList{"gsettings picture-uri", "feh"} << "ubuntu:GNOME" << false;
     QTest::newRow("GNOME refusing the picture falls back to feh")
         << "GNOME" << QStringList{} << QStringList{"picture-options"} << QByteArray() << true
-        << gnomeAll + QStringList{"feh"} << "GNOME";
+        << gnomeAll + QStringList{"feh"} << "GNOME" << false;
     QTest::newRow("nothing works on KDE")
-        << "KDE" << QStringList{"dbus-send", "feh"} << QStringList{} << QByteArray() << false
-        << QStringList{"dbus-send", "feh"} << "KDE";
+        << "KDE" << QStringList{"dbus-send", "plasma-apply-wallpaperimage", "feh"} << QStringList{}
+        << QByteArray() << false << QStringList{"dbus-send", "plasma-apply-wallpaperimage", "feh"} << "KDE"
+        << false;
+    QTest::newRow("KDE without dbus-send uses Plasma's command")
+        << "KDE" << QStringList{"dbus-send"} << QStringList{} << QByteArray() << true
+        << QStringList{"dbus-send", "plasma-apply-wallpaperimage"} << "KDE" << false;
     QTest::newRow("nothing works on MATE")
         << "MATE" << QStringList{"feh"} << QStringList{"picture-filename"} << QByteArray() << false
-        << QStringList{"gsettings picture-filename", "feh"} << "MATE";
+        << QStringList{"gsettings picture-filename", "feh"} << "MATE" << false;
     QTest::newRow("XFCE without a backdrop falls back to feh")
         << "XFCE" << QStringList{} << QStringList{} << QByteArray("/desktop-icons/style\n") << true
-        << QStringList{"xfconf-query", "feh"} << "XFCE";
+        << QStringList{"xfconf-query", "feh"} << "XFCE" << false;
     QTest::newRow("nothing works on XFCE")
         << "XFCE" << QStringList{"xfconf-query", "feh"} << QStringList{} << kTwoMonitors << false
-        << QStringList{"xfconf-query", "feh"} << "XFCE";
+        << QStringList{"xfconf-query", "feh"} << "XFCE" << false;
     QTest::newRow("unknown desktop tries feh once")
         << "" << QStringList{"feh"} << QStringList{} << QByteArray() << false << QStringList{"feh"}
-        << "an unknown desktop";
+        << "an unknown desktop" << false;
+
+    // Wayland sessions: the desktop's own settings, never feh.
+    QTest::newRow("GNOME on Wayland")
+        << "ubuntu:GNOME" << QStringList{} << QStringList{} << QByteArray() << true << gnomeAll
+        << "ubuntu:GNOME" << true;
+    QTest::newRow("GNOME on Wayland refusing the picture")
+        << "GNOME" << QStringList{} << QStringList{"picture-uri"} << QByteArray() << false
+        << QStringList{"gsettings picture-uri"} << "GNOME" << true;
+    QTest::newRow("Plasma on Wayland refusing the script")
+        << "KDE" << QStringList{} << QStringList{"evaluateScript"} << QByteArray() << true
+        << QStringList{"dbus-send", "plasma-apply-wallpaperimage"} << "KDE" << true;
+    QTest::newRow("nothing works on Plasma on Wayland")
+        << "KDE" << QStringList{"plasma-apply-wallpaperimage"} << QStringList{"evaluateScript"} << QByteArray()
+        << false << QStringList{"dbus-send", "plasma-apply-wallpaperimage"} << "KDE" << true;
+    QTest::newRow("unknown Wayland desktop runs nothing")
+        << "sway" << QStringList{} << QStringList{} << QByteArray() << false << QStringList{} << "sway" << true;
 }
 
 void TestWallpaper::outcomes()
@@ -384,7 +412,11 @@ void TestWallpaper::outcomes()
     QFETCH(bool, ok);
     QFETCH(QStringList, ran);
     QFETCH(QString, shownDesktop);
+    QFETCH(bool, wayland);
 
+    ScopedEnvironment environment;
+    environment.set("XDG_SESSION_TYPE", wayland ? "wayland" : "x11");
+    environment.set("WAYLAND_DISPLAY", wayland ? "wayland-0" : nullptr);
     FakeRunner runner{missing, failing, xfceList};
     const WallpaperResult result = SetWallpaper(0, m_picture, desktop, runner);
 

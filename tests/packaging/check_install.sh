@@ -57,6 +57,29 @@ while read -r name; do
   grep -qw -- "$name" <<<"$help" || fail "a launcher action opens '$name', which --help does not list"
 done < <(sed -n 's/^Exec=vantora --open //p' "$desktop")
 
+# And every window the program opens by name (each widget, the webcam viewer, the dashboard) has
+# a listed action that opens it, under the caption the program gives it.
+windows=$("$prefix/bin/vantora" --list-windows) || fail "the installed program does not answer --list-windows"
+[ "$(wc -l <<<"$windows")" -gt 8 ] || fail "--list-windows names too few windows: $windows"
+actions=$(sed -n 's/^Actions=//p' "$desktop")
+# Each action group as "ID<tab>NAME<tab>EXEC".
+groups=$(awk '/^\[Desktop Action / { if (id != "") print id "\t" name "\t" run; id = substr($0, 17, length($0) - 17); name = ""; run = ""; next }
+              /^\[/ { if (id != "") print id "\t" name "\t" run; id = ""; next }
+              id != "" && /^Name=/ { name = substr($0, 6) }
+              id != "" && /^Exec=/ { run = substr($0, 6) }
+              END { if (id != "") print id "\t" name "\t" run }' "$desktop")
+while IFS=$'\t' read -r name caption; do
+  group=$(awk -F '\t' -v run="vantora --open $name" '$3 == run' <<<"$groups")
+  if [ -z "$group" ]; then fail "no launcher action runs 'vantora --open $name'"; continue; fi
+  IFS=$'\t' read -r id shown _ <<<"$group"
+  [ "$shown" = "$caption" ] || fail "the launcher action for '$name' is named '$shown', not '$caption'"
+  [[ ";$actions" == *";$id;"* ]] || fail "the action '$id' is missing from Actions=$actions"
+done <<<"$windows"
+
+# The windows' X11 class, so that a dock matches them to this entry (the Wayland app id is the
+# entry's own name, set by the program at start).
+grep -qx "StartupWMClass=Vantora" "$desktop" || fail "the launcher entry does not name the window class Vantora"
+
 if command -v desktop-file-validate >/dev/null; then
   desktop-file-validate "$desktop" || fail "desktop-file-validate"
 else

@@ -23,6 +23,8 @@ private slots:
     void parse_data();
     void parse();
     void helpNamesEveryWindowAndFitsATerminal();
+    void windowListNamesEveryWindow_data();
+    void windowListNamesEveryWindow();
     void requestTravelsIntact();
     void foreignRequestsAreRefused_data();
     void foreignRequestsAreRefused();
@@ -62,6 +64,8 @@ void TestCommandLine::parse_data()
     QTest::newRow("-h") << QStringList{"-h"} << Action::ShowHelp << 0 << none << false << none << QString();
     QTest::newRow("--version") << QStringList{"--version"} << Action::ShowVersion << 0 << none << false
                                << none << QString();
+    QTest::newRow("--list-windows") << QStringList{"--list-windows"} << Action::ListWindows << 0 << none << false
+                                    << none << QString();
     QTest::newRow("-v") << QStringList{"-v"} << Action::ShowVersion << 0 << none << false << none
                         << QString();
     QTest::newRow("--open twice, commas, case and a repeat")
@@ -139,6 +143,43 @@ void TestCommandLine::helpNamesEveryWindowAndFitsATerminal()
     for (const QString &name : LaunchRequest::targetNames())
         widgets.insert(LaunchRequest::widgetIndexOf(name));
     QCOMPARE(widgets.size(), WidgetCount + 1);
+}
+
+// The launcher entry's actions are made from this list: one line per name --open takes, each
+// with the caption a launcher shows.
+void TestCommandLine::windowListNamesEveryWindow_data()
+{
+    QTest::addColumn<QString>("name");
+    QTest::addColumn<QString>("caption");
+
+    for (int index = 0; index < WidgetCount; ++index) {
+        const QString caption = WidgetDisplayName(index);
+        QTest::newRow(qPrintable(caption)) << QString() << caption;
+    }
+    QTest::newRow("webcam") << "webcam" << "Webcam Viewer";
+    QTest::newRow("dashboard") << "dashboard" << "Dashboard";
+}
+
+void TestCommandLine::windowListNamesEveryWindow()
+{
+    QFETCH(QString, name);
+    QFETCH(QString, caption);
+
+    const QStringList lines = CommandLine::windowListText().split(QLatin1Char('\n'), Qt::SkipEmptyParts);
+    QCOMPARE(lines.size(), LaunchRequest::targetNames().size());
+    QStringList matching;
+    for (const QString &line : lines) {
+        const QStringList fields = line.split(QLatin1Char('\t'));
+        QCOMPARE(fields.size(), 2);
+        QVERIFY2(LaunchRequest::targetNames().contains(fields.at(0)), qPrintable(line));
+        if (fields.at(1) == caption)
+            matching << fields.at(0);
+    }
+    QCOMPARE(matching.size(), 1);
+    if (name.isEmpty()) // a widget: its line opens that widget
+        QCOMPARE(WidgetDisplayName(LaunchRequest::widgetIndexOf(matching.first())), caption);
+    else
+        QCOMPARE(matching.first(), name);
 }
 
 void TestCommandLine::requestTravelsIntact()

@@ -11,6 +11,7 @@
 #include <QCheckBox>
 #include <QComboBox>
 #include <QFile>
+#include <QLabel>
 #include <QTabBar>
 #include <QTest>
 
@@ -29,6 +30,7 @@ private slots:
     void launchSwitchAppliesAutostartEntry();
     void defaultSettingsResetChecksOnly();
     void dialogOkStoresTheBoxes();
+    void notesShowEveryLine();
     void dialogCancelStoresNothing_data();
     void dialogCancelStoresNothing();
     void defaultSettingsTabResetsBoxesWithoutStoring();
@@ -203,6 +205,29 @@ void TestProgramSettings::dialogOkStoresTheBoxes()
     QFile entry(Autostart::desktopEntryPath());
     QVERIFY(entry.open(QIODevice::ReadOnly));
     QVERIFY(entry.readAll().contains("Hidden=true"));
+}
+
+// The notes under the boxes (no notification area here, offscreen) get the height their lines
+// need: a word-wrapped note used to lose its last line to a dialog sized for a wider label.
+void TestProgramSettings::notesShowEveryLine()
+{
+    ProgramSettingsDialog dialog;
+    dialog.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::LayoutRequest); // the layout settles
+    int notes = 0;
+    for (const QLabel *label : dialog.findChildren<QLabel *>()) {
+        if (!label->isVisible() || !label->objectName().startsWith(QLatin1String("lbl")))
+            continue;
+        ++notes;
+        const int needed = label->hasHeightForWidth() ? label->heightForWidth(label->width())
+                                                      : label->sizeHint().height();
+        QVERIFY2(label->height() >= needed, qPrintable(QStringLiteral("%1 is %2 px high, its lines need %3")
+                                                           .arg(label->objectName())
+                                                           .arg(label->height())
+                                                           .arg(needed)));
+    }
+    QVERIFY(notes > 0);
 }
 
 void TestProgramSettings::dialogCancelStoresNothing_data()

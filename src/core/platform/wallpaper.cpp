@@ -1,5 +1,7 @@
 #include "core/platform/wallpaper.h"
 
+#include "core/platform/session_platform.h"
+
 #include <QDir>
 #include <QFileInfo>
 #include <QJsonArray>
@@ -154,6 +156,27 @@ bool runXfce(int style, const QString &path, const WallpaperRunner &run)
     return runAll(XfceWallpaperCommands(QString::fromLocal8Bit(list.output), style, path), run);
 }
 
+QString failureMessage(const QString &desktopText, DesktopFamily family, bool wayland)
+{
+    const QString where =
+        desktopText.isEmpty() ? unknownDesktopText() : QStringLiteral("the desktop \"%1\"").arg(desktopText);
+    if (family == DesktopFamily::Other && wayland)
+        return QStringLiteral("The wallpaper could not be set on %1: it is not a desktop Vantora knows, and in "
+                              "a Wayland session feh cannot set it.")
+            .arg(where);
+    if (family == DesktopFamily::Other)
+        return QStringLiteral("The wallpaper could not be set on %1: it is not a desktop Vantora knows, and "
+                              "feh, which sets the wallpaper there, is not installed or did not work.")
+            .arg(where);
+    if (wayland)
+        return QStringLiteral("The wallpaper could not be set on %1: its own settings did not accept the "
+                              "picture.")
+            .arg(where);
+    return QStringLiteral("The wallpaper could not be set on %1: neither its own settings nor feh "
+                          "accepted the picture.")
+        .arg(where);
+}
+
 QString missingFileMessage(const QString &file)
 {
     return QStringLiteral("The wallpaper could not be set: the picture \"%1\" does not exist.")
@@ -212,8 +235,12 @@ WallpaperRegistryValues WallpaperRegistryValuesFor(int style)
 
 QString CurrentDesktopText()
 {
-    const QString desktop = qEnvironmentVariable("XDG_CURRENT_DESKTOP");
-    return desktop.isEmpty() ? qEnvironmentVariable("DESKTOP_SESSION") : desktop;
+    for (const char *name : {"XDG_CURRENT_DESKTOP", "XDG_SESSION_DESKTOP", "DESKTOP_SESSION"}) {
+        const QString desktop = qEnvironmentVariable(name);
+        if (!desktop.isEmpty())
+            return desktop;
+    }
+    return {};
 }
 
 DesktopFamily DesktopFamilyOf(const QString &desktopText)
@@ -269,6 +296,11 @@ QList<WallpaperCommand> XfceWallpaperCommands(const QString &listOutput, int sty
     return commands;
 }
 
+WallpaperCommand PlasmaApplyWallpaperCommand(const QString &file)
+{
+    return {QStringLiteral("plasma-apply-wallpaperimage"), {file}};
+}
+
 WallpaperCommand FehWallpaperCommand(int style, const QString &file)
 {
     static const char *const modes[] = {"--bg-center", "--bg-tile", "--bg-scale"};
@@ -318,21 +350,17 @@ WallpaperResult SetWallpaper(int style, const QString &file, const QString &desk
     }
     const QString path = info.absoluteFilePath();
     const DesktopFamily family = DesktopFamilyOf(desktopText);
-    result.ok = family == DesktopFamily::Xfce ? runXfce(style, path, run)
-                                              : runAll(WallpaperCommandsFor(family, style, path), run);
+    const bool wayland = SessionPlatform::isWaylandSession(SessionPlatform::Environment::ofProcess());
+    if (family == DesktopFamily::Xfce)
+        result.ok = runXfce(style, path, run);
+    else if (family != DesktopFamily::Other || !wayland) // the unknown desktop's command is feh
+        result.ok = runAll(WallpaperCommandsFor(family, style, path), run);
+    if (!result.ok && family == DesktopFamily::KdePlasma)
+        result.ok = runAll({PlasmaApplyWallpaperCommand(path)}, run);
     // feh as the last resort; for an unknown desktop it was the only thing tried.
-    if (!result.ok && family != DesktopFamily::Other)
+    if (!result.ok && family != DesktopFamily::Other && !wayland)
         result.ok = runAll({FehWallpaperCommand(style, path)}, run);
-    if (!result.ok) {
-        const QString where = desktopText.isEmpty() ? unknownDesktopText()
-                                                    : QStringLiteral("the desktop \"%1\"").arg(desktopText);
-        result.message = family == DesktopFamily::Other
-            ? QStringLiteral("The wallpaper could not be set on %1: it is not a desktop Vantora knows, and "
-                             "feh, which sets the wallpaper there, is not installed or did not work.")
-                  .arg(where)
-            : QStringLiteral("The wallpaper could not be set on %1: neither its own settings nor feh "
-                             "accepted the picture.")
-                  .arg(where);
-    }
+    if (!result.ok)
+        result.message = failureMessage(desktopText, family, wayland);
     return result;
 }

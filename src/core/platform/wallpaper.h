@@ -12,8 +12,10 @@
 //
 // On Windows the style goes into the user's "Control Panel\Desktop" registry values and the
 // system is told of the new picture. Elsewhere the desktop is recognised from
-// XDG_CURRENT_DESKTOP (DESKTOP_SESSION when that is empty) and its own settings tool is run;
-// when that fails, or the desktop is not one of those known, feh sets the root window instead.
+// XDG_CURRENT_DESKTOP (else XDG_SESSION_DESKTOP, else DESKTOP_SESSION) and its own settings tool
+// is run; when that fails, or the desktop is not one of those known, feh sets the root window
+// instead. Not in a Wayland session: there the X root window is not what the desktop shows, and
+// feh would report a success nobody sees.
 
 // The desktops whose wallpaper the program knows how to set.
 enum class DesktopFamily
@@ -69,7 +71,8 @@ struct WallpaperRegistryValues
 };
 WallpaperRegistryValues WallpaperRegistryValuesFor(int style);
 
-// The desktop's text from the environment: XDG_CURRENT_DESKTOP, else DESKTOP_SESSION.
+// The desktop's text from the environment: XDG_CURRENT_DESKTOP, else XDG_SESSION_DESKTOP, else
+// DESKTOP_SESSION.
 QString CurrentDesktopText();
 
 // The family of a desktop text such as "ubuntu:GNOME" or "X-Cinnamon": the first entry of the
@@ -88,6 +91,10 @@ WallpaperCommand XfcePropertyListCommand();
 // every backdrop that has a last-image property. Empty when there is none.
 QList<WallpaperCommand> XfceWallpaperCommands(const QString &listOutput, int style, const QString &file);
 
+// Plasma's own command, tried when its shell does not take the script (it cannot place the
+// picture, so the style is left as it was).
+WallpaperCommand PlasmaApplyWallpaperCommand(const QString &file);
+
 // The feh command that sets the root window's picture.
 WallpaperCommand FehWallpaperCommand(int style, const QString &file);
 
@@ -99,6 +106,7 @@ WallpaperCommandResult RunWallpaperCommand(const WallpaperCommand &command);
 WallpaperResult SetWallpaper(int style, const QString &file);
 
 // Sets the wallpaper through the commands for the desktop `desktopText` names, run one after
-// another by `run`. Used on every platform other than Windows, and by tests.
+// another by `run`. Used on every platform other than Windows, and by tests. Whether the session
+// is a Wayland one is read from the environment.
 WallpaperResult SetWallpaper(int style, const QString &file, const QString &desktopText,
                              const WallpaperRunner &run = RunWallpaperCommand);
