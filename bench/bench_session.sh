@@ -12,7 +12,9 @@ start_private_xvfb() {
     local display= display_fd
     # Xvfb writes the display number it chose to the descriptor it is given.
     exec {display_fd}<> <(:)
-    Xvfb -displayfd "$display_fd" -screen 0 1280x800x24 -nolisten tcp >/dev/null 2>&1 &
+    # -noreset: the server stays up between programs (it resets when its last client leaves);
+    # -br: a black root, so a window not painted yet reads as one colour.
+    Xvfb -displayfd "$display_fd" -screen 0 1280x800x24 -nolisten tcp -noreset -br >/dev/null 2>&1 &
     private_xvfb_pid=$!
     for _ in $(seq 50); do
         if read -r -t 0.2 -u "$display_fd" display && [[ -n $display ]]; then break; fi

@@ -1,13 +1,18 @@
 // Starts a program and times it from the start of its process to the moment the X server maps its
-// first top-level window. The watch is on the server (MapNotify on the root window), not on
+// first top-level window, and on to its first painted frame: the moment that window's pixels are
+// no longer all one colour (the server's black root shows through an unpainted window). The
+// watch is on the server (MapNotify on the root window, then the window's own pixels), not on
 // anything the program prints, so every program is timed the same way. Also reads the program's
-// resident memory at that moment and again a second later, then ends it with SIGTERM.
+// CPU time at the painted frame, its resident memory at the map and a second after the frame,
+// and its private memory then, and ends it with SIGTERM.
 //
 //   DISPLAY=:N first_map_timer PROGRAM [ARGUMENTS...]
 //
-// Prints one line: "<ms to first map> <kB resident at map> <kB resident 1 s later>".
-// Exits 1 when the program ends or maps nothing within 10 s. Meant for a private X server with no
-// window manager and no other clients mapping windows, as bench/launch_vs_bare_qt.sh runs it.
+// Prints one line: "<ms to first map> <kB resident at map> <kB resident 1 s later>
+// <ms to first painted frame> <ms of the program's CPU time to that frame> <kB private 1 s later>".
+// Exits 1 when the program ends or maps or paints nothing within 10 s. Meant for a private X
+// server with a black root, no window manager and no other clients mapping windows, as
+// bench/launch_vs_bare_qt.sh runs it.
 
 #include <xcb/xcb.h>
 
@@ -16,6 +21,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
+#include <dirent.h>
 #include <fstream>
 #include <string>
 #include <poll.h>
@@ -43,6 +49,38 @@ long residentKilobytes(pid_t pid)
     return -1;
 }
 
+// Private memory (clean and dirty pages no other process shares), in kB.
+long privateKilobytes(pid_t pid)
+{
+    std::ifstream rollup("/proc/" + std::to_string(pid) + "/smaps_rollup");
+    std::string line;
+    long total = 0;
+    while (std::getline(rollup, line)) {
+        if (line.rfind("Private_Clean:", 0) == 0 || line.rfind("Private_Dirty:", 0) == 0)
+            total += std::strtol(line.c_str() + 14, nullptr, 10);
+    }
+    return total;
+}
+
+// CPU time of every thread of the process so far, in ms (the scheduler's nanosecond count).
+double cpuMilliseconds(pid_t pid)
+{
+    const std::string tasks = "/proc/" + std::to_string(pid) + "/task";
+    double ns = 0;
+    if (DIR *dir = opendir(tasks.c_str())) {
+        while (dirent *entry = readdir(dir)) {
+            if (entry->d_name[0] == '.')
+                continue;
+            std::ifstream stat(tasks + "/" + entry->d_name + "/schedstat");
+            double running = 0;
+            if (stat >> running)
+                ns += running;
+        }
+        closedir(dir);
+    }
+    return ns / 1e6;
+}
+
 void endProgram(pid_t pid)
 {
     kill(pid, SIGTERM);
@@ -50,17 +88,19 @@ void endProgram(pid_t pid)
     waitpid(pid, &status, 0);
 }
 
-// Waits for the first MapNotify of a child of the root window; false when none came in time or
-// the program ended first.
-bool waitForFirstMap(xcb_connection_t *connection, pid_t pid, Clock::time_point started)
+// Waits for the first MapNotify of a child of the root window and returns that window; 0 when
+// none came in time or the program ended first.
+xcb_window_t waitForFirstMap(xcb_connection_t *connection, pid_t pid, Clock::time_point started)
 {
     const int fd = xcb_get_file_descriptor(connection);
     while (Clock::now() - started < kGiveUpAfter) {
         while (xcb_generic_event_t *event = xcb_poll_for_event(connection)) {
-            const bool mapped = (event->response_type & 0x7f) == XCB_MAP_NOTIFY;
+            xcb_window_t mapped = 0;
+            if ((event->response_type & 0x7f) == XCB_MAP_NOTIFY)
+                mapped = reinterpret_cast<xcb_map_notify_event_t *>(event)->window;
             std::free(event);
             if (mapped)
-                return true;
+                return mapped;
         }
         if (xcb_connection_has_error(connection))
             return false;
@@ -69,6 +109,45 @@ bool waitForFirstMap(xcb_connection_t *connection, pid_t pid, Clock::time_point 
             return false;
         pollfd watch{fd, POLLIN, 0};
         poll(&watch, 1, 20);
+    }
+    return 0;
+}
+
+// True when the window's pixels are not all one colour. The whole window is read from the
+// server each time: a few hundred microseconds for a dashboard-sized window.
+bool windowIsPainted(xcb_connection_t *connection, xcb_window_t window)
+{
+    xcb_get_geometry_reply_t *geometry =
+        xcb_get_geometry_reply(connection, xcb_get_geometry(connection, window), nullptr);
+    if (!geometry)
+        return false;
+    const uint16_t width = geometry->width;
+    const uint16_t height = geometry->height;
+    std::free(geometry);
+    xcb_get_image_reply_t *image = xcb_get_image_reply(
+        connection, xcb_get_image(connection, XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0, width, height, ~0u), nullptr);
+    if (!image)
+        return false;
+    const int length = xcb_get_image_data_length(image);
+    const auto *pixels = reinterpret_cast<const uint32_t *>(xcb_get_image_data(image));
+    bool painted = false;
+    for (int i = 1; i < length / 4 && !painted; ++i)
+        painted = (pixels[i] & 0xffffff) != (pixels[0] & 0xffffff);
+    std::free(image);
+    return painted;
+}
+
+// Polls the window every 2 ms until it shows something; false when it never did in time or the
+// program ended first.
+bool waitForFirstPaint(xcb_connection_t *connection, xcb_window_t window, pid_t pid, Clock::time_point started)
+{
+    while (Clock::now() - started < kGiveUpAfter) {
+        if (windowIsPainted(connection, window))
+            return true;
+        int status = 0;
+        if (xcb_connection_has_error(connection) || waitpid(pid, &status, WNOHANG) == pid)
+            return false;
+        std::this_thread::sleep_for(std::chrono::milliseconds(2));
     }
     return false;
 }
@@ -102,17 +181,27 @@ int main(int argc, char *argv[])
         std::fprintf(stderr, "first_map_timer: cannot start %s: %s\n", argv[1], std::strerror(errno));
         return 2;
     }
-    if (!waitForFirstMap(connection, pid, started)) {
+    const xcb_window_t window = waitForFirstMap(connection, pid, started);
+    if (!window) {
         std::fprintf(stderr, "first_map_timer: %s mapped no window\n", argv[1]);
         endProgram(pid);
         return 1;
     }
-    const auto elapsed = std::chrono::duration<double, std::milli>(Clock::now() - started).count();
+    const auto msSinceStart = [&] { return std::chrono::duration<double, std::milli>(Clock::now() - started).count(); };
+    const double toMap = msSinceStart();
     const long atMap = residentKilobytes(pid);
+    if (!waitForFirstPaint(connection, window, pid, started)) {
+        std::fprintf(stderr, "first_map_timer: %s painted nothing in its first window\n", argv[1]);
+        endProgram(pid);
+        return 1;
+    }
+    const double toPaint = msSinceStart();
+    const double cpuToPaint = cpuMilliseconds(pid);
     std::this_thread::sleep_for(std::chrono::seconds(1));
     const long settled = residentKilobytes(pid);
+    const long privateKb = privateKilobytes(pid);
     endProgram(pid);
     xcb_disconnect(connection);
-    std::printf("%.1f %ld %ld\n", elapsed, atMap, settled);
+    std::printf("%.1f %ld %ld %.1f %.1f %ld\n", toMap, atMap, settled, toPaint, cpuToPaint, privateKb);
     return 0;
 }

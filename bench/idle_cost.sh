@@ -60,7 +60,7 @@ fi
 # (first field of schedstat): utime+stime in /proc/PID/stat counts whole 10 ms ticks, too coarse
 # for a program that uses a few milliseconds a second.
 cpu_ns() {
-    cat /proc/"$1"/task/*/schedstat 2>/dev/null | awk '{n += $1} END {printf "%d\n", n}'
+    cat /proc/"$1"/task/*/schedstat 2>/dev/null | awk '{n += $1} END {printf "%.0f\n", n}'
 }
 # Voluntary and involuntary context switches summed over every thread: one per wake-up, near enough.
 wakeups() {

@@ -6,7 +6,7 @@ set -euo pipefail
 build=${1:-build}
 cmake --build "$build" --target startup_bench paint_bench notes_file_bench notes_layout_bench spell_bench spell_list print_bench catalogue_bench whiteboard_bench vantora
 
-echo "== Start-up beside a bare Qt label window, timed on the X server =="
+echo "== Start-up to the first painted frame beside a bare Qt label window, on the X server =="
 "$(dirname "$0")/launch_vs_bare_qt.sh" "$build"
 
 echo
