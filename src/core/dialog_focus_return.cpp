@@ -8,7 +8,7 @@ namespace {
 
 // How long after a dialog closed a window manager's choice of the next active window is
 // taken as its own fallback rather than something the user did.
-constexpr qint64 kFallbackMs = 600;
+constexpr qint64 kFallbackMs = 250;
 
 } // namespace
 
