@@ -71,6 +71,9 @@ bool IsUntouchedNew(const NoteDocument *document)
     return document->path().isEmpty() && !document->DocumentEdited() && document->document()->isEmpty();
 }
 
+// How long after the editor is shown its word list starts loading: after the first frame.
+constexpr int kSpellReadDelayMs = 400;
+
 } // namespace
 
 NotesEditor::NotesEditor(QWidget *parent)
@@ -137,10 +140,6 @@ NotesEditor::NotesEditor(QWidget *parent)
 
     installShortcuts();
     DocumentNew();
-    // The word list is read on a worker thread while the window comes up, so underlines and
-    // the first check are ready when the user is.
-    if (SpellSettings::load().loadOnFirst)
-        m_spell->loadInBackground();
 }
 
 NotesEditor::~NotesEditor()
@@ -1039,4 +1038,14 @@ void NotesEditor::showEvent(QShowEvent *event)
     WidgetWindow::showEvent(event);
     if (!m_offered)
         QTimer::singleShot(0, this, &NotesEditor::offerRecoveredDocuments);
+    // The word list is read on a worker thread once the window is on the screen, so underlines
+    // and the first check are ready when the user is. Reading it (some 50 ms of work) while
+    // the window was still being built took the CPU from the first frame.
+    if (!m_spellReadScheduled) {
+        m_spellReadScheduled = true;
+        QTimer::singleShot(kSpellReadDelayMs, this, [this] {
+            if (SpellSettings::load().loadOnFirst)
+                m_spell->loadInBackground();
+        });
+    }
 }

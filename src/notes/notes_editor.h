@@ -168,4 +168,5 @@ private:
     QHash<const NoteDocument *, QString> m_recoveryIds;
     bool m_closing = false;
     bool m_offered = false;
+    bool m_spellReadScheduled = false;
 };
