@@ -378,7 +378,10 @@ void TestLiveWeatherAdapter::sources()
     QCOMPARE(m_server->requestCount(MetNoPath), metNoRequests);
     static const QRegularExpression openMeteoQuery(
         QStringLiteral("^/v1/forecast\\?latitude=51\\.5085&longitude=-0\\.1257&current=temperature_2m"
-                       ",weather_code,is_day&temperature_unit=fahrenheit&timezone=auto&forecast_days=1$"));
+                       ",weather_code,is_day&hourly=temperature_2m,weather_code,is_day,precipitation_probability,"
+                       "precipitation,wind_speed_10m&daily=weather_code,temperature_2m_max,temperature_2m_min,"
+                       "precipitation_sum,precipitation_probability_max&temperature_unit=fahrenheit"
+                       "&timezone=auto&forecast_days=7$"));
     QVERIFY2(openMeteoQuery.match(QString::fromLatin1(m_server->requests().first().path)).hasMatch(),
              m_server->requests().first().path.constData());
     if (metNoRequests) {
