@@ -177,7 +177,9 @@ void WeatherStation::watchNetwork()
 
 QString WeatherStation::ageText() const
 {
-    return m_lastSuccess.isValid() ? tr("as of %1").arg(ShortTime(m_lastSuccess)) : QString();
+    // Hours and minutes only: the line is short, and seconds would say nothing.
+    return m_lastSuccess.isValid() ? tr("as of %1").arg(m_lastSuccess.toLocalTime().toString(QStringLiteral("HH:mm")))
+                                   : QString();
 }
 
 void WeatherStation::onTimeLimit()

@@ -164,9 +164,10 @@ void WeatherWidget::setForecastOpen(bool open)
     m_forecastOpen = open;
     WriteDetail(WeatherSettings::windowName(), kForecastOpenValue, open ? QStringLiteral("1") : QStringLiteral("0"));
     m_forecast->setVisible(open);
-    setMinimumSize(minimumUsableSize());
     // The window grows downwards for the panel and gives the room back when it closes.
-    resize(width(), qMax(minimumHeight(), height() + (open ? ForecastHeight : -ForecastHeight)));
+    const int wanted = height() + (open ? ForecastHeight : -ForecastHeight);
+    setMinimumSize(minimumUsableSize());
+    resize(width(), qMax(minimumHeight(), wanted));
     if (open)
         m_forecast->setNow(ClockSource::now());
     relayout();
