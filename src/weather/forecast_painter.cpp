@@ -5,6 +5,7 @@
 #include <QFontMetricsF>
 #include <QLocale>
 #include <QPainter>
+#include <QHash>
 #include <QPainterPath>
 #include <cmath>
 
@@ -19,6 +20,29 @@ QFont sized(QFont font, qreal pixels, bool bold = false)
     return font;
 }
 
+// The width of a text in a font. Shaping is most of the cost of drawing the panel, and the
+// same few texts ("Today", "18° 6°") come back in every drawing, so their widths are kept.
+qreal widthOf(const QFontMetricsF &fm, const QFont &font, const QString &text)
+{
+    static QHash<QString, qreal> widths;
+    const QString key = font.key() + QChar(0x1F) + text;
+    const auto found = widths.constFind(key);
+    if (found != widths.constEnd())
+        return *found;
+    if (widths.size() > 2000)
+        widths.clear(); // sizes change with the window; old ones are not needed again
+    return widths[key] = fm.horizontalAdvance(text);
+}
+
+// Draws one line of text centred in a box, at a baseline worked out here: the plain
+// point-and-text call skips the layout pass that a box-and-alignment call makes every time.
+void centred(QPainter &p, const QFontMetricsF &fm, const QRectF &box, const QString &text)
+{
+    const qreal x = box.center().x() - widthOf(fm, p.font(), text) / 2;
+    const qreal y = box.center().y() + (fm.ascent() - fm.descent()) / 2;
+    p.drawText(QPointF(x, y), text);
+}
+
 QString oneDecimal(double value)
 {
     return QLocale().toString(value, 'f', 1);
@@ -28,7 +52,7 @@ QString oneDecimal(double value)
 
 ForecastPainter::ForecastPainter(const WeatherForecast &forecast, const QDateTime &now, const ForecastStyle &style)
     : m_forecast(forecast), m_now(now), m_style(style), m_hours(forecast.hoursFrom(now)),
-      m_days(forecast.daysFrom(now))
+      m_days(forecast.daysFrom(now)), m_today(forecast.local(now.toUTC()).date())
 {
     bool any = false;
     for (const ForecastHour &h : std::as_const(m_hours)) {
@@ -154,16 +178,17 @@ void ForecastPainter::paintHourMarks(QPainter &p)
                      m_forecast.utcOffsetSeconds);
     const QDateTime end = m_hours.last().time.addSecs(3600);
     qreal lastRight = -1e9;
+    // Upright lines need no smoothing, and drawn without it they stay one pixel sharp.
+    p.setRenderHint(QPainter::Antialiasing, false);
     for (; mark <= end; mark = mark.addSecs(6 * 3600)) {
         const qreal x = xOf(mark);
         if (x < m_chart.left())
             continue;
         const bool midnight = mark.time().hour() == 0;
-        p.setPen(QPen(ink(midnight ? 0.45 : 0.18), 1));
+        p.setPen(QPen(ink(midnight ? 0.45 : 0.18), 0));
         p.drawLine(QPointF(x, m_chart.top()), QPointF(x, m_chart.bottom()));
-        const QString label = midnight ? QLocale().toString(mark.date(), QStringLiteral("ddd"))
-                                       : mark.toString(QStringLiteral("HH"));
-        const qreal w = fm.horizontalAdvance(label);
+        const QString label = midnight ? dayName(mark.date()) : mark.toString(QStringLiteral("HH"));
+        const qreal w = widthOf(fm, font, label);
         const qreal left = qBound(m_area.left(), x - w / 2, m_area.right() - w);
         if (left < lastRight + 2)
             continue; // too narrow for every mark: skip one rather than overprint
@@ -171,6 +196,7 @@ void ForecastPainter::paintHourMarks(QPainter &p)
         p.drawText(QPointF(left, m_chart.bottom() + fm.ascent() + 1), label);
         lastRight = left + w;
     }
+    p.setRenderHint(QPainter::Antialiasing, true);
 }
 
 void ForecastPainter::paintRain(QPainter &p)
@@ -228,7 +254,7 @@ void ForecastPainter::paintCurve(QPainter &p)
     p.setPen(ink(1.0));
     auto label = [&](const QPointF &at, double celsius, bool above) {
         const QString text = temperature(celsius);
-        const qreal w = fm.horizontalAdvance(text);
+        const qreal w = widthOf(fm, font, text);
         const qreal x = qBound(m_chart.left(), at.x() - w / 2, m_chart.right() - w);
         const qreal y = above ? at.y() - 4 : at.y() + fm.ascent() + 3;
         p.drawText(QPointF(x, qBound(m_chart.top() + fm.ascent(), y, m_chart.bottom() - 1)), text);
@@ -240,57 +266,66 @@ void ForecastPainter::paintCurve(QPainter &p)
 
 QString ForecastPainter::dayName(const QDate &date) const
 {
-    if (date == m_forecast.local(m_now.toUTC()).date())
+    if (date == m_today)
         return QObject::tr("Today");
-    return QLocale().toString(date, QStringLiteral("ddd"));
+    return QLocale().standaloneDayName(date.dayOfWeek(), QLocale::ShortFormat);
 }
 
 void ForecastPainter::paintDays(QPainter &p)
 {
     const qreal width = m_dayRow.width() / WeatherForecast::DaysShown;
+    // Five lines a cell: the day, its symbol (two lines), high and low, rain.
+    const qreal line = qMin(m_dayRow.height() / 5.2, width / 3.6);
+    const CellFonts fonts(m_style, line);
+    p.setPen(QPen(ink(0.18), 0));
+    p.setRenderHint(QPainter::Antialiasing, false);
+    for (qsizetype i = 1; i < m_days.size(); ++i) {
+        const qreal x = m_dayRow.left() + i * width;
+        p.drawLine(QPointF(x, m_dayRow.top() + 4), QPointF(x, m_dayRow.bottom() - 4));
+    }
+    p.setRenderHint(QPainter::Antialiasing, true);
     for (qsizetype i = 0; i < m_days.size(); ++i) {
         const QRectF cell(m_dayRow.left() + i * width, m_dayRow.top(), width, m_dayRow.height());
-        if (i > 0) {
-            p.setPen(QPen(ink(0.18), 1));
-            p.drawLine(QPointF(cell.left(), cell.top() + 4), QPointF(cell.left(), cell.bottom() - 4));
-        }
-        paintDayCell(p, cell, m_days.at(i), 1.0);
+        paintDayCell(p, cell, m_days.at(i), line, fonts);
     }
 }
 
-void ForecastPainter::paintDayCell(QPainter &p, const QRectF &cell, const ForecastDay &day, qreal scale)
+ForecastPainter::CellFonts::CellFonts(const ForecastStyle &style, qreal line)
+    : text(sized(style.font, line * 0.78)), bold(sized(style.font, line * 0.8, true)), symbol(style.glyphFamily),
+      textMetrics(text), boldMetrics(bold), symbolMetrics(symbol)
 {
-    // Four lines: the day, its symbol (twice the height), high and low, rain.
-    const qreal line = qMin(cell.height() / 5.2, cell.width() / 3.6) * scale;
-    const qreal top = cell.top() + (cell.height() - line * 5) / 2;
-    const QFont text = sized(m_style.font, line * 0.78);
-    p.setFont(text);
-    p.setPen(ink(0.85));
-    p.drawText(QRectF(cell.left(), top, cell.width(), line), Qt::AlignCenter, dayName(day.date));
+    symbol.setPixelSize(qMax(8, int(line * 1.5)));
+    symbolMetrics = QFontMetricsF(symbol);
+}
 
-    paintSymbol(p, QRectF(cell.left(), top + line, cell.width(), line * 2), day.code, line * 1.5);
-    p.setFont(sized(m_style.font, line * 0.8, true));
+void ForecastPainter::paintDayCell(QPainter &p, const QRectF &cell, const ForecastDay &day, qreal line,
+                                   const CellFonts &fonts)
+{
+    const qreal top = cell.top() + (cell.height() - line * 5) / 2;
+    p.setFont(fonts.text);
+    p.setPen(ink(0.85));
+    centred(p, fonts.textMetrics, QRectF(cell.left(), top, cell.width(), line), dayName(day.date));
+    paintSymbol(p, QRectF(cell.left(), top + line, cell.width(), line * 2), day.code, fonts);
+    p.setFont(fonts.bold);
     p.setPen(ink(1.0));
     const QString highLow = temperature(day.highCelsius) + QStringLiteral(" ") + temperature(day.lowCelsius);
-    p.drawText(QRectF(cell.left(), top + line * 3, cell.width(), line), Qt::AlignCenter, highLow);
-    p.setFont(text);
+    centred(p, fonts.boldMetrics, QRectF(cell.left(), top + line * 3, cell.width(), line), highLow);
+    p.setFont(fonts.text);
     p.setPen(ink(0.7));
     const QString wet = !std::isnan(day.rainMm) ? rain(day.rainMm)
                         : day.rainChance >= 0   ? QString::number(day.rainChance) + QLatin1Char('%')
                                                 : QString();
-    p.drawText(QRectF(cell.left(), top + line * 4, cell.width(), line), Qt::AlignCenter, wet);
+    centred(p, fonts.textMetrics, QRectF(cell.left(), top + line * 4, cell.width(), line), wet);
 }
 
-void ForecastPainter::paintSymbol(QPainter &p, const QRectF &box, int code, qreal pixels) const
+void ForecastPainter::paintSymbol(QPainter &p, const QRectF &box, int code, const CellFonts &fonts) const
 {
     const QString glyph = ShippedData::weatherGlyph(code);
     if (m_style.glyphFamily.isEmpty() || glyph.isEmpty())
         return;
-    QFont symbol(m_style.glyphFamily);
-    symbol.setPixelSize(qMax(8, int(pixels)));
-    p.setFont(symbol);
+    p.setFont(fonts.symbol);
     p.setPen(ink(1.0));
-    p.drawText(box, Qt::AlignCenter, glyph);
+    centred(p, fonts.symbolMetrics, box, glyph);
 }
 
 void ForecastPainter::paintBrief(QPainter &p, const QRectF &area, int days)
@@ -302,19 +337,25 @@ void ForecastPainter::paintBrief(QPainter &p, const QRectF &area, int days)
     p.save();
     p.setRenderHint(QPainter::Antialiasing);
     const qreal width = area.width() / count;
-    const qreal line = qMin(area.height() / 3.2, width / 3.2);
+    // Symbol (1.8 lines), high, low.
+    const qreal line = qMin(area.height() / 3.4, width / 3.2);
+    CellFonts fonts(m_style, line * 0.87);
+    fonts.bold = sized(m_style.font, line * 0.75, true);
+    fonts.boldMetrics = QFontMetricsF(fonts.bold);
+    fonts.text = sized(m_style.font, line * 0.75);
+    fonts.textMetrics = QFontMetricsF(fonts.text);
     for (int i = 0; i < count; ++i) {
         const ForecastDay &day = m_days.at(i);
         const QRectF cell(area.left() + i * width, area.top(), width, area.height());
-        paintSymbol(p, QRectF(cell.left(), cell.top(), width, line * 1.8), day.code, line * 1.3);
+        paintSymbol(p, QRectF(cell.left(), cell.top(), width, line * 1.8), day.code, fonts);
         p.setPen(ink(1.0));
-        p.setFont(sized(m_style.font, line * 0.7, true));
-        p.drawText(QRectF(cell.left(), cell.top() + line * 1.8, width, line), Qt::AlignCenter,
-                   temperature(day.highCelsius));
-        p.setFont(sized(m_style.font, line * 0.7));
+        p.setFont(fonts.bold);
+        centred(p, fonts.boldMetrics, QRectF(cell.left(), cell.top() + line * 1.8, width, line),
+                temperature(day.highCelsius));
+        p.setFont(fonts.text);
         p.setPen(ink(0.7));
-        p.drawText(QRectF(cell.left(), cell.top() + line * 2.6, width, line), Qt::AlignCenter,
-                   temperature(day.lowCelsius));
+        centred(p, fonts.textMetrics, QRectF(cell.left(), cell.top() + line * 2.6, width, line),
+                temperature(day.lowCelsius));
     }
     p.restore();
 }

@@ -4,6 +4,7 @@
 
 #include <QColor>
 #include <QFont>
+#include <QFontMetricsF>
 #include <QList>
 #include <QRectF>
 #include <QString>
@@ -60,9 +61,20 @@ private:
     void paintHourMarks(QPainter &p);
     void paintRain(QPainter &p);
     void paintCurve(QPainter &p);
+    // The fonts of the day cells, made once for all cells of a drawing.
+    struct CellFonts
+    {
+        CellFonts(const ForecastStyle &style, qreal line);
+        QFont text;
+        QFont bold;
+        QFont symbol;
+        QFontMetricsF textMetrics;
+        QFontMetricsF boldMetrics;
+        QFontMetricsF symbolMetrics;
+    };
     void paintDays(QPainter &p);
-    void paintDayCell(QPainter &p, const QRectF &cell, const ForecastDay &day, qreal scale);
-    void paintSymbol(QPainter &p, const QRectF &box, int code, qreal pixels) const;
+    void paintDayCell(QPainter &p, const QRectF &cell, const ForecastDay &day, qreal line, const CellFonts &fonts);
+    void paintSymbol(QPainter &p, const QRectF &box, int code, const CellFonts &fonts) const;
     QColor ink(qreal alpha) const;
 
 
@@ -71,6 +83,7 @@ private:
     ForecastStyle m_style;
     QList<ForecastHour> m_hours;
     QList<ForecastDay> m_days;
+    QDate m_today; // the place's date now
     QRectF m_area;
     QRectF m_chart;    // the curve's box
     QRectF m_rainBand; // the rain bars' box, at the chart's foot

@@ -44,6 +44,7 @@ void ForecastView::rebuild()
 {
     m_painter = std::make_unique<ForecastPainter>(m_forecast, m_now, m_style);
     m_hoverX = -1;
+    m_drawing = QPixmap();
     update();
 }
 
@@ -65,8 +66,18 @@ QString ForecastView::describeAt(const QPointF &point)
 
 void ForecastView::paintEvent(QPaintEvent *)
 {
+    // The drawing is kept as a picture: the hover line and every expose only copy it.
+    const qreal ratio = devicePixelRatioF();
+    const QSize pixels = (QSizeF(size()) * ratio).toSize();
+    if (m_drawing.size() != pixels || m_drawing.devicePixelRatio() != ratio) {
+        m_drawing = QPixmap(pixels);
+        m_drawing.setDevicePixelRatio(ratio);
+        m_drawing.fill(Qt::transparent);
+        QPainter drawing(&m_drawing);
+        m_painter->paint(drawing, drawingArea());
+    }
     QPainter p(this);
-    m_painter->paint(p, drawingArea());
+    p.drawPixmap(0, 0, m_drawing);
     if (m_hoverX >= 0) {
         QColor line = m_style.ink;
         line.setAlphaF(0.6);

@@ -2,6 +2,7 @@
 
 #include "weather/forecast_painter.h"
 
+#include <QPixmap>
 #include <QWidget>
 #include <memory>
 
@@ -36,5 +37,6 @@ private:
     ForecastStyle m_style;
     QDateTime m_now;
     std::unique_ptr<ForecastPainter> m_painter;
+    QPixmap m_drawing; // the last drawing, at the view's size and pixel ratio
     qreal m_hoverX = -1;
 };
