@@ -226,7 +226,8 @@ void ForecastPainter::paintCurve(QPainter &p)
             continue;
         // Each value stands at the middle of its hour, over its rain bar.
         const QPointF point(xOf(h.time.addSecs(1800)), yOf(h.celsius));
-        curve.isEmpty() ? curve.moveTo(point) : curve.lineTo(point);
+        // (A path holding only its first point still counts as empty.)
+        curve.elementCount() == 0 ? curve.moveTo(point) : curve.lineTo(point);
         if (point.y() < highest.y()) {
             highest = point;
             highValue = h.celsius;
@@ -236,7 +237,7 @@ void ForecastPainter::paintCurve(QPainter &p)
             lowValue = h.celsius;
         }
     }
-    if (curve.isEmpty())
+    if (curve.elementCount() < 2)
         return;
     QPainterPath under = curve;
     under.lineTo(curve.currentPosition().x(), m_chart.bottom());

@@ -66,6 +66,8 @@ private slots:
     void valuesUnderThePointer();
     void hourMarksFollowThePlacesClock_data();
     void hourMarksFollowThePlacesClock();
+    void drawingShowsTheCurveAndTheDays_data();
+    void drawingShowsTheCurveAndTheDays();
 };
 
 void TestWeatherForecast::sourceReplies_data()
@@ -380,6 +382,56 @@ void TestWeatherForecast::hourMarksFollowThePlacesClock()
     const QString text = painter.describeAt(QPointF(2, 30));
     QFETCH(QString, localTime);
     QVERIFY2(text.contains(QLatin1Char(' ') + localTime + QLatin1Char(' ')), qPrintable(text));
+}
+
+void TestWeatherForecast::drawingShowsTheCurveAndTheDays_data()
+{
+    QTest::addColumn<QString>("file");
+    QTest::addColumn<int>("metNoOffset");
+    QTest::addColumn<QSize>("size");
+    QTest::addColumn<qreal>("ratio");
+    QTest::newRow("Open-Meteo, wide") << "openmeteo_forecast_london.json" << NoOffset << QSize(600, 300) << 1.0;
+    QTest::newRow("Open-Meteo, widget size at 2x") << "openmeteo_forecast_london.json" << NoOffset
+                                                   << QSize(340, 230) << 2.0;
+    QTest::newRow("met.no, three-day source") << "metno_forecast_oslo.json" << 7200 << QSize(340, 230) << 1.0;
+}
+
+void TestWeatherForecast::drawingShowsTheCurveAndTheDays()
+{
+    QFETCH(QString, file);
+    QFETCH(int, metNoOffset);
+    QFETCH(QSize, size);
+    QFETCH(qreal, ratio);
+    ForecastStyle style;
+    style.ink = Qt::black;
+    ForecastPainter painter(forecastOf(file, metNoOffset), utc("2024-05-18T12:00:00Z"), style);
+    QImage image(size * ratio, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::transparent);
+    QPainter p(&image);
+    painter.paint(p, QRectF(QPointF(0, 0), size));
+    p.end();
+    // Only the curve and the texts are drawn at (nearly) full strength: every stretch of the
+    // chart's width has some of the curve in it.
+    const auto strong = [&image, ratio](qreal x, qreal top, qreal bottom) {
+        for (int y = int(top * ratio); y < int(bottom * ratio); ++y)
+            if (qAlpha(image.pixel(int(x * ratio), y)) > 200)
+                return true;
+        return false;
+    };
+    const QRectF chart = painter.chartArea();
+    // (The curve runs from the middle of the first hour to the middle of the last.)
+    const qreal hour = chart.width() / WeatherForecast::HoursShown;
+    for (qreal x = chart.left() + hour; x < chart.right() - hour; x += chart.width() / 25)
+        QVERIFY2(strong(x, chart.top(), chart.bottom()), qPrintable(QStringLiteral("no curve at x %1").arg(x)));
+    // Each day cell has its texts.
+    const qreal cell = size.width() / qreal(WeatherForecast::DaysShown);
+    for (qsizetype day = 0; day < painter.days().size(); ++day) {
+        bool inked = false;
+        for (qreal x = day * cell + 2; x < (day + 1) * cell - 2 && !inked; x += 1)
+            inked = strong(x, chart.bottom() + 12, size.height());
+        QVERIFY2(inked, qPrintable(QStringLiteral("day %1 is blank").arg(day)));
+    }
 }
 
 QTEST_MAIN(TestWeatherForecast)
