@@ -98,7 +98,8 @@ bool DashboardTile::paintWeatherBrief(QPainter &p, const QRectF &area, const QCo
     style.font = font();
     style.glyphFamily = ShippedData::weatherFontFamily();
     style.fahrenheit = WeatherSettings::load().fahrenheit;
-    ForecastPainter(forecast, now, style).paintBrief(p, area, 3);
+    // Two days fit a tile at a size that reads: today and tomorrow.
+    ForecastPainter(forecast, now, style).paintBrief(p, area, 2);
     return true;
 }
 

@@ -337,26 +337,26 @@ void ForecastPainter::paintBrief(QPainter &p, const QRectF &area, int days)
         return;
     p.save();
     p.setRenderHint(QPainter::Antialiasing);
+    // Each day: its symbol on the left, high over low on the right, as large as the cell allows.
     const qreal width = area.width() / count;
-    // Symbol (1.8 lines), high, low.
-    const qreal line = qMin(area.height() / 3.4, width / 3.2);
-    CellFonts fonts(m_style, line * 0.87);
-    fonts.bold = sized(m_style.font, line * 0.75, true);
+    const qreal text = qMin(area.height() * 0.34, width * 0.5 / 2.1);
+    CellFonts fonts(m_style, text / 0.78 * 0.9);
+    fonts.bold = sized(m_style.font, text, true);
     fonts.boldMetrics = QFontMetricsF(fonts.bold);
-    fonts.text = sized(m_style.font, line * 0.75);
+    fonts.text = sized(m_style.font, text);
     fonts.textMetrics = QFontMetricsF(fonts.text);
     for (int i = 0; i < count; ++i) {
         const ForecastDay &day = m_days.at(i);
         const QRectF cell(area.left() + i * width, area.top(), width, area.height());
-        paintSymbol(p, QRectF(cell.left(), cell.top(), width, line * 1.8), day.code, fonts);
+        const QRectF symbolBox(cell.left(), cell.top(), width * 0.5, cell.height());
+        paintSymbol(p, symbolBox, day.code, fonts);
+        const QRectF texts(symbolBox.right(), cell.center().y() - text * 1.25, width * 0.5, text * 2.5);
         p.setPen(ink(1.0));
         p.setFont(fonts.bold);
-        centred(p, fonts.boldMetrics, QRectF(cell.left(), cell.top() + line * 1.8, width, line),
-                temperature(day.highCelsius));
+        centred(p, fonts.boldMetrics, texts.adjusted(0, 0, 0, -texts.height() / 2), temperature(day.highCelsius));
         p.setFont(fonts.text);
-        p.setPen(ink(0.7));
-        centred(p, fonts.textMetrics, QRectF(cell.left(), cell.top() + line * 2.6, width, line),
-                temperature(day.lowCelsius));
+        p.setPen(ink(0.75));
+        centred(p, fonts.textMetrics, texts.adjusted(0, texts.height() / 2, 0, 0), temperature(day.lowCelsius));
     }
     p.restore();
 }

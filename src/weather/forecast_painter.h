@@ -33,7 +33,7 @@ public:
     void layout(const QRectF &area);
     void paint(QPainter &p, const QRectF &area);
     // The dashboard's brief: the next `days` days side by side, symbol over high and low.
-    void paintBrief(QPainter &p, const QRectF &area, int days = 3);
+    void paintBrief(QPainter &p, const QRectF &area, int days = 2);
 
     // The exact values under a point of the last layout, or an empty text.
     QString describeAt(const QPointF &point) const;
