@@ -353,6 +353,8 @@ void TestWeatherWidgetStates::creditNamesTheSourceUsed()
     else
         useServer();
     WeatherSettingsDialog dialog;
+    dialog.show(); // the theme, and with it the credit's link colour, comes with the first show
+    QVERIFY(QTest::qWaitForWindowExposed(&dialog));
     fetch();
     QVERIFY(WeatherStation::shared()->problemLine().isEmpty());
     const QString text = Label(&dialog, "lblCREDIT")->text();
