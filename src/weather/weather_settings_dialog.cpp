@@ -156,7 +156,7 @@ void WeatherSettingsDialog::showCredit()
     // The weather's credit names the source that gave the data shown; a feed host of the
     // user's own gets none, as its data comes from wherever that host takes it.
     auto *credit = findChild<QLabel *>(QStringLiteral("lblCREDIT"));
-    const QString source = WeatherStation::shared()->dataSource();
+    const QString source = WeatherStation::shared()->creditedSource();
     QString weather;
     if (source == QLatin1String("Open-Meteo"))
         weather = CreditLink(credit, QStringLiteral("https://open-meteo.com/"), tr("Weather data by Open-Meteo.com"));

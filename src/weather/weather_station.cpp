@@ -210,9 +210,14 @@ WeatherFeedParser::Outcome WeatherStation::parse()
 
 QString WeatherStation::dataSource() const
 {
+    return SourceOfIconAddress(m_parser.iconAddress());
+}
+
+QString WeatherStation::creditedSource() const
+{
     if (feedHost().compare(QLatin1String(LiveWeatherAdapter::BuiltInHost), Qt::CaseInsensitive) != 0)
         return QString();
-    return SourceOfIconAddress(m_parser.iconAddress());
+    return dataSource();
 }
 
 QString WeatherStation::statusText() const

@@ -56,9 +56,11 @@ public:
     // The hours and days ahead from the last good reply (empty when its source gave none).
     const WeatherForecast &forecast() const { return m_forecast; }
 
-    // Who provided the data shown ("Open-Meteo", "met.no") through the built-in source; empty
-    // for another feed host, whose data comes from wherever that host takes it.
+    // Who provided the data shown ("Open-Meteo", "met.no"), as the reply names it; empty when unknown.
     QString dataSource() const;
+    // The source whose credit goes beside the data: dataSource() when the built-in source
+    // answered, none for another feed host, whose data comes from wherever that host takes it.
+    QString creditedSource() const;
     // Why the last fetch failed, in a short line; empty while the last fetch succeeded.
     QString problemLine() const { return m_problem.line; }
     // "as of 14:20": when the shown reading was fetched; empty before the first.

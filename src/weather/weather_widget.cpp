@@ -206,7 +206,7 @@ void WeatherWidget::showStatus()
     for (QWidget *w : {static_cast<QWidget *>(panel()), static_cast<QWidget *>(m_location)})
         w->setToolTip(status);
     // The sources ask for their credit beside their data, as a link.
-    const QString source = m_station->dataSource();
+    const QString source = m_station->creditedSource();
     QString credit;
     if (source == QLatin1String("Open-Meteo"))
         credit = CreditLink(m_credit, QStringLiteral("https://open-meteo.com/"), tr("Weather data by Open-Meteo.com"));
