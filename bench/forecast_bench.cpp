@@ -133,8 +133,8 @@ int main(int argc, char *argv[])
 
     std::printf("forecast_bench: 48 hours and 7 days, %d rounds each\n", kRounds);
     const auto line = [](const char *what, const Figures &f) {
-        std::printf("  %-40s median %.3f ms, p95 %.3f ms, p99 %.3f ms, worst %.3f ms\n", what, f.median, f.p95,
-                    f.p99, f.worst);
+        std::printf("  %-40s median %.3f ms, p95 %.3f ms, p99 %.3f ms, worst %.3f ms\n", what, f.median,
+                    f.p95, f.p99, f.worst);
     };
     line("panel 340x230, wall clock:", normal.wall);
     line("panel 340x230, processor time:", normal.cpu);

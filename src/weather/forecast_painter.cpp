@@ -3,9 +3,9 @@
 #include "core/shipped_data.h"
 
 #include <QFontMetricsF>
+#include <QHash>
 #include <QLocale>
 #include <QPainter>
-#include <QHash>
 #include <QPainterPath>
 #include <cmath>
 
@@ -50,7 +50,8 @@ QString oneDecimal(double value)
 
 } // namespace
 
-ForecastPainter::ForecastPainter(const WeatherForecast &forecast, const QDateTime &now, const ForecastStyle &style)
+ForecastPainter::ForecastPainter(const WeatherForecast &forecast, const QDateTime &now,
+                                 const ForecastStyle &style)
     : m_forecast(forecast), m_now(now), m_style(style), m_hours(forecast.hoursFrom(now)),
       m_days(forecast.daysFrom(now)), m_today(forecast.local(now.toUTC()).date())
 {
@@ -164,7 +165,8 @@ void ForecastPainter::paintEmpty(QPainter &p, const QRectF &area)
 {
     p.setPen(ink(0.75));
     p.setFont(sized(m_style.font, qMin(area.height() / 8, area.width() / 22)));
-    p.drawText(area, Qt::AlignCenter | Qt::TextWordWrap, QObject::tr("No forecast from this weather source yet"));
+    p.drawText(area, Qt::AlignCenter | Qt::TextWordWrap,
+               QObject::tr("No forecast from this weather source yet"));
 }
 
 void ForecastPainter::paintHourMarks(QPainter &p)
@@ -292,8 +294,8 @@ void ForecastPainter::paintDays(QPainter &p)
 }
 
 ForecastPainter::CellFonts::CellFonts(const ForecastStyle &style, qreal line)
-    : text(sized(style.font, line * 0.78)), bold(sized(style.font, line * 0.8, true)), symbol(style.glyphFamily),
-      textMetrics(text), boldMetrics(bold), symbolMetrics(symbol)
+    : text(sized(style.font, line * 0.78)), bold(sized(style.font, line * 0.8, true)),
+      symbol(style.glyphFamily), textMetrics(text), boldMetrics(bold), symbolMetrics(symbol)
 {
     symbol.setPixelSize(qMax(8, int(line * 1.5)));
     symbolMetrics = QFontMetricsF(symbol);
@@ -353,10 +355,12 @@ void ForecastPainter::paintBrief(QPainter &p, const QRectF &area, int days)
         const QRectF texts(symbolBox.right(), cell.center().y() - text * 1.25, width * 0.5, text * 2.5);
         p.setPen(ink(1.0));
         p.setFont(fonts.bold);
-        centred(p, fonts.boldMetrics, texts.adjusted(0, 0, 0, -texts.height() / 2), temperature(day.highCelsius));
+        centred(p, fonts.boldMetrics, texts.adjusted(0, 0, 0, -texts.height() / 2),
+                temperature(day.highCelsius));
         p.setFont(fonts.text);
         p.setPen(ink(0.75));
-        centred(p, fonts.textMetrics, texts.adjusted(0, texts.height() / 2, 0, 0), temperature(day.lowCelsius));
+        centred(p, fonts.textMetrics, texts.adjusted(0, texts.height() / 2, 0, 0),
+                temperature(day.lowCelsius));
     }
     p.restore();
 }
@@ -390,8 +394,9 @@ QString ForecastPainter::describeAt(const QPointF &point) const
     const int day = dayIndexAt(point);
     if (day >= 0) {
         const ForecastDay &d = m_days.at(day);
-        QString text = QLocale().toString(d.date, QStringLiteral("dddd d MMMM")) + QLatin1Char('\n') +
-                       QObject::tr("High %1, low %2").arg(temperature(d.highCelsius), temperature(d.lowCelsius));
+        QString text =
+            QLocale().toString(d.date, QStringLiteral("dddd d MMMM")) + QLatin1Char('\n') +
+            QObject::tr("High %1, low %2").arg(temperature(d.highCelsius), temperature(d.lowCelsius));
         if (!std::isnan(d.rainMm))
             text += QLatin1Char('\n') + QObject::tr("Rain %1").arg(rain(d.rainMm));
         if (d.rainChance >= 0)

@@ -73,10 +73,10 @@ private:
         QFontMetricsF symbolMetrics;
     };
     void paintDays(QPainter &p);
-    void paintDayCell(QPainter &p, const QRectF &cell, const ForecastDay &day, qreal line, const CellFonts &fonts);
+    void paintDayCell(QPainter &p, const QRectF &cell, const ForecastDay &day, qreal line,
+                      const CellFonts &fonts);
     void paintSymbol(QPainter &p, const QRectF &box, int code, const CellFonts &fonts) const;
     QColor ink(qreal alpha) const;
-
 
     WeatherForecast m_forecast;
     QDateTime m_now;
@@ -88,7 +88,7 @@ private:
     QRectF m_chart;    // the curve's box
     QRectF m_rainBand; // the rain bars' box, at the chart's foot
     QRectF m_dayRow;
-    double m_low = 0;  // the chart's temperature range, in the shown unit
+    double m_low = 0; // the chart's temperature range, in the shown unit
     double m_high = 1;
     double m_rainTop = 1;
 };

@@ -84,7 +84,8 @@ QList<ForecastHour> openMeteoHours(const QJsonObject &root, int offset)
         if (code.at(i).isDouble()) {
             // Without is_day, the place's daytime hours count as day.
             const int localHour = hour.time.toOffsetFromUtc(offset).time().hour();
-            const bool day = isDay.at(i).isDouble() ? isDay.at(i).toInt() != 0 : localHour >= 6 && localHour < 18;
+            const bool day =
+                isDay.at(i).isDouble() ? isDay.at(i).toInt() != 0 : localHour >= 6 && localHour < 18;
             hour.code = ConditionFromWmo(code.at(i).toInt(), day).code;
         }
         hour.rainChance = chanceAt(chance, i);
@@ -195,8 +196,10 @@ WeatherForecast ParseMetNoForecast(const QJsonObject &root, int utcOffsetSeconds
     QDateTime coveredUntil; // six-hour amounts count only where no hourly one did
     for (const QJsonValue &entry : series) {
         ForecastHour hour;
-        hour.time = QDateTime::fromString(entry.toObject().value(QLatin1String("time")).toString(), Qt::ISODate);
-        if (!hour.time.isValid() || (!forecast.hours.isEmpty() && hour.time.toUTC() <= forecast.hours.last().time))
+        hour.time =
+            QDateTime::fromString(entry.toObject().value(QLatin1String("time")).toString(), Qt::ISODate);
+        if (!hour.time.isValid() ||
+            (!forecast.hours.isEmpty() && hour.time.toUTC() <= forecast.hours.last().time))
             continue;
         hour.time = hour.time.toUTC();
         hour.celsius = detail(entry, "instant", "air_temperature");

@@ -31,10 +31,10 @@ void ForecastView::setStyle(const ForecastStyle &style)
 void ForecastView::setNow(const QDateTime &now)
 {
     const ForecastPainter next(m_forecast, now, m_style);
-    const bool same = next.hours().size() == m_painter->hours().size() &&
-                      next.days().size() == m_painter->days().size() &&
-                      (next.hours().isEmpty() || next.hours().first().time == m_painter->hours().first().time) &&
-                      (next.days().isEmpty() || next.days().first().date == m_painter->days().first().date);
+    const bool same =
+        next.hours().size() == m_painter->hours().size() && next.days().size() == m_painter->days().size() &&
+        (next.hours().isEmpty() || next.hours().first().time == m_painter->hours().first().time) &&
+        (next.days().isEmpty() || next.days().first().date == m_painter->days().first().date);
     m_now = now;
     if (!same)
         rebuild();

@@ -132,7 +132,8 @@ bool WeatherForecast::operator==(const WeatherForecast &other) const
         const ForecastHour &a = hours.at(i);
         const ForecastHour &b = other.hours.at(i);
         if (a.time != b.time || !sameNumber(a.celsius, b.celsius) || a.code != b.code ||
-            a.rainChance != b.rainChance || !sameNumber(a.rainMm, b.rainMm) || !sameNumber(a.windKmh, b.windKmh))
+            a.rainChance != b.rainChance || !sameNumber(a.rainMm, b.rainMm) ||
+            !sameNumber(a.windKmh, b.windKmh))
             return false;
     }
     for (qsizetype i = 0; i < days.size(); ++i) {

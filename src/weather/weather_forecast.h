@@ -14,8 +14,8 @@ struct ForecastHour
 {
     QDateTime time; // UTC, the start of the hour
     double celsius = qQNaN();
-    int code = 3200;      // classic condition code
-    int rainChance = -1;  // percent
+    int code = 3200;     // classic condition code
+    int rainChance = -1; // percent
     double rainMm = qQNaN();
     double windKmh = qQNaN();
 };
@@ -35,8 +35,8 @@ struct WeatherForecast
     static constexpr int HoursShown = 48;
     static constexpr int DaysShown = 7;
 
-    int utcOffsetSeconds = 0; // the place's offset from UTC when the forecast was made
-    QString timeZone;         // "Europe/London"; empty when the source did not say
+    int utcOffsetSeconds = 0;  // the place's offset from UTC when the forecast was made
+    QString timeZone;          // "Europe/London"; empty when the source did not say
     QList<ForecastHour> hours; // in time order
     QList<ForecastDay> days;   // in date order
 

@@ -7,7 +7,8 @@ namespace {
 constexpr int ReasonLength = 40;
 
 // The network errors (QNetworkReply's numbers) that mean no server was reached.
-enum NetworkError {
+enum NetworkError
+{
     ConnectionRefused = 1,
     HostNotFound = 3,
     Timeout = 4,
@@ -60,5 +61,6 @@ WeatherProblem DescribeWeatherFailure(int errorNumber, const QString &descriptio
     if (errorNumber == 404)
         return {QStringLiteral("Place not found"), false};
     const QString reason = reasonOf(description);
-    return {reason.isEmpty() ? QStringLiteral("Source refused") : QStringLiteral("Source refused: ") + reason, false};
+    return {reason.isEmpty() ? QStringLiteral("Source refused") : QStringLiteral("Source refused: ") + reason,
+            false};
 }

@@ -100,8 +100,8 @@ void TestWeatherForecast::sourceReplies_data()
         << "openmeteo_forecast_missing_fields.json" << NoOffset << noon << 48 << noon << "14:00" << NaN << 26
         << -1 << 0.0 << NaN << 7 << QDate(2024, 5, 18) << 26 << 17.2 << 6.0 << 4.8 << -1;
     QTest::newRow("Open-Meteo, three days only, in Celsius")
-        << "openmeteo_forecast_three_days.json" << NoOffset << noon << 48 << noon << "08:00" << 21.5 << 32 << 0
-        << 0.0 << 10.0 << 3 << QDate(2024, 5, 18) << 26 << 21.5 << 6.0 << 4.8 << 60;
+        << "openmeteo_forecast_three_days.json" << NoOffset << noon << 48 << noon << "08:00" << 21.5 << 32
+        << 0 << 0.0 << 10.0 << 3 << QDate(2024, 5, 18) << 26 << 21.5 << 6.0 << 4.8 << 60;
     // Local hours of a half-hour zone start at half past in UTC.
     QTest::newRow("Open-Meteo, half an hour off UTC")
         << "openmeteo_forecast_kolkata.json" << NoOffset << utc("2024-05-18T12:40:00Z") << 48
@@ -118,9 +118,9 @@ void TestWeatherForecast::sourceReplies_data()
     QTest::newRow("met.no, the same series across the date line")
         << "metno_forecast_oslo.json" << 46800 << noon << 48 << noon << "01:00" << 14.0 << 11 << -1 << 0.4
         << 14.4 << 6 << QDate(2024, 5, 19) << 30 << 15.0 << 5.0 << 4.9 << -1;
-    QTest::newRow("met.no, in UTC")
-        << "metno_forecast_oslo.json" << 0 << noon << 48 << noon << "12:00" << 14.0 << 11 << -1 << 0.4 << 14.4
-        << 6 << QDate(2024, 5, 18) << 32 << 15.0 << 6.5 << 0.4 << -1;
+    QTest::newRow("met.no, in UTC") << "metno_forecast_oslo.json" << 0 << noon << 48 << noon << "12:00"
+                                    << 14.0 << 11 << -1 << 0.4 << 14.4 << 6 << QDate(2024, 5, 18) << 32
+                                    << 15.0 << 6.5 << 0.4 << -1;
 }
 
 void TestWeatherForecast::sourceReplies()
@@ -203,21 +203,23 @@ void TestWeatherForecast::damagedBlock_data()
     QTest::addColumn<int>("days");
     QTest::addColumn<int>("offset");
     const QByteArray good = "H 2024-05-18T12:00Z 15.0 26 10 0.0 12.0\n";
-    QTest::newRow("whole") << QByteArray("<forecast offset=\"3600\" zone=\"Europe/London\">\n" + good +
-                                         "H 2024-05-18T13:00Z 16.0 26 - - -\nD 2024-05-18 26 17.0 9.0 1.0 40\n"
-                                         "</forecast>")
+    QTest::newRow("whole") << QByteArray(
+                                  "<forecast offset=\"3600\" zone=\"Europe/London\">\n" + good +
+                                  "H 2024-05-18T13:00Z 16.0 26 - - -\nD 2024-05-18 26 17.0 9.0 1.0 40\n"
+                                  "</forecast>")
                            << 2 << 1 << 3600;
     QTest::newRow("no end") << QByteArray("<forecast offset=\"3600\">\n" + good) << 0 << 0 << 0;
     QTest::newRow("no block") << QByteArray("<rss><item></item></rss>") << 0 << 0 << 0;
     QTest::newRow("short and bad lines skipped")
-        << QByteArray("<forecast offset=\"0\">\nH 2024-05-18T11:00Z 1\nH yesterday 1 2 3 4 5\nX 1 2 3 4 5 6\n" +
-                      good + "D 2024-13-40 26 1 1 1 1\n</forecast>")
+        << QByteArray(
+               "<forecast offset=\"0\">\nH 2024-05-18T11:00Z 1\nH yesterday 1 2 3 4 5\nX 1 2 3 4 5 6\n" +
+               good + "D 2024-13-40 26 1 1 1 1\n</forecast>")
         << 1 << 0 << 0;
     QTest::newRow("hours out of order skipped")
-        << QByteArray("<forecast offset=\"0\">\n" + good + "H 2024-05-18T10:00Z 1 26 1 1 1\n</forecast>") << 1 << 0
-        << 0;
-    QTest::newRow("offset beyond any zone") << QByteArray("<forecast offset=\"999999\">\n" + good + "</forecast>")
-                                            << 1 << 0 << 0;
+        << QByteArray("<forecast offset=\"0\">\n" + good + "H 2024-05-18T10:00Z 1 26 1 1 1\n</forecast>") << 1
+        << 0 << 0;
+    QTest::newRow("offset beyond any zone")
+        << QByteArray("<forecast offset=\"999999\">\n" + good + "</forecast>") << 1 << 0 << 0;
 }
 
 void TestWeatherForecast::damagedBlock()
@@ -248,7 +250,8 @@ void TestWeatherForecast::feedWithForecastReadsTheSame()
     CurrentConditions bare = *now;
     bare.forecast = {};
     const QString host = QStringLiteral("weather.vantora.invalid");
-    const QByteArray with = RenderFeedDocument(QStringLiteral("London"), QStringLiteral("United Kingdom"), *now, host);
+    const QByteArray with =
+        RenderFeedDocument(QStringLiteral("London"), QStringLiteral("United Kingdom"), *now, host);
     const QByteArray without =
         RenderFeedDocument(QStringLiteral("London"), QStringLiteral("United Kingdom"), bare, host);
     WeatherFeedParser a;
@@ -273,13 +276,14 @@ void TestWeatherForecast::feedTextEncoding_data()
     QTest::newRow("8-bit, declared ISO-8859-1")
         << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>" + zurich8) << QByteArray()
         << QStringLiteral("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>") + zurich;
-    QTest::newRow("Windows-1252 quotes and euro") << QByteArray("\x93" "5 \x80\x97") << QByteArray()
-                                                  << QStringLiteral("\u201C5 \u20AC\u2014");
+    QTest::newRow("Windows-1252 quotes and euro") << QByteArray("\x93"
+                                                                "5 \x80\x97")
+                                                  << QByteArray() << QStringLiteral("\u201C5 \u20AC\u2014");
     QTest::newRow("declared UTF-8") << QByteArray("<?xml version='1.0' encoding='utf-8'?>" + zurichUtf8)
                                     << QByteArray("text/xml")
                                     << QStringLiteral("<?xml version='1.0' encoding='utf-8'?>") + zurich;
-    QTest::newRow("UTF-8 in the Content-Type") << zurichUtf8 << QByteArray("application/rss+xml; charset=\"UTF-8\"")
-                                               << zurich;
+    QTest::newRow("UTF-8 in the Content-Type")
+        << zurichUtf8 << QByteArray("application/rss+xml; charset=\"UTF-8\"") << zurich;
     QTest::newRow("8-bit Content-Type, UTF-8 declaration")
         << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>" + zurichUtf8)
         << QByteArray("text/xml; charset=iso-8859-1")
@@ -302,16 +306,20 @@ void TestWeatherForecast::failureLines_data()
     QTest::addColumn<QString>("description");
     QTest::addColumn<QString>("line");
     QTest::addColumn<bool>("offline");
-    QTest::newRow("refused connection") << 1 << "Connection refused" << "Offline: no network" << true;
-    QTest::newRow("host not found") << 3 << "Host not found" << "Offline: no network" << true;
+    QTest::newRow("refused connection") << 1 << "Connection refused"
+                                        << "Offline: no network" << true;
+    QTest::newRow("host not found") << 3 << "Host not found"
+                                    << "Offline: no network" << true;
     QTest::newRow("built-in source, nothing reached")
-        << 7 << "Open-Meteo: server not found; met.no: server not found." << "Offline: no network" << true;
-    QTest::newRow("given up waiting") << 0 << "did not answer" << "No answer from the weather source" << true;
+        << 7 << "Open-Meteo: server not found; met.no: server not found."
+        << "Offline: no network" << true;
+    QTest::newRow("given up waiting") << 0 << "did not answer"
+                                      << "No answer from the weather source" << true;
     QTest::newRow("no such place") << 404 << "No coordinates are known for the place XXXX0001."
                                    << "Place not found" << false;
-    QTest::newRow("sources refused")
-        << 503 << "Open-Meteo: too many requests (429); met.no: access refused (403)."
-        << "Source refused: too many requests (429)" << false;
+    QTest::newRow("sources refused") << 503
+                                     << "Open-Meteo: too many requests (429); met.no: access refused (403)."
+                                     << "Source refused: too many requests (429)" << false;
     QTest::newRow("host refused") << 403 << "The server refused access (403)."
                                   << "Source refused: The server refused access (403)" << false;
     QTest::newRow("long reason cut")
@@ -334,14 +342,16 @@ void TestWeatherForecast::valuesUnderThePointer_data()
     QTest::addColumn<QPointF>("point");
     QTest::addColumn<QStringList>("parts");
     // 600 x 300: the chart's first hour at the left, the day row at the foot.
-    QTest::newRow("first hour, Celsius") << false << QPointF(3, 40)
-                                         << QStringList{"13:00", "15\u00B0", "0.4 mm", "40%", "14 km/h"};
-    QTest::newRow("first hour, Fahrenheit") << true << QPointF(3, 40)
-                                            << QStringList{"13:00", "59\u00B0", "0.02 in", "9 mph"};
-    QTest::newRow("an hour later") << false << QPointF(3 + 600.0 / 48, 40) << QStringList{"14:00", "18\u00B0"};
-    QTest::newRow("first day") << false << QPointF(40, 280) << QStringList{"High 18\u00B0, low 6\u00B0", "5.2 mm", "60%"};
-    QTest::newRow("second day, Fahrenheit") << true << QPointF(600.0 / 7 + 10, 280)
-                                            << QStringList{"High 65\u00B0, low 43\u00B0"};
+    QTest::newRow("first hour, Celsius")
+        << false << QPointF(3, 40) << QStringList{"13:00", "15\u00B0", "0.4 mm", "40%", "14 km/h"};
+    QTest::newRow("first hour, Fahrenheit")
+        << true << QPointF(3, 40) << QStringList{"13:00", "59\u00B0", "0.02 in", "9 mph"};
+    QTest::newRow("an hour later") << false << QPointF(3 + 600.0 / 48, 40)
+                                   << QStringList{"14:00", "18\u00B0"};
+    QTest::newRow("first day") << false << QPointF(40, 280)
+                               << QStringList{"High 18\u00B0, low 6\u00B0", "5.2 mm", "60%"};
+    QTest::newRow("second day, Fahrenheit")
+        << true << QPointF(600.0 / 7 + 10, 280) << QStringList{"High 65\u00B0, low 43\u00B0"};
 }
 
 void TestWeatherForecast::valuesUnderThePointer()
@@ -366,10 +376,12 @@ void TestWeatherForecast::hourMarksFollowThePlacesClock_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QDateTime>("now");
     QTest::addColumn<QString>("localTime");
-    QTest::newRow("whole-hour zone") << "openmeteo_forecast_london.json" << utc("2024-05-18T12:00:00Z") << "13:00";
-    QTest::newRow("half-hour zone") << "openmeteo_forecast_kolkata.json" << utc("2024-05-18T12:40:00Z") << "18:00";
-    QTest::newRow("across the date line") << "openmeteo_forecast_apia.json" << utc("2024-05-18T12:00:00Z")
-                                          << "01:00";
+    QTest::newRow("whole-hour zone") << "openmeteo_forecast_london.json" << utc("2024-05-18T12:00:00Z")
+                                     << "13:00";
+    QTest::newRow("half-hour zone") << "openmeteo_forecast_kolkata.json" << utc("2024-05-18T12:40:00Z")
+                                    << "18:00";
+    QTest::newRow("across the date line")
+        << "openmeteo_forecast_apia.json" << utc("2024-05-18T12:00:00Z") << "01:00";
 }
 
 void TestWeatherForecast::hourMarksFollowThePlacesClock()
@@ -390,9 +402,10 @@ void TestWeatherForecast::drawingShowsTheCurveAndTheDays_data()
     QTest::addColumn<int>("metNoOffset");
     QTest::addColumn<QSize>("size");
     QTest::addColumn<qreal>("ratio");
-    QTest::newRow("Open-Meteo, wide") << "openmeteo_forecast_london.json" << NoOffset << QSize(600, 300) << 1.0;
-    QTest::newRow("Open-Meteo, widget size at 2x") << "openmeteo_forecast_london.json" << NoOffset
-                                                   << QSize(340, 230) << 2.0;
+    QTest::newRow("Open-Meteo, wide")
+        << "openmeteo_forecast_london.json" << NoOffset << QSize(600, 300) << 1.0;
+    QTest::newRow("Open-Meteo, widget size at 2x")
+        << "openmeteo_forecast_london.json" << NoOffset << QSize(340, 230) << 2.0;
     QTest::newRow("met.no, three-day source") << "metno_forecast_oslo.json" << 7200 << QSize(340, 230) << 1.0;
 }
 
@@ -423,7 +436,8 @@ void TestWeatherForecast::drawingShowsTheCurveAndTheDays()
     // (The curve runs from the middle of the first hour to the middle of the last.)
     const qreal hour = chart.width() / WeatherForecast::HoursShown;
     for (qreal x = chart.left() + hour; x < chart.right() - hour; x += chart.width() / 25)
-        QVERIFY2(strong(x, chart.top(), chart.bottom()), qPrintable(QStringLiteral("no curve at x %1").arg(x)));
+        QVERIFY2(strong(x, chart.top(), chart.bottom()),
+                 qPrintable(QStringLiteral("no curve at x %1").arg(x)));
     // Each day cell has its texts.
     const qreal cell = size.width() / qreal(WeatherForecast::DaysShown);
     for (qsizetype day = 0; day < painter.days().size(); ++day) {

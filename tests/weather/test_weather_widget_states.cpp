@@ -202,8 +202,8 @@ void TestWeatherWidgetStates::feedTextIsDecodedAsDeclared_data()
     QTest::addColumn<QByteArray>("declaration");
     QTest::addColumn<QByteArray>("contentType");
     QTest::addColumn<bool>("utf8");
-    QTest::newRow("declared ISO-8859-1") << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>")
-                                         << QByteArray("text/xml") << false;
+    QTest::newRow("declared ISO-8859-1")
+        << QByteArray("<?xml version=\"1.0\" encoding=\"ISO-8859-1\"?>") << QByteArray("text/xml") << false;
     QTest::newRow("no declaration") << QByteArray() << QByteArray("text/xml") << false;
     QTest::newRow("declared UTF-8") << QByteArray("<?xml version=\"1.0\" encoding=\"UTF-8\"?>")
                                     << QByteArray("text/xml") << true;
@@ -217,8 +217,11 @@ void TestWeatherWidgetStates::feedTextIsDecodedAsDeclared()
     QFETCH(bool, utf8);
     const QString zurich = QStringLiteral("Z\u00FCrich");
     const QByteArray place = utf8 ? zurich.toUtf8() : zurich.toLatin1();
-    const QByteArray feed = declaration + "\n<rss version=\"2.0\"><channel><item><title><![CDATA["
-                                          "Current Weather Conditions In " + place + ", Switzerland]]></title>"
+    const QByteArray feed = declaration +
+                            "\n<rss version=\"2.0\"><channel><item><title><![CDATA["
+                            "Current Weather Conditions In " +
+                            place +
+                            ", Switzerland]]></title>"
                             "<description><![CDATA[<img src=\"http://feed/images/26.gif?a=1\" alt=\"\" /> "
                             "Cloudy, and 57 F. <br/>For more details see the source.]]></description></item>"
                             "</channel></rss>";
@@ -293,8 +296,10 @@ void TestWeatherWidgetStates::labelsFitTheirText()
         if (label->isHidden() || label->text().isEmpty())
             continue;
         const int needed = QFontMetrics(label->font()).horizontalAdvance(label->text());
-        QVERIFY2(needed <= label->width(),
-                 qPrintable(QStringLiteral("%1 \"%2\" needs %3 of %4").arg(name, label->text()).arg(needed).arg(label->width())));
+        QVERIFY2(needed <= label->width(), qPrintable(QStringLiteral("%1 \"%2\" needs %3 of %4")
+                                                          .arg(name, label->text())
+                                                          .arg(needed)
+                                                          .arg(label->width())));
         QVERIFY2(label->geometry().bottom() <= widget.panel()->height(), name);
     }
     WeatherStation::shared()->downloader()->DownloadCancel();
@@ -317,8 +322,9 @@ void TestWeatherWidgetStates::loadCountryClearsThePlace()
     dialog.findChild<QPushButton *>(QStringLiteral("btnLOCATE"))->click();
     QCOMPARE(Label(&dialog, "lblSTATUS")->text(), QStringLiteral("Choose a city or town first."));
     QCOMPARE(WeatherStation::shared()->locationCode(), before);
-    QCOMPARE(ReadDetail(QStringLiteral("fwth_SET"), QStringLiteral("Weather location-country-name"), QString()),
-             QString());
+    QCOMPARE(
+        ReadDetail(QStringLiteral("fwth_SET"), QStringLiteral("Weather location-country-name"), QString()),
+        QString());
     QTest::qWait(50);
     QCOMPARE(m_server->requests().size(), 0);
 }
@@ -343,8 +349,8 @@ void TestWeatherWidgetStates::creditNamesTheSourceUsed()
     openMeteo.body = recorded(QStringLiteral("openmeteo_forecast_london.json"));
     openMeteo.contentType = "application/json";
     m_server->setResponse("/v1/forecast", openMeteo);
-    m_server->setBody("/weatherapi/locationforecast/2.0/compact", recorded(QStringLiteral("metno_forecast_oslo.json")),
-                      "application/json");
+    m_server->setBody("/weatherapi/locationforecast/2.0/compact",
+                      recorded(QStringLiteral("metno_forecast_oslo.json")), "application/json");
     m_server->setBody(kLondonPath, LondonFeed(), "application/rss+xml");
     LiveWeatherAdapter::shared()->clearCacheForTesting();
     LiveWeatherAdapter::shared()->setSourceAddressesForTesting(m_server->url({}), m_server->url({}));
