@@ -2,6 +2,7 @@
 
 #include "core/clock_source.h"
 
+#include <QHelpEvent>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -95,12 +96,30 @@ void ForecastView::mouseMoveEvent(QMouseEvent *event)
         m_hoverX = x;
         update();
     }
-    const QString text = m_painter->describeAt(at);
-    if (text.isEmpty())
-        QToolTip::hideText();
-    else
-        QToolTip::showText(event->globalPosition().toPoint(), text, this);
+    // An open tooltip follows the pointer with the values under it.
+    if (QToolTip::isVisible()) {
+        const QString text = m_painter->describeAt(at);
+        if (text.isEmpty())
+            QToolTip::hideText();
+        else
+            QToolTip::showText(event->globalPosition().toPoint(), text, this);
+    }
     QWidget::mouseMoveEvent(event);
+}
+
+bool ForecastView::event(QEvent *event)
+{
+    // The values under the pointer, and never the panel's own tooltip behind the view.
+    if (event->type() == QEvent::ToolTip) {
+        const auto *help = static_cast<QHelpEvent *>(event);
+        const QString text = describeAt(help->pos());
+        if (text.isEmpty())
+            QToolTip::hideText();
+        else
+            QToolTip::showText(help->globalPos(), text, this);
+        return true;
+    }
+    return QWidget::event(event);
 }
 
 void ForecastView::leaveEvent(QEvent *event)

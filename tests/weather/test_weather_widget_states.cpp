@@ -12,14 +12,17 @@
 #include "weather/weather_station.h"
 #include "weather/weather_widget.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QFile>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QSignalSpy>
 #include <QTcpServer>
 #include <QTest>
+#include <QToolTip>
 
 namespace {
 
@@ -255,6 +258,14 @@ void TestWeatherWidgetStates::forecastPanelOpensWithTheWidget()
         QVERIFY2(first.contains(QStringLiteral("13:00")) && first.contains(QStringLiteral("15\u00B0")),
                  qPrintable(first));
         QCOMPARE(widget.forecastView()->painter().days().size(), 7);
+        // The tooltip there gives those values, not the panel's own tooltip behind the view.
+        widget.show();
+        QVERIFY(QTest::qWaitForWindowExposed(&widget));
+        ForecastView *view = widget.forecastView();
+        QHelpEvent help(QEvent::ToolTip, QPoint(6, 20), view->mapToGlobal(QPoint(6, 20)));
+        QApplication::sendEvent(view, &help);
+        QTRY_VERIFY2(QToolTip::text().contains(QStringLiteral("13:00")), qPrintable(QToolTip::text()));
+        QToolTip::hideText();
         // The same request brought the forecast: nothing more was asked for it.
         QCOMPARE(m_server->requestCount(kLondonPath), 1);
     }
