@@ -428,7 +428,7 @@ void TestWeatherForecast::drawingShowsTheCurveAndTheDays()
     // chart's width has some of the curve in it.
     const auto strong = [&image, ratio](qreal x, qreal top, qreal bottom) {
         for (int y = int(top * ratio); y < int(bottom * ratio); ++y)
-            if (qAlpha(image.pixel(int(x * ratio), y)) > 150)
+            if (qAlpha(image.pixel(int(x * ratio), y)) > 200)
                 return true;
         return false;
     };
