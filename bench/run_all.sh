@@ -4,7 +4,7 @@
 set -euo pipefail
 
 build=${1:-build}
-cmake --build "$build" --target startup_bench paint_bench notes_file_bench notes_layout_bench spell_bench spell_list print_bench catalogue_bench whiteboard_bench vantora
+cmake --build "$build" --target startup_bench paint_bench notes_file_bench notes_layout_bench spell_bench spell_list print_bench catalogue_bench whiteboard_bench forecast_bench vantora
 
 echo "== Start-up to the first painted frame beside a bare Qt label window, on the X server =="
 "$(dirname "$0")/launch_vs_bare_qt.sh" "$build"
@@ -44,6 +44,10 @@ QT_QPA_PLATFORM=offscreen "$build/bin/whiteboard_bench"
 echo
 echo "== Calendar: month turns, page repaints, drawing frames and saves at 1400x900 =="
 QT_QPA_PLATFORM=offscreen "$build/bin/calendar_bench"
+
+echo
+echo "== Weather forecast panel: 48 hours and 7 days drawn at 340x230, 700x420 and at 2x =="
+QT_QPA_PLATFORM=offscreen "$build/bin/forecast_bench"
 
 echo
 echo "== Idle: dashboard, clock, stopwatch, timer and calculator under Xvfb (60 s) =="

@@ -17,7 +17,7 @@ if [ ! -f "$build/CMakeCache.txt" ]; then
   cmake -S . -B "$build" -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DCMAKE_BUILD_TYPE=RelWithDebInfo \
     -DVANTORA_FUZZ=ON -DVANTORA_BUILD_TESTS=OFF -DVANTORA_BUILD_BENCH=OFF >/dev/null
 fi
-targets=${*:-"fuzz_settings_file fuzz_preset_file fuzz_version_reply fuzz_rtf_reader fuzz_launch_request"}
+targets=${*:-"fuzz_settings_file fuzz_preset_file fuzz_version_reply fuzz_rtf_reader fuzz_launch_request fuzz_weather_forecast"}
 # shellcheck disable=SC2086
 cmake --build "$build" --target $targets
 
@@ -33,6 +33,7 @@ seeds_for() {
     fuzz_version_reply) cp fuzz/seeds/version/* "$dir" ;;
     fuzz_rtf_reader) find tests/data/rtf -name '*.rtf' | while read -r f; do cp "$f" "$dir/$(echo "$f" | tr / _)"; done ;;
     fuzz_launch_request) cp fuzz/seeds/launch/* "$dir" ;;
+    fuzz_weather_forecast) cp fuzz/seeds/forecast/* tests/weather/data/*.json "$dir" ;;
   esac
   echo "$dir"
 }

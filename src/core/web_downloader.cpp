@@ -207,7 +207,7 @@ void WebDownloader::onNetworkFinished(QNetworkReply *reply)
     else if (reply->error() != QNetworkReply::NoError)
         fail(reply->error(), describeNetworkError(reply));
     else
-        complete(data);
+        complete(data, reply->header(QNetworkRequest::ContentTypeHeader).toByteArray());
 }
 
 void WebDownloader::onInProcessFinished(InProcessReply *reply)
@@ -230,8 +230,9 @@ void WebDownloader::settle()
     m_requestKey = 0;
 }
 
-void WebDownloader::complete(const QByteArray &data)
+void WebDownloader::complete(const QByteArray &data, const QByteArray &contentType)
 {
+    m_contentType = contentType;
     if (data.size() > m_replyLimit) {
         failTooLarge();
         return;

@@ -51,6 +51,9 @@ public:
     void setExtraHeaders(const QList<QPair<QByteArray, QByteArray>> &headers) { m_extraHeaders = headers; }
 
     QByteArray DataBytes() const { return m_data; }
+    // The last completed reply's Content-Type header (it may name the text's encoding); empty
+    // when the reply had none.
+    QByteArray ContentType() const { return m_contentType; }
     int Duration() const { return m_duration; }
     bool StatusBusy() const { return m_requestKey != 0; }
     // Milliseconds since the system started, taken when the running read began; 0 when idle.
@@ -78,7 +81,7 @@ private:
     void onInProcessFinished(InProcessReply *reply);
     // Ends the running read: duration measured, key back to 0.
     void settle();
-    void complete(const QByteArray &data);
+    void complete(const QByteArray &data, const QByteArray &contentType = {});
     void fail(int errorNumber, const QString &description);
     void failTooLarge();
 
@@ -87,6 +90,7 @@ private:
     QPointer<InProcessReply> m_inProcess;
     QElapsedTimer m_started;
     QByteArray m_data;
+    QByteArray m_contentType;
     QList<QPair<QByteArray, QByteArray>> m_extraHeaders;
     qint64 m_replyLimit;
     quint32 m_requestKey = 0;

@@ -1,7 +1,12 @@
 #include "shell/dashboard_tile.h"
 
 #include "core/widget_index.h"
+#include "core/clock_source.h"
+#include "core/shipped_data.h"
 #include "themes/widget_glyphs.h"
+#include "weather/forecast_painter.h"
+#include "weather/weather_settings.h"
+#include "weather/weather_station.h"
 
 #include <QKeyEvent>
 #include <QPainter>
@@ -15,6 +20,9 @@ DashboardTile::DashboardTile(int widgetIndex, QWidget *parent) : QAbstractButton
     setCursor(Qt::PointingHandCursor);
     setAttribute(Qt::WA_Hover);
     updateDescription();
+    // The weather's tile shows the days ahead in brief once there is a forecast.
+    if (m_index == WidgetWeather)
+        connect(WeatherStation::shared(), &WeatherStation::forecastChanged, this, qOverload<>(&QWidget::update));
 }
 
 void DashboardTile::setSelected(bool selected)
@@ -77,6 +85,24 @@ void DashboardTile::updateDescription()
     setAccessibleDescription(m_detail.isEmpty() ? state : state + QStringLiteral(": ") + m_detail);
 }
 
+bool DashboardTile::paintWeatherBrief(QPainter &p, const QRectF &area, const QColor &ink) const
+{
+    if (m_index != WidgetWeather || !m_available)
+        return false;
+    const QDateTime now = ClockSource::now();
+    const WeatherForecast &forecast = WeatherStation::shared()->forecast();
+    if (forecast.daysFrom(now, 1).isEmpty())
+        return false;
+    ForecastStyle style;
+    style.ink = ink;
+    style.font = font();
+    style.glyphFamily = ShippedData::weatherFontFamily();
+    style.fahrenheit = WeatherSettings::load().fahrenheit;
+    // Two days fit a tile at a size that reads: today and tomorrow.
+    ForecastPainter(forecast, now, style).paintBrief(p, area, 2);
+    return true;
+}
+
 QSize DashboardTile::sizeHint() const
 {
     const QFontMetrics fm(font());
@@ -126,7 +152,9 @@ void DashboardTile::paintEvent(QPaintEvent *)
     const qreal glyphSide = qMin(box.width(), box.height()) * (m_detail.isEmpty() ? 0.42 : 0.34);
     const QRectF glyphBox(box.center().x() - glyphSide / 2, box.top() + fm.height() * 0.6, glyphSide,
                           glyphSide);
-    WidgetGlyphs::paint(p, m_index, glyphBox, content);
+    const QRectF briefBox(box.left() + 4, box.top() + 4, box.width() - 8, glyphBox.bottom() - box.top());
+    if (!paintWeatherBrief(p, briefBox, content))
+        WidgetGlyphs::paint(p, m_index, glyphBox, content);
 
     p.setPen(content);
     QFont nameFont = font();

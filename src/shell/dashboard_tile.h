@@ -2,6 +2,8 @@
 
 #include <QAbstractButton>
 
+class QPainter;
+
 // One widget's tile on the dashboard: its picture, its name and whether it is open. A click
 // selects the tile; a double click, Enter or Space opens or closes the widget; the arrow keys
 // move the selection.
@@ -47,6 +49,8 @@ protected:
 
 private:
     void updateDescription();
+    // The weather tile's brief forecast in place of its picture; false when there is none.
+    bool paintWeatherBrief(QPainter &p, const QRectF &area, const QColor &ink) const;
 
     int m_index;
     bool m_selected = false;

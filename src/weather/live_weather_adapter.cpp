@@ -5,6 +5,7 @@
 #include "core/in_process_host.h"
 #include "core/network_policy.h"
 #include "core/web_downloader.h"
+#include "weather/forecast_replies.h"
 #include "weather/location_catalogue.h"
 
 #include <QCoreApplication>
@@ -32,6 +33,8 @@ namespace {
 constexpr int UnreachedRetrySeconds = 60;
 constexpr int NotFoundError = 404;
 constexpr int SourcesFailedError = 503;
+// Neither source could be reached: the reader tells this apart as having no network.
+constexpr int UnreachedError = QNetworkReply::TemporaryNetworkFailureError;
 constexpr const char *RefusedProperty = "vantoraRefused";
 
 // The User-Agent of every source request: "Vantora/1.0.0 (+<contact>)". met.no refuses
@@ -244,7 +247,7 @@ void LiveWeatherAdapter::serve(const PlaceRecord &record, InProcessReply *reply,
     if (fromRecord)
         failure +=
             QStringLiteral(" Next try after %1.").arg(nextTry(record).toString(QStringLiteral("HH:mm")));
-    reply->fail(SourcesFailedError, failure);
+    reply->fail(record.unreached ? UnreachedError : SourcesFailedError, failure);
 }
 
 QNetworkReply *LiveWeatherAdapter::get(const QUrl &url, const QByteArray &ifModifiedSince)
@@ -274,15 +277,24 @@ void LiveWeatherAdapter::askOpenMeteo(const QString &code, const LocationCatalog
     query.addQueryItem(QStringLiteral("latitude"), coordinate(place.latitude));
     query.addQueryItem(QStringLiteral("longitude"), coordinate(place.longitude));
     query.addQueryItem(QStringLiteral("current"), QStringLiteral("temperature_2m,weather_code,is_day"));
+    // The hours and days ahead come in the same request, so the forecast costs no read of its own.
+    query.addQueryItem(QStringLiteral("hourly"),
+                       QStringLiteral("temperature_2m,weather_code,is_day,precipitation_probability,precipitation,"
+                                      "wind_speed_10m"));
+    query.addQueryItem(QStringLiteral("daily"),
+                       QStringLiteral("weather_code,temperature_2m_max,temperature_2m_min,precipitation_sum,"
+                                      "precipitation_probability_max"));
     query.addQueryItem(QStringLiteral("temperature_unit"), QStringLiteral("fahrenheit"));
     query.addQueryItem(QStringLiteral("timezone"), QStringLiteral("auto"));
-    query.addQueryItem(QStringLiteral("forecast_days"), QStringLiteral("1"));
+    query.addQueryItem(QStringLiteral("forecast_days"), QStringLiteral("7"));
     QNetworkReply *reply = get(sourceUrl(m_openMeteoBase, QStringLiteral("/v1/forecast"), query));
     connect(reply, &QNetworkReply::finished, this, [this, reply, code, place] {
         reply->deleteLater();
         const WeatherSourceResult result = readSourceReply(reply, ParseOpenMeteoReply);
-        if (result.conditions)
+        if (result.conditions) {
+            m_places[code].utcOffsetSeconds = result.conditions->forecast.utcOffsetSeconds;
             conclude(code, result, {});
+        }
         else
             askMetNo(code, place, result);
     });
@@ -303,7 +315,10 @@ void LiveWeatherAdapter::askMetNo(const QString &code, const LocationCatalogue::
     const QByteArray since = record.metNoConditions ? record.metNoLastModified : QByteArray();
     QNetworkReply *reply =
         get(sourceUrl(m_metNoBase, QStringLiteral("/weatherapi/locationforecast/2.0/compact"), query), since);
-    connect(reply, &QNetworkReply::finished, this, [this, reply, code, openMeteo] {
+    // met.no gives UTC times only: the place's days follow the offset Open-Meteo last gave,
+    // or its solar time.
+    const int offset = record.utcOffsetSeconds.value_or(SolarOffsetSeconds(place.longitude));
+    connect(reply, &QNetworkReply::finished, this, [this, reply, code, openMeteo, offset] {
         reply->deleteLater();
         PlaceRecord &record = m_places[code];
         const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
@@ -311,7 +326,9 @@ void LiveWeatherAdapter::askMetNo(const QString &code, const LocationCatalogue::
         if (status == 304 && record.metNoConditions)
             result.conditions = record.metNoConditions;
         else
-            result = readSourceReply(reply, ParseMetNoReply);
+            result = readSourceReply(reply, [offset](const QByteArray &body, QString *problem) {
+                return ParseMetNoReply(body, problem, offset);
+            });
         if (result.conditions) {
             record.metNoConditions = result.conditions;
             if (status != 304)

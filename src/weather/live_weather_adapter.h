@@ -77,6 +77,7 @@ private:
         std::optional<CurrentConditions> metNoConditions;
         QString name; // the place and region, as the catalogue has them
         QString region;
+        std::optional<int> utcOffsetSeconds; // the place's, as Open-Meteo last gave it
         bool busy = false;      // the sources are being asked
         QList<Waiting> waiting; // replies that wait for the sources
     };

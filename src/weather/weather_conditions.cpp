@@ -1,5 +1,7 @@
 #include "weather/weather_conditions.h"
 
+#include "weather/forecast_replies.h"
+
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -229,10 +231,11 @@ std::optional<CurrentConditions> ParseOpenMeteoReply(const QByteArray &json, QSt
     const ClassicCondition condition = ConditionFromWmo(code.toInt(), day);
     now.code = condition.code;
     now.text = condition.text;
+    now.forecast = ParseOpenMeteoForecast(*root);
     return now;
 }
 
-std::optional<CurrentConditions> ParseMetNoReply(const QByteArray &json, QString *problem)
+std::optional<CurrentConditions> ParseMetNoReply(const QByteArray &json, QString *problem, int utcOffsetSeconds)
 {
     const std::optional<QJsonObject> root = jsonObject(json, problem);
     if (!root)
@@ -254,6 +257,7 @@ std::optional<CurrentConditions> ParseMetNoReply(const QByteArray &json, QString
     const ClassicCondition condition = ConditionFromMetNoSymbol(symbol.toString());
     now.code = condition.code;
     now.text = condition.text;
+    now.forecast = ParseMetNoForecast(*root, utcOffsetSeconds);
     return now;
 }
 
@@ -274,9 +278,9 @@ QByteArray RenderFeedDocument(const QString &place, const QString &region, const
                        "<rss version=\"2.0\"><channel><title>Vantora Weather - %1</title><item>"
                        "<title><![CDATA[Current Weather Conditions In %1]]></title>"
                        "<description><![CDATA[<img src=\"http://%2/images/%4/%3.gif?\" alt=\"\" /> "
-                       "%5, and %6 F. <br/>For more details see %7.]]></description>"
-                       "</item></channel></rss>\n")
-            .arg(where, host, pictureName(now.code), sourceTag, text, QString::number(fahrenheit),
-                 details);
+                       "%5, and %6 F. <br/>For more details see %7.]]></description>\n"
+                       "%8\n</item></channel></rss>\n")
+            .arg(where, host, pictureName(now.code), sourceTag, text, QString::number(fahrenheit), details,
+                 QString::fromLatin1(RenderForecastBlock(now.forecast)));
     return document.toUtf8();
 }

@@ -320,7 +320,66 @@ void showReadout(WeatherReadout &readout, ParseState &state, double fahrenheit, 
     readout.temperatureText = state.temperatureText;
 }
 
+// Windows-1252's characters for 0x80-0x9F, where it differs from Latin-1; the five bytes it
+// leaves undefined keep their Latin-1 control characters.
+constexpr char16_t Windows1252High[32] = {
+    0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
+    0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
+    0x2013, 0x2014, 0x02DC, 0x2122, 0x0161, 0x203A, 0x0153, 0x009D, 0x017E, 0x0178};
+
+bool namesUtf8(QByteArray label)
+{
+    label = label.trimmed().toLower();
+    return label == "utf-8" || label == "utf8";
+}
+
+bool contentTypeSaysUtf8(const QByteArray &contentType)
+{
+    for (const QByteArray &part : contentType.split(';')) {
+        const QByteArray item = part.trimmed();
+        if (item.toLower().startsWith("charset="))
+            return namesUtf8(QByteArray(item.mid(8)).replace('"', ""));
+    }
+    return false;
+}
+
+bool declarationSaysUtf8(const QByteArray &bytes)
+{
+    if (!bytes.startsWith("<?xml"))
+        return false;
+    const qsizetype end = bytes.indexOf("?>");
+    const QByteArray declaration = bytes.left(end < 0 ? 200 : end);
+    const qsizetype key = declaration.indexOf("encoding");
+    if (key < 0)
+        return false;
+    qsizetype from = declaration.indexOf('=', key);
+    if (from < 0)
+        return false;
+    ++from;
+    while (from < declaration.size() && (declaration.at(from) == ' ' || declaration.at(from) == '"' ||
+                                         declaration.at(from) == '\''))
+        ++from;
+    qsizetype to = from;
+    while (to < declaration.size() && declaration.at(to) != '"' && declaration.at(to) != '\'' &&
+           declaration.at(to) != ' ')
+        ++to;
+    return namesUtf8(declaration.mid(from, to - from));
+}
+
 } // namespace
+
+QString DecodeFeedText(const QByteArray &bytes, const QByteArray &contentType)
+{
+    if (bytes.startsWith("\xEF\xBB\xBF"))
+        return QString::fromUtf8(bytes.mid(3));
+    if (contentTypeSaysUtf8(contentType) || declarationSaysUtf8(bytes))
+        return QString::fromUtf8(bytes);
+    QString text = QString::fromLatin1(bytes);
+    for (QChar &c : text)
+        if (c.unicode() >= 0x80 && c.unicode() <= 0x9F)
+            c = QChar(Windows1252High[c.unicode() - 0x80]);
+    return text;
+}
 
 QString CommaSeparatedItems(const QString &text)
 {
@@ -333,9 +392,9 @@ QString CommaSeparatedItems(const QString &text)
     return items;
 }
 
-QString NormaliseFeedReply(const QByteArray &bytes, const QString &scratchFile)
+QString NormaliseFeedReply(const QByteArray &bytes, const QString &scratchFile, const QByteArray &contentType)
 {
-    const QString text = QString::fromUtf8(bytes) + CrLf;
+    const QString text = DecodeFeedText(bytes, contentType) + CrLf;
     std::optional<QString> readBack;
     if (writeScratch(scratchFile, text))
         readBack = readScratch(scratchFile);

@@ -17,11 +17,17 @@ struct WeatherReadout
     QString summary;         // txtFINALNOW
 };
 
-// The reply's bytes as text, written to `scratchFile` (followed by CR LF) and read back
+// The reply's bytes as text. The feed's text is 8-bit (Windows-1252, of which Latin-1 is a
+// part) unless the reply says UTF-8: in its Content-Type charset, its XML declaration's
+// encoding, or a UTF-8 byte order mark.
+QString DecodeFeedText(const QByteArray &bytes, const QByteArray &contentType = {});
+
+// The reply's bytes as text (DecodeFeedText), written to `scratchFile` (followed by CR LF) and read back
 // item by item with comma-separated-value rules, every item followed by CR LF: each comma of
 // the feed becomes a line break. The scratch file is deleted afterwards. Where it cannot be
 // written the same reading is done in memory, so a full disk loses nothing.
-QString NormaliseFeedReply(const QByteArray &bytes, const QString &scratchFile);
+QString NormaliseFeedReply(const QByteArray &bytes, const QString &scratchFile,
+                           const QByteArray &contentType = {});
 
 // The reading rules of NormaliseFeedReply on a text (items end at a comma or a line end; an item that
 // begins with a double quote runs to the closing quote and loses the quotes; blanks around an

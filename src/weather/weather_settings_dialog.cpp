@@ -128,8 +128,8 @@ WeatherSettingsDialog::WeatherSettingsDialog(QWidget *parent)
     (stored.fahrenheit ? m_fahrenheit : m_celsius)->setChecked(true);
     FillCountryList();
     m_country->setCurrentText(stored.countryName);
-    m_place->setCurrentText(stored.countryArea);
     FillPlaceList();
+    m_place->setCurrentText(stored.countryArea);
     m_code->setText(WeatherStation::shared()->locationCode());
     ResolveLocationCode();
 
@@ -148,11 +148,24 @@ WeatherSettingsDialog::WeatherSettingsDialog(QWidget *parent)
 void WeatherSettingsDialog::ThemeElementsUpdate()
 {
     ThemedDialog::ThemeElementsUpdate();
+    showCredit();
+}
+
+void WeatherSettingsDialog::showCredit()
+{
+    // The weather's credit names the source that gave the data shown; a feed host of the
+    // user's own gets none, as its data comes from wherever that host takes it.
     auto *credit = findChild<QLabel *>(QStringLiteral("lblCREDIT"));
-    credit->setText(tr("%1 and %2 (CC BY 4.0). Places \u00a9 GeoNames (CC BY 4.0).")
-                        .arg(CreditLink(credit, QStringLiteral("https://open-meteo.com/"),
-                                        tr("Weather data by Open-Meteo.com")),
-                             CreditLink(credit, QStringLiteral("https://www.met.no/en"), tr("MET Norway"))));
+    const QString source = WeatherStation::shared()->creditedSource();
+    QString weather;
+    if (source == QLatin1String("Open-Meteo"))
+        weather = CreditLink(credit, QStringLiteral("https://open-meteo.com/"), tr("Weather data by Open-Meteo.com"));
+    else if (source == QLatin1String("met.no"))
+        weather = CreditLink(credit, QStringLiteral("https://www.met.no/en"), tr("Weather data by MET Norway"));
+    const QString places = tr("Places \u00a9 GeoNames (CC BY 4.0).");
+    const QString text = weather.isEmpty() ? places : tr("%1 (CC BY 4.0). %2").arg(weather, places);
+    if (credit->text() != text)
+        credit->setText(text);
 }
 
 WeatherSettingsDialog *WeatherSettingsDialog::showSingle(QWidget *parent)
@@ -184,6 +197,10 @@ void WeatherSettingsDialog::FillPlaceList()
     m_allPlaces = LocationCatalogue::FillPlaceList(chosenCatalogue(), m_country->currentText());
     m_find->clear();
     setItems(m_place, m_allPlaces);
+    // A place of the previous country would resolve to nothing in the new list, and Apply
+    // would keep the old code without a word: the new country starts with no place.
+    m_place->setCurrentIndex(-1);
+    m_place->clearEditText();
 }
 
 void WeatherSettingsDialog::filterPlaces(const QString &text)
@@ -207,6 +224,11 @@ void WeatherSettingsDialog::ResolveLocationCode()
 
 void WeatherSettingsDialog::apply()
 {
+    if (m_place->currentText().trimmed().isEmpty()) {
+        m_status->setText(tr("Choose a city or town first."));
+        m_place->setFocus();
+        return;
+    }
     ResolveLocationCode();
     WeatherSettings s = WeatherSettings::load();
     s.fahrenheit = !m_celsius->isChecked();
@@ -222,6 +244,7 @@ void WeatherSettingsDialog::apply()
 void WeatherSettingsDialog::showStatus()
 {
     m_status->setText(WeatherStation::shared()->statusText());
+    showCredit();
 }
 
 void WeatherSettingsDialog::importCountries()

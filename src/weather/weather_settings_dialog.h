@@ -39,6 +39,7 @@ private:
     LocationCatalogue::Kind chosenCatalogue() const;
     void filterPlaces(const QString &text);
     void showStatus();
+    void showCredit();
     void importCountries();
     void exportCountries();
 

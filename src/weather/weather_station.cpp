@@ -10,6 +10,7 @@
 
 #include <QDir>
 #include <QLocale>
+#include <QNetworkInformation>
 #include <QTemporaryFile>
 #include <QTimer>
 
@@ -117,25 +118,68 @@ void WeatherStation::onComplete()
     QTemporaryFile scratch(QDir::tempPath() + QStringLiteral("/vantora-weather-XXXXXX.txt"));
     const QString scratchPath = scratch.open() ? scratch.fileName() : QString();
     scratch.close();
-    m_txtData = NormaliseFeedReply(m_downloader->DataBytes(), scratchPath);
+    m_txtData = NormaliseFeedReply(m_downloader->DataBytes(), scratchPath, m_downloader->ContentType());
     if (parse().labels) {
         m_lastSuccess = ClockSource::now();
         m_lastProblem.clear();
+        m_problem = {};
+        // The forecast travels in the same reply, in a block the feed's reader passes by.
+        const WeatherForecast forecast = ParseForecastBlock(m_downloader->DataBytes());
+        if (!(forecast == m_forecast)) {
+            m_forecast = forecast;
+            emit forecastChanged();
+        }
     } else {
         m_lastFailure = ClockSource::now();
         m_lastProblem = tr("the answer held no weather report.");
+        m_problem = {tr("Source refused: no weather in the answer"), false};
     }
     emit statusChanged();
 }
 
-void WeatherStation::onFailed(int, const QString &description)
+void WeatherStation::onFailed(int errorNumber, const QString &description)
 {
     // The labels keep what they show; only the tooltip tells what happened.
     m_fetching = false;
     m_timeLimit->stop();
     m_lastFailure = ClockSource::now();
     m_lastProblem = description;
+    m_problem = DescribeWeatherFailure(errorNumber, description);
+    if (m_problem.offline)
+        watchNetwork();
     emit statusChanged();
+}
+
+void WeatherStation::retryIfDue()
+{
+    if (m_fetching || m_problem.line.isEmpty() || !m_lastFailure.isValid())
+        return;
+    const int wait = m_problem.offline ? OfflineRetrySeconds : RefusedRetrySeconds;
+    const QDateTime now = ClockSource::now();
+    if (now >= m_lastFailure.addSecs(wait) || now < m_lastFailure)
+        GetWeatherData();
+}
+
+void WeatherStation::watchNetwork()
+{
+    if (m_watchingNetwork)
+        return;
+    m_watchingNetwork = true;
+    // Not every platform reports reachability; there the retry tick alone brings the weather back.
+    if (!QNetworkInformation::instance() && !QNetworkInformation::loadDefaultBackend())
+        return;
+    QNetworkInformation *info = QNetworkInformation::instance();
+    connect(info, &QNetworkInformation::reachabilityChanged, this, [this](QNetworkInformation::Reachability r) {
+        if (r == QNetworkInformation::Reachability::Online && m_problem.offline && !m_fetching)
+            GetWeatherData();
+    });
+}
+
+QString WeatherStation::ageText() const
+{
+    // Hours and minutes only: the line is short, and seconds would say nothing.
+    return m_lastSuccess.isValid() ? tr("as of %1").arg(m_lastSuccess.toLocalTime().toString(QStringLiteral("HH:mm")))
+                                   : QString();
 }
 
 void WeatherStation::onTimeLimit()
@@ -149,6 +193,7 @@ void WeatherStation::onTimeLimit()
 void WeatherStation::DataCurrent()
 {
     parse();
+    retryIfDue();
 }
 
 WeatherFeedParser::Outcome WeatherStation::parse()
@@ -166,6 +211,13 @@ WeatherFeedParser::Outcome WeatherStation::parse()
 QString WeatherStation::dataSource() const
 {
     return SourceOfIconAddress(m_parser.iconAddress());
+}
+
+QString WeatherStation::creditedSource() const
+{
+    if (feedHost().compare(QLatin1String(LiveWeatherAdapter::BuiltInHost), Qt::CaseInsensitive) != 0)
+        return QString();
+    return dataSource();
 }
 
 QString WeatherStation::statusText() const

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "weather/weather_feed_parser.h"
+#include "weather/weather_forecast.h"
+#include "weather/weather_problem.h"
 
 #include <QDateTime>
 #include <QObject>
@@ -51,8 +53,19 @@ public:
     // the glyph list has no picture for. Empty before the first picture.
     QString pictureGlyph() const;
 
-    // Who provided the data shown ("Open-Meteo", "met.no"), empty when unknown.
+    // The hours and days ahead from the last good reply (empty when its source gave none).
+    const WeatherForecast &forecast() const { return m_forecast; }
+
+    // Who provided the data shown ("Open-Meteo", "met.no"), as the reply names it; empty when unknown.
     QString dataSource() const;
+    // The source whose credit goes beside the data: dataSource() when the built-in source
+    // answered, none for another feed host, whose data comes from wherever that host takes it.
+    QString creditedSource() const;
+    // Why the last fetch failed, in a short line; empty while the last fetch succeeded.
+    QString problemLine() const { return m_problem.line; }
+    // "as of 14:20": when the shown reading was fetched; empty before the first.
+    QString ageText() const;
+    QDateTime lastSuccess() const { return m_lastSuccess; }
     // A line for tooltips: when the shown weather was fetched, or why the last fetch failed
     // and when it last succeeded.
     QString statusText() const;
@@ -62,6 +75,10 @@ public:
     // The longest a fetch may take before it is given up as failed. The built-in source asks
     // two services in turn, each for at most 20 seconds.
     static constexpr int FetchTimeLimitMs = 45 * 1000;
+    // A failed fetch is tried again on the redraw tick after this long: a minute when no
+    // server was reached (that costs the sources nothing), else the sources' 15 minutes.
+    static constexpr int OfflineRetrySeconds = 60;
+    static constexpr int RefusedRetrySeconds = 15 * 60;
     // Tests: the limit in force (FetchTimeLimitMs unless changed).
     void setFetchTimeLimitForTesting(int ms);
 
@@ -70,11 +87,18 @@ signals:
     void readoutChanged();
     // A fetch started, finished or failed.
     void statusChanged();
+    // The forecast changed.
+    void forecastChanged();
 
 private:
     void onComplete();
     void onFailed(int errorNumber, const QString &description);
     void onTimeLimit();
+    // After a failure: fetch again when its retry time has come.
+    void retryIfDue();
+    // Watches the network's reachability (where the platform reports it) to fetch again as
+    // soon as it is back; started by the first failure that reached no server.
+    void watchNetwork();
     // Runs the parser on the last reply; readoutChanged() when anything shown changed.
     WeatherFeedParser::Outcome parse();
 
@@ -86,6 +110,9 @@ private:
     QDateTime m_lastSuccess;
     QDateTime m_lastFailure;
     QString m_lastProblem;
+    WeatherProblem m_problem;
+    WeatherForecast m_forecast;
+    bool m_watchingNetwork = false;
     bool m_hasLabels = false;
     bool m_fetching = false;
 };

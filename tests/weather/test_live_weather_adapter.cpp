@@ -3,6 +3,7 @@
 #include "support/local_http_server.h"
 #include "support/test_home.h"
 #include "weather/live_weather_adapter.h"
+#include "weather/weather_forecast.h"
 
 #include <QFile>
 #include <QNetworkAccessManager>
@@ -74,6 +75,8 @@ private slots:
     void unknownPlace_data();
     void unknownPlace();
     void builtInHostIsRegistered();
+    void forecastComesWithTheReading_data();
+    void forecastComesWithTheReading();
 
 private:
     InProcessReply *answerNow(const QUrl &feed = LondonFeed, int options = 16);
@@ -378,7 +381,10 @@ void TestLiveWeatherAdapter::sources()
     QCOMPARE(m_server->requestCount(MetNoPath), metNoRequests);
     static const QRegularExpression openMeteoQuery(
         QStringLiteral("^/v1/forecast\\?latitude=51\\.5085&longitude=-0\\.1257&current=temperature_2m"
-                       ",weather_code,is_day&temperature_unit=fahrenheit&timezone=auto&forecast_days=1$"));
+                       ",weather_code,is_day&hourly=temperature_2m,weather_code,is_day,precipitation_probability,"
+                       "precipitation,wind_speed_10m&daily=weather_code,temperature_2m_max,temperature_2m_min,"
+                       "precipitation_sum,precipitation_probability_max&temperature_unit=fahrenheit"
+                       "&timezone=auto&forecast_days=7$"));
     QVERIFY2(openMeteoQuery.match(QString::fromLatin1(m_server->requests().first().path)).hasMatch(),
              m_server->requests().first().path.constData());
     if (metNoRequests) {
@@ -541,6 +547,48 @@ void TestLiveWeatherAdapter::builtInHostIsRegistered()
     QTRY_VERIFY(reply->isFinished());
     QCOMPARE(reply->errorDescription(), QStringLiteral("No coordinates are known for the place ZZZZ0001."));
     UnregisterInProcessHost(QString::fromLatin1(LiveWeatherAdapter::BuiltInHost));
+}
+
+void TestLiveWeatherAdapter::forecastComesWithTheReading_data()
+{
+    QTest::addColumn<bool>("openMeteoEarlier"); // Open-Meteo answered once, 16 minutes before
+    QTest::addColumn<int>("openMeteoStatus");
+    QTest::addColumn<int>("offset");
+    QTest::addColumn<QDate>("firstDay");
+    QTest::addColumn<int>("days");
+    QTest::newRow("Open-Meteo") << false << 200 << 3600 << QDate(2024, 5, 18) << 7;
+    // met.no names no zone: London's solar time, or the offset Open-Meteo gave before.
+    QTest::newRow("met.no, solar time") << false << 500 << 0 << QDate(2024, 5, 18) << 6;
+    QTest::newRow("met.no, Open-Meteo's offset") << true << 500 << 3600 << QDate(2024, 5, 18) << 6;
+}
+
+void TestLiveWeatherAdapter::forecastComesWithTheReading()
+{
+    QFETCH(bool, openMeteoEarlier);
+    QFETCH(int, openMeteoStatus);
+    const QByteArray openMeteo = recorded(QStringLiteral("openmeteo_forecast_london.json"));
+    m_server->setResponse(MetNoPath, response(200, recorded(QStringLiteral("metno_forecast_oslo.json"))));
+    if (openMeteoEarlier) {
+        m_server->setResponse(OpenMeteoPath, response(200, openMeteo));
+        QVERIFY(!answerNow()->hasFailed());
+        ClockSource::setNowForTesting(ClockSource::now().addSecs(16 * 60));
+    }
+    m_server->setResponse(OpenMeteoPath, response(openMeteoStatus, openMeteo));
+    const int asked = m_server->requestCount(OpenMeteoPath) + m_server->requestCount(MetNoPath);
+    const InProcessReply *reply = answerNow();
+    QVERIFY2(!reply->hasFailed(), qPrintable(reply->errorDescription()));
+    const WeatherForecast forecast = ParseForecastBlock(reply->data());
+    QTEST(forecast.utcOffsetSeconds, "offset");
+    QTEST(int(forecast.days.size()), "days");
+    QTEST(forecast.days.first().date, "firstDay");
+    QVERIFY(forecast.hours.size() >= WeatherForecast::HoursShown);
+
+    // Within the 15 minutes the same forecast is served again, and nothing more is asked.
+    const int afterFirst = m_server->requestCount(OpenMeteoPath) + m_server->requestCount(MetNoPath);
+    QVERIFY(afterFirst > asked);
+    ClockSource::setNowForTesting(ClockSource::now().addSecs(10 * 60));
+    QVERIFY(ParseForecastBlock(answerNow()->data()) == forecast);
+    QCOMPARE(m_server->requestCount(OpenMeteoPath) + m_server->requestCount(MetNoPath), afterFirst);
 }
 
 QTEST_GUILESS_MAIN(TestLiveWeatherAdapter)

@@ -137,6 +137,8 @@ void TestWeatherWidget::showsTheReportInEitherUnit()
     QCOMPARE(r.temperatureText, QStringLiteral("57F 13.9C"));
     QCOMPARE(r.glyph, ShippedData::weatherGlyph(26));
     QCOMPARE(station.dataSource(), QStringLiteral("Open-Meteo"));
+    // A feed host of the user's own is credited to no source, whatever its pictures' addresses say.
+    QCOMPARE(station.creditedSource(), QString());
     QVERIFY2(station.statusText().startsWith(QStringLiteral("Updated at")), qPrintable(station.statusText()));
     // The reading's scratch file is not left in the data folder, where the user keeps notes.
     QVERIFY(!QFile::exists(m_home->filePath(QStringLiteral("web.txt"))));
