@@ -238,6 +238,33 @@ QString CalendarStore::noteFor(const QDate &date) const
     return MonthNotes::fromText(date.year(), date.month(), file.readAll()).note(date.day());
 }
 
+QMap<QDate, QString> CalendarStore::notesBetween(const QDate &first, const QDate &last) const
+{
+    QMap<QDate, QString> notes;
+    const QStringList files =
+        QDir(m_folder).entryList({QStringLiteral("\?\?\?\?-\?\?.txt")}, QDir::Files, QDir::Name);
+    for (const QString &name : files) {
+        bool yearOk = false;
+        bool monthOk = false;
+        const int year = name.left(4).toInt(&yearOk);
+        const int month = name.mid(5, 2).toInt(&monthOk);
+        const QDate firstOfMonth(year, month, 1);
+        if (!yearOk || !monthOk || !firstOfMonth.isValid() || firstOfMonth > last ||
+            firstOfMonth.addMonths(1) <= first)
+            continue;
+        QFile file(QDir(m_folder).filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const MonthNotes monthNotes = MonthNotes::fromText(year, month, file.readAll());
+        for (int day : monthNotes.days()) {
+            const QDate date(year, month, day);
+            if (date >= first && date <= last)
+                notes.insert(date, monthNotes.note(day));
+        }
+    }
+    return notes;
+}
+
 QString CalendarStore::setAside(const QString &path)
 {
     const QFileInfo info(path);

@@ -4,6 +4,7 @@
 
 #include <QDate>
 #include <QImage>
+#include <QMap>
 #include <QString>
 
 // The calendar folder: for each month a drawing, "2026-11.png" (a transparent PNG of the whole
@@ -41,6 +42,10 @@ public:
     // Writes the page as a PNG through WriteFileSafely(), creating the folder when missing; a
     // fully transparent page removes the file instead. False, with *error, on failure.
     bool saveDrawing(int year, int month, const QImage &page, QString *error = nullptr) const;
+
+    // The notes of the days from `first` to `last`, read quietly from every month file there is
+    // (lines that cannot be read are left out; nothing is moved aside): for exporting.
+    QMap<QDate, QString> notesBetween(const QDate &first, const QDate &last) const;
 
     // One day's note, read quietly (nothing is moved aside): for a glance at today.
     QString noteFor(const QDate &date) const;
