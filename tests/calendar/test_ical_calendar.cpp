@@ -1,20 +1,13 @@
 // Reading .ics files as other calendars write them: whole-day and timed events, time zones
 // from the file and from the system, yearly, monthly and weekly recurrences with exceptions,
 // and files that cannot be read.
+#include "calendar_test_data.h"
 #include "calendar/ical_calendar.h"
 
 #include <QFile>
 #include <QTest>
 
 namespace {
-
-QByteArray dataFile(const QString &name)
-{
-    QFile file(QStringLiteral(VANTORA_CALENDAR_DATA "/") + name);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("missing test file %s", qPrintable(name));
-    return file.readAll();
-}
 
 // "2026-11-10 21:00 Call" for a timed event, "2026-11-01 All Saints' Day" for a whole day.
 QStringList shown(const QList<IcalOccurrence> &occurrences)
@@ -109,7 +102,7 @@ void TestIcalCalendar::eventsOnTheirDays()
     QFETCH(QDate, last);
     QFETCH(QStringList, expected);
     QString error;
-    IcalCalendar calendar = IcalCalendar::fromBytes(dataFile(file), &error);
+    IcalCalendar calendar = IcalCalendar::fromBytes(calendarDataFile(file), &error);
     QVERIFY2(!calendar.isNull(), qPrintable(error));
     calendar.setShownZone(QTimeZone(zone.toLatin1()));
     QCOMPARE(shown(calendar.occurrences(first, last)), expected);
@@ -119,7 +112,7 @@ void TestIcalCalendar::unreadableFilesAreRefusedWithAReason_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("reasonContains");
-    QTest::newRow("half-written file") << dataFile(QStringLiteral("malformed.ics")) << "cut off";
+    QTest::newRow("half-written file") << calendarDataFile(QStringLiteral("malformed.ics")) << "cut off";
     QTest::newRow("unreadable start")
         << QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:x\r\nDTSTART:next Friday\r\n"
                       "SUMMARY:Dinner\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n")
@@ -161,14 +154,14 @@ void TestIcalCalendar::nameAndCount()
     QFETCH(QString, file);
     QFETCH(QString, name);
     QFETCH(int, events);
-    const IcalCalendar calendar = IcalCalendar::fromBytes(dataFile(file));
+    const IcalCalendar calendar = IcalCalendar::fromBytes(calendarDataFile(file));
     QCOMPARE(calendar.name(), name);
     QCOMPARE(calendar.eventCount(), events);
 }
 
 void TestIcalCalendar::aRangeAskedTwiceGivesTheSameAnswer()
 {
-    IcalCalendar calendar = IcalCalendar::fromBytes(dataFile(QStringLiteral("weekly-meeting.ics")));
+    IcalCalendar calendar = IcalCalendar::fromBytes(calendarDataFile(QStringLiteral("weekly-meeting.ics")));
     calendar.setShownZone(QTimeZone("Europe/Berlin"));
     const auto november = calendar.occurrences(QDate(2026, 11, 1), QDate(2026, 11, 30));
     calendar.occurrences(QDate(2026, 12, 1), QDate(2026, 12, 31));
