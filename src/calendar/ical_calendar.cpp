@@ -67,9 +67,91 @@ struct Event
     QSet<qint64> excludedMoments;          // EXDATE of a timed event, and moved instances
     QSet<QDate> excludedDays;              // EXDATE of whole days
 
+    // A series with an end (every rule has COUNT or UNTIL) is worked out once, when first
+    // asked for, and kept by date; one without an end is followed afresh for each range.
+    mutable bool expanded = false;
+    mutable std::vector<icaltimetype> instances;
+    QDate lastDay; // no instance starts after it; invalid: not known without working it out
+
     bool isAllDay() const { return start.is_date; }
     bool recurs() const { return !rules.empty() || !extraStarts.empty(); }
+    bool ends() const
+    {
+        return std::all_of(rules.begin(), rules.end(), [](const icalrecurrencetype &rule) {
+            return rule.count > 0 || !icaltime_is_null_time(rule.until);
+        });
+    }
 };
+
+bool hasByParts(const icalrecurrencetype &rule)
+{
+    for (const short *part : {rule.by_second, rule.by_minute, rule.by_hour, rule.by_day, rule.by_month_day,
+                              rule.by_year_day, rule.by_week_no, rule.by_month, rule.by_set_pos})
+        if (part[0] != ICAL_RECURRENCE_ARRAY_MAX)
+            return true;
+    return false;
+}
+
+// The last day a rule can reach from `start`; invalid when that cannot be told without
+// following it (BY parts, or a day of the month that some months lack, make periods without
+// an instance, so COUNT says nothing of the end).
+QDate lastDayOf(const icalrecurrencetype &rule, const icaltimetype &start)
+{
+    if (!icaltime_is_null_time(rule.until))
+        return dateOf(rule.until).addDays(1);
+    if (rule.count <= 0 || hasByParts(rule) || start.day > 28)
+        return {};
+    const int periods = rule.count * qMax<int>(1, rule.interval);
+    const QDate first = dateOf(start);
+    switch (rule.freq) {
+    case ICAL_DAILY_RECURRENCE:
+        return first.addDays(periods);
+    case ICAL_WEEKLY_RECURRENCE:
+        return first.addDays(qint64(periods) * 7);
+    case ICAL_MONTHLY_RECURRENCE:
+        return first.addMonths(periods);
+    case ICAL_YEARLY_RECURRENCE:
+        return first.addYears(periods);
+    default: // hourly and shorter
+        return first.addDays(periods / 24 + 2);
+    }
+}
+
+// Whether two times read the same on the clock, without working out their zones.
+bool sameClockTime(const icaltimetype &a, const icaltimetype &b)
+{
+    return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute &&
+           a.second == b.second;
+}
+
+bool earlierDate(const icaltimetype &time, const QDate &day)
+{
+    return dateOf(time) < day;
+}
+
+// The instances of a rule from DTSTART on, each passed to `take` until it returns false.
+template<typename Take>
+void followRule(const icalrecurrencetype &rule, const icaltimetype &start, const QDate &skipTo, Take take)
+{
+    icalrecur_iterator *it = icalrecur_iterator_new(rule, start);
+    if (!it)
+        return;
+    if (rule.count == 0 && skipTo.isValid() && dateOf(start) < skipTo) {
+        // Skips the years before the range instead of stepping through them.
+        icaltimetype skip = start;
+        skip.year = skipTo.year();
+        skip.month = skipTo.month();
+        skip.day = skipTo.day();
+        icalrecur_iterator_set_start(it, skip);
+    }
+    int steps = 0;
+    for (icaltimetype t = icalrecur_iterator_next(it); !icaltime_is_null_time(t) && steps < kMostSteps;
+         t = icalrecur_iterator_next(it), ++steps) {
+        if (!take(t))
+            break;
+    }
+    icalrecur_iterator_free(it);
+}
 
 // Reads the events of one VCALENDAR block into events; false, with *error, when one of them
 // cannot be read.
@@ -192,6 +274,15 @@ bool EventReader::readEvent(icalcomponent *c, int number, Event &event, QString 
     for (icalproperty *p = icalcomponent_get_first_property(c, ICAL_RRULE_PROPERTY); p;
          p = icalcomponent_get_next_property(c, ICAL_RRULE_PROPERTY))
         event.rules.push_back(icalproperty_get_rrule(p));
+    if (!event.rules.empty() && event.ends()) {
+        event.lastDay = dateOf(event.start);
+        for (const icalrecurrencetype &rule : event.rules) {
+            const QDate last = lastDayOf(rule, event.start);
+            event.lastDay = last.isValid() ? qMax(event.lastDay, last) : QDate();
+            if (!last.isValid())
+                break;
+        }
+    }
     for (icalproperty *p = icalcomponent_get_first_property(c, ICAL_RDATE_PROPERTY); p;
          p = icalcomponent_get_next_property(c, ICAL_RDATE_PROPERTY)) {
         const icaldatetimeperiodtype rdate = icalproperty_get_rdate(p);
@@ -284,7 +375,7 @@ void IcalCalendar::Data::add(const Event &event, QList<IcalOccurrence> &out, con
         }
         return;
     }
-    if (event.recurs() && event.excludedMoments.contains(momentOf(instance)))
+    if (!event.excludedMoments.isEmpty() && event.excludedMoments.contains(momentOf(instance)))
         return;
     // A floating time reads the same on every clock; any other is moved to the shown zone.
     const QDateTime moment =
@@ -301,37 +392,45 @@ void IcalCalendar::Data::expand(const Event &event, QList<IcalOccurrence> &out, 
     // whole-day event that started before the range may still cover part of it.
     const QDate from = first.addDays(-event.days - 1);
     const QDate to = last.addDays(1);
-    const qint64 startMoment = momentOf(event.start);
     const auto inReach = [&](const icaltimetype &t) { return dateOf(t) >= from && dateOf(t) <= to; };
 
+    if (event.ends()) {
+        const bool outOfReach = event.extraStarts.empty() &&
+                                (dateOf(event.start) > to || (event.lastDay.isValid() && event.lastDay < from));
+        if (outOfReach)
+            return;
+        if (!event.expanded) {
+            event.instances.push_back(event.start); // the first instance, whatever the rule says
+            event.instances.insert(event.instances.end(), event.extraStarts.begin(), event.extraStarts.end());
+            for (const icalrecurrencetype &rule : event.rules)
+                followRule(rule, event.start, QDate(), [&event](const icaltimetype &t) {
+                    if (!sameClockTime(t, event.start))
+                        event.instances.push_back(t);
+                    return true;
+                });
+            std::stable_sort(event.instances.begin(), event.instances.end(),
+                             [](const icaltimetype &a, const icaltimetype &b) { return dateOf(a) < dateOf(b); });
+            event.expanded = true;
+        }
+        auto it = std::lower_bound(event.instances.begin(), event.instances.end(), from, earlierDate);
+        for (; it != event.instances.end() && dateOf(*it) <= to; ++it)
+            add(event, out, first, last, *it);
+        return;
+    }
+
     if (inReach(event.start))
-        add(event, out, first, last, event.start); // the first instance, whatever the rule says
+        add(event, out, first, last, event.start);
     for (const icaltimetype &extra : event.extraStarts)
         if (inReach(extra))
             add(event, out, first, last, extra);
-    for (const icalrecurrencetype &rule : event.rules) {
-        icalrecur_iterator *it = icalrecur_iterator_new(rule, event.start);
-        if (!it)
-            continue;
-        if (rule.count == 0 && dateOf(event.start) < from) {
-            // Skips the years before the range instead of stepping through them.
-            icaltimetype skip = event.start;
-            skip.year = from.year();
-            skip.month = from.month();
-            skip.day = from.day();
-            icalrecur_iterator_set_start(it, skip);
-        }
-        int steps = 0;
-        for (icaltimetype t = icalrecur_iterator_next(it); !icaltime_is_null_time(t) && steps < kMostSteps;
-             t = icalrecur_iterator_next(it), ++steps) {
+    for (const icalrecurrencetype &rule : event.rules)
+        followRule(rule, event.start, from, [&](const icaltimetype &t) {
             if (dateOf(t) > to)
-                break;
-            if (dateOf(t) < from || momentOf(t) == startMoment)
-                continue;
-            add(event, out, first, last, t);
-        }
-        icalrecur_iterator_free(it);
-    }
+                return false;
+            if (dateOf(t) >= from && !sameClockTime(t, event.start))
+                add(event, out, first, last, t);
+            return true;
+        });
 }
 
 IcalCalendar::IcalCalendar() = default;

@@ -28,9 +28,16 @@ void tell(QString *out, const QString &message)
         *out = message;
 }
 
-QString valueName(int index, const char *field)
+// Each calendar is one value, its fields split by tabs and the name last (it may hold anything
+// but a tab or a line break): one write of the settings file per change.
+QString valueName(int index)
 {
-    return QStringLiteral("Imported Calendar %1 %2").arg(index + 1).arg(QLatin1String(field));
+    return QStringLiteral("Imported Calendar %1").arg(index + 1);
+}
+
+QString withoutTabs(QString text)
+{
+    return text.replace(QLatin1Char('\t'), QLatin1Char(' ')).replace(QLatin1Char('\n'), QLatin1Char(' '));
 }
 
 QString shown(const QString &path)
@@ -85,16 +92,19 @@ void ImportedCalendars::load(QStringList *problems)
     m_sources.clear();
     const int count = qBound(0, ReadIntDetail(kWindow, kCount, 0), 1000);
     for (int i = 0; i < count; ++i) {
+        const QStringList fields = ReadDetail(kWindow, valueName(i), QString()).split(QLatin1Char('\t'));
         Source source;
-        source.file = QFileInfo(ReadDetail(kWindow, valueName(i, "File"), QString())).fileName();
+        source.file = QFileInfo(fields.value(0)).fileName(); // never a path out of the folder
         if (source.file.isEmpty())
             continue;
-        source.name = ReadDetail(kWindow, valueName(i, "Name"), source.file);
-        source.color = QColor(ReadDetail(kWindow, valueName(i, "Color"), QString()));
+        source.color = QColor(fields.value(1));
         if (!source.color.isValid())
             source.color = nextColor();
-        source.address = ReadDetail(kWindow, valueName(i, "Address"), QString());
-        source.fetched = QDateTime::fromString(ReadDetail(kWindow, valueName(i, "Fetched"), QString()), Qt::ISODate);
+        source.fetched = QDateTime::fromString(fields.value(2), Qt::ISODate);
+        source.address = fields.value(3);
+        source.name = fields.mid(4).join(QLatin1Char(' '));
+        if (source.name.isEmpty())
+            source.name = source.file;
         QFile file(pathOf(source));
         QString error;
         if (file.open(QIODevice::ReadOnly))
@@ -112,17 +122,20 @@ void ImportedCalendars::load(QStringList *problems)
     }
 }
 
+void ImportedCalendars::saveOne(int index) const
+{
+    const Source &source = m_sources.at(index);
+    WriteDetail(kWindow, valueName(index),
+                QStringList{source.file, source.color.name(), source.fetched.toUTC().toString(Qt::ISODate),
+                            withoutTabs(source.address), withoutTabs(source.name)}
+                    .join(QLatin1Char('\t')));
+}
+
 void ImportedCalendars::save() const
 {
+    for (int i = 0; i < m_sources.size(); ++i)
+        saveOne(i);
     WriteDetail(kWindow, kCount, QString::number(m_sources.size()));
-    for (int i = 0; i < m_sources.size(); ++i) {
-        const Source &source = m_sources.at(i);
-        WriteDetail(kWindow, valueName(i, "File"), source.file);
-        WriteDetail(kWindow, valueName(i, "Name"), source.name);
-        WriteDetail(kWindow, valueName(i, "Color"), source.color.name());
-        WriteDetail(kWindow, valueName(i, "Address"), source.address);
-        WriteDetail(kWindow, valueName(i, "Fetched"), source.fetched.toUTC().toString(Qt::ISODate));
-    }
 }
 
 int ImportedCalendars::add(const QByteArray &bytes, const QString &name, const QString &address, QString *error)
@@ -151,7 +164,8 @@ int ImportedCalendars::add(const QByteArray &bytes, const QString &name, const Q
     calendar.setShownZone(m_zone);
     source.calendar = calendar;
     m_sources.append(source);
-    save();
+    saveOne(int(m_sources.size()) - 1);
+    WriteDetail(kWindow, kCount, QString::number(m_sources.size()));
     return int(m_sources.size()) - 1;
 }
 
@@ -187,7 +201,7 @@ bool ImportedCalendars::replace(int index, const QByteArray &bytes, const QDateT
     source.calendar = calendar;
     source.fetched = when.toUTC();
     source.lastProblem.clear();
-    save();
+    saveOne(index);
     return true;
 }
 
@@ -216,7 +230,7 @@ void ImportedCalendars::setColor(int index, const QColor &color)
     if (index < 0 || index >= m_sources.size() || !color.isValid())
         return;
     m_sources[index].color = color;
-    save();
+    saveOne(index);
 }
 
 QList<int> ImportedCalendars::dueForRefresh(const QDateTime &now, qint64 maxAge) const

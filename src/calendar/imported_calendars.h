@@ -74,6 +74,7 @@ public:
 
 private:
     void save() const;
+    void saveOne(int index) const;
     QString pathOf(const Source &source) const;
     QString freeFileName() const;
     QColor nextColor() const;
