@@ -15,6 +15,14 @@ namespace {
 constexpr qreal kSmallestNumber = 11, kLargestNumber = 28;
 constexpr qreal kSmallestNote = 10, kLargestNote = 17;
 
+// An event's time as the locale writes it, without seconds ("09:30", "9:30 AM").
+QString shortTime(const QTime &time)
+{
+    const QString format = QLocale().timeFormat(QLocale::ShortFormat);
+    const bool twelveHours = format.contains(QLatin1String("ap"), Qt::CaseInsensitive);
+    return QLocale().toString(time, twelveHours ? QStringLiteral("h:mm ap") : QStringLiteral("HH:mm"));
+}
+
 bool isWeekend(Qt::DayOfWeek day)
 {
     return day == Qt::Saturday || day == Qt::Sunday;
@@ -180,7 +188,7 @@ MonthPageView::CellText MonthPageView::layoutCell(const QRectF &cell, const QDat
     for (int i = 0; i < shown; ++i) {
         const CalendarEventMark &mark = marks.at(i);
         const QString line =
-            mark.time.isValid() ? QLocale().toString(mark.time, QLocale::ShortFormat) + QLatin1Char(' ') + mark.summary
+            mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ') + mark.summary
                                 : mark.summary;
         const QString fitted = eventMetrics.elidedText(line, Qt::ElideRight, textWidth);
         eventWidth = qMax(eventWidth, bar * 2 + eventMetrics.horizontalAdvance(fitted));
@@ -290,7 +298,7 @@ bool MonthPageView::event(QEvent *event)
             for (const CalendarEventMark &mark : marks)
                 tip += QStringLiteral("<br><span style=\"color:%1\">\u25A0</span> %2")
                            .arg(mark.color.name(),
-                                (mark.time.isValid() ? QLocale().toString(mark.time, QLocale::ShortFormat) + QLatin1Char(' ')
+                                (mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ')
                                                      : QString()) +
                                     mark.summary.toHtmlEscaped());
             QToolTip::showText(help->globalPos(), tip, this, cellArea(date));
