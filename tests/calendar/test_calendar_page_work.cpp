@@ -70,6 +70,7 @@ private slots:
     void undoGoesOnAfterTheMonthTurns();
     void inkStaysOnItsDayWhenTheWeekStartsElsewhere_data();
     void inkStaysOnItsDayWhenTheWeekStartsElsewhere();
+    void inkStaysOnItsDayWhenTheLocaleChanges();
     void importedCalendarsShowUnderTheNotes();
     void aBrokenCalendarFileChangesNothing();
     void aCalendarFileDroppedOnThePageIsImported();
@@ -229,6 +230,27 @@ void TestCalendarPageWork::inkStaysOnItsDayWhenTheWeekStartsElsewhere()
     QVERIFY(!inkAt(*calendar, QDate(2026, 12, 2)));
     QVERIFY(!inkAt(*calendar, QDate(2026, 12, 4)));
     QVERIFY(m_notices.isEmpty());
+}
+
+void TestCalendarPageWork::inkStaysOnItsDayWhenTheLocaleChanges()
+{
+    // Drawn where the week starts on Monday, opened where it starts on Sunday.
+    const QLocale before;
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedKingdom));
+    const QDate day(2026, 11, 14);
+    {
+        auto calendar = openCalendar(QSize(800, 600));
+        QCOMPARE(calendar->shownMonth().firstDayOfWeek(), Qt::Monday);
+        choosePen(*calendar);
+        drawOnDay(*calendar, day);
+        calendar->close();
+    }
+    QLocale::setDefault(QLocale(QLocale::English, QLocale::UnitedStates));
+    auto calendar = openCalendar(QSize(800, 600));
+    QLocale::setDefault(before);
+    QCOMPARE(calendar->shownMonth().firstDayOfWeek(), Qt::Sunday);
+    QVERIFY(inkAt(*calendar, day));
+    QVERIFY(!inkAt(*calendar, day.addDays(1)));
 }
 
 void TestCalendarPageWork::importedCalendarsShowUnderTheNotes()
