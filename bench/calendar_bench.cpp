@@ -16,8 +16,8 @@
 
 #include <QApplication>
 #include <QDir>
-#include <QFile>
 #include <QElapsedTimer>
+#include <QFile>
 #include <QMouseEvent>
 
 #include <algorithm>
@@ -72,14 +72,16 @@ QByteArray busyCalendar(int events, const QDate &from)
                      "END:VTIMEZONE\r\n";
     for (int i = 0; i < events; ++i) {
         const QDate day = from.addDays((i * 7919) % (3 * 365));
-        ics += "BEGIN:VEVENT\r\nUID:bench-" + QByteArray::number(i) + "@example.org\r\nDTSTAMP:20260101T000000Z\r\n";
+        ics += "BEGIN:VEVENT\r\nUID:bench-" + QByteArray::number(i) +
+               "@example.org\r\nDTSTAMP:20260101T000000Z\r\n";
         const QByteArray date = day.toString(QStringLiteral("yyyyMMdd")).toLatin1();
         switch (i % 10) {
         case 0: // a birthday
             ics += "DTSTART;VALUE=DATE:" + date + "\r\nRRULE:FREQ=YEARLY\r\n";
             break;
         case 1: // a weekly meeting for half a year, one week off
-            ics += "DTSTART;TZID=Europe/Berlin:" + date + "T093000\r\nRRULE:FREQ=WEEKLY;COUNT=26\r\nEXDATE;TZID=Europe/Berlin:" +
+            ics += "DTSTART;TZID=Europe/Berlin:" + date +
+                   "T093000\r\nRRULE:FREQ=WEEKLY;COUNT=26\r\nEXDATE;TZID=Europe/Berlin:" +
                    day.addDays(21).toString(QStringLiteral("yyyyMMdd")).toLatin1() + "T093000\r\n";
             break;
         case 2: // a monthly review
@@ -92,9 +94,11 @@ QByteArray busyCalendar(int events, const QDate &from)
             break;
         default: // appointments
             ics += "DTSTART;TZID=Europe/Berlin:" + date + "T" + QByteArray::number(100000 + (i % 9) * 10000) +
-                   "\r\nDTEND;TZID=Europe/Berlin:" + date + "T" + QByteArray::number(110000 + (i % 9) * 10000) + "\r\n";
+                   "\r\nDTEND;TZID=Europe/Berlin:" + date + "T" +
+                   QByteArray::number(110000 + (i % 9) * 10000) + "\r\n";
         }
-        ics += "SUMMARY:Event number " + QByteArray::number(i) + " with a summary of ordinary length\r\n"
+        ics += "SUMMARY:Event number " + QByteArray::number(i) +
+               " with a summary of ordinary length\r\n"
                "DESCRIPTION:Some words about it\\, as mail programs write them.\r\nEND:VEVENT\r\n";
     }
     return ics + "END:VCALENDAR\r\n";
@@ -196,5 +200,6 @@ int main(int argc, char *argv[])
                 imported ? "" : " NOT IMPORTED");
     std::printf("month turn with it, months not seen:   median %.2f ms, worst %.2f ms (goal < 50 ms)\n",
                 eventTurn.median, eventTurn.worst);
-    return turn.median < 50 && frame.median < 8 && imported && importMs < 200 && eventTurn.median < 50 ? 0 : 1;
+    return turn.median < 50 && frame.median < 8 && imported && importMs < 200 && eventTurn.median < 50 ? 0
+                                                                                                       : 1;
 }

@@ -228,8 +228,9 @@ QImage CalendarStore::loadDrawing(const MonthLayout &layout, QString *problem) c
     if (image.size() != MonthLayout::pageSize())
         image = image.scaled(MonthLayout::pageSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
     if (int(layout.firstDayOfWeek()) >= Qt::Monday) {
-        const Qt::DayOfWeek from =
-            known && drawnWith >= Qt::Monday && drawnWith <= Qt::Sunday ? Qt::DayOfWeek(drawnWith) : LocaleFirstDayOfWeek();
+        const Qt::DayOfWeek from = known && drawnWith >= Qt::Monday && drawnWith <= Qt::Sunday
+                                       ? Qt::DayOfWeek(drawnWith)
+                                       : LocaleFirstDayOfWeek();
         image = RemapPageCells(image, MonthLayout(year, month, from), layout);
     }
     return image;

@@ -51,7 +51,8 @@ void CalendarSubscriber::refreshDue()
 {
     for (int index : m_calendars.dueForRefresh(QDateTime::currentDateTimeUtc(), kRefreshAgeSeconds)) {
         const QString file = m_calendars.source(index).file;
-        const bool queued = std::any_of(m_queue.begin(), m_queue.end(), [&](const Job &job) { return job.file == file; });
+        const bool queued =
+            std::any_of(m_queue.begin(), m_queue.end(), [&](const Job &job) { return job.file == file; });
         if (!queued && !(m_running && m_current.file == file))
             m_queue.append({file, m_calendars.source(index).address});
     }

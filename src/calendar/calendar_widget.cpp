@@ -24,18 +24,18 @@
 #include <QActionGroup>
 #include <QCloseEvent>
 #include <QColorDialog>
-#include <QFileDialog>
-#include <QFileInfo>
-#include <QInputDialog>
-#include <QMenu>
-#include <QStandardPaths>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 #include <QMimeData>
+#include <QStandardPaths>
 #include <QToolButton>
 #include <QVBoxLayout>
 
@@ -90,7 +90,8 @@ CalendarWidget::CalendarWidget(QWidget *parent)
     : WidgetWindow(WidgetWindowName(WidgetCalendar), WidgetCalendar, tr("Vantora Calendar"), parent),
       m_store(CalendarStore::defaultFolder()), m_imported(CalendarStore::defaultFolder()),
       m_firstDayChoice(storedFirstDayChoice()),
-      m_layout(today().year(), today().month(), firstDayFor(m_firstDayChoice)), m_layer(new DrawingLayer(this))
+      m_layout(today().year(), today().month(), firstDayFor(m_firstDayChoice)),
+      m_layer(new DrawingLayer(this))
 {
     setAcceptDrops(true);
     QStringList problems;
@@ -127,8 +128,9 @@ CalendarWidget::CalendarWidget(QWidget *parent)
 
     connect(m_subscriber, &CalendarSubscriber::subscribed, this, &CalendarWidget::showEventMarks);
     connect(m_subscriber, &CalendarSubscriber::refreshed, this, &CalendarWidget::showEventMarks);
-    connect(m_subscriber, &CalendarSubscriber::subscribeFailed, this,
-            [this](const QString &message) { ShowNotice(tr("Cannot Subscribe to the Calendar"), message, true, this); });
+    connect(m_subscriber, &CalendarSubscriber::subscribeFailed, this, [this](const QString &message) {
+        ShowNotice(tr("Cannot Subscribe to the Calendar"), message, true, this);
+    });
     m_refreshTimer.setInterval(kRefreshCheckMs);
     m_refreshTimer.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_refreshTimer, &QTimer::timeout, m_subscriber, &CalendarSubscriber::refreshDue);
@@ -301,7 +303,8 @@ DrawingLayer *CalendarWidget::layerFor(const MonthLayout &layout)
         }
     }
     DrawingLayer *layer = m_layers.isEmpty() ? m_layer : new DrawingLayer(this);
-    connect(layer, &DrawingLayer::historyChanged, this, &CalendarWidget::drawingChanged, Qt::UniqueConnection);
+    connect(layer, &DrawingLayer::historyChanged, this, &CalendarWidget::drawingChanged,
+            Qt::UniqueConnection);
     QString problem;
     layer->reset(m_store.loadDrawing(layout, &problem));
     layer->setClean();
@@ -336,7 +339,8 @@ bool CalendarWidget::importCalendar(const QString &path)
     if (m_imported.addFile(path, &error) < 0) {
         ShowNotice(tr("Cannot Import the Calendar"),
                    tr("\"%1\" was not imported: %2 Nothing has been changed.")
-                       .arg(QFileInfo(path).fileName(), error.endsWith(QLatin1Char('.')) ? error : error + QLatin1Char('.')),
+                       .arg(QFileInfo(path).fileName(),
+                            error.endsWith(QLatin1Char('.')) ? error : error + QLatin1Char('.')),
                    true, this);
         return false;
     }
@@ -379,7 +383,8 @@ bool CalendarWidget::exportNotes(ExportSpan span, const QString &path)
         last = QDate(m_layout.year(), 12, 31);
     }
     QString error;
-    if (!IcsNoteWriter::write(path, m_store.notesBetween(first, last), QDateTime::currentDateTimeUtc(), &error)) {
+    if (!IcsNoteWriter::write(path, m_store.notesBetween(first, last), QDateTime::currentDateTimeUtc(),
+                              &error)) {
         ShowNotice(tr("Cannot Export the Notes"), error, true, this);
         return false;
     }
@@ -409,7 +414,8 @@ void CalendarWidget::fillCalendarsMenu()
 {
     m_calendarsMenu->clear();
     m_calendarsMenu->addAction(tr("&Import Calendar File..."), this, &CalendarWidget::chooseCalendarFile);
-    m_calendarsMenu->addAction(tr("&Subscribe to a Calendar Address..."), this, &CalendarWidget::askForAddress);
+    m_calendarsMenu->addAction(tr("&Subscribe to a Calendar Address..."), this,
+                               &CalendarWidget::askForAddress);
     QMenu *exports = m_calendarsMenu->addMenu(tr("&Export Notes"));
     exports->addAction(tr("This &Month..."), this, [this] { chooseExportFile(ExportSpan::Month); });
     exports->addAction(tr("This &Year..."), this, [this] { chooseExportFile(ExportSpan::Year); });
@@ -422,18 +428,20 @@ void CalendarWidget::fillCalendarsMenu()
         QMenu *menu = m_calendarsMenu->addMenu(colorIcon(source.color), source.name);
         menu->setToolTipsVisible(true);
         if (!source.address.isEmpty()) {
-            QAction *about = menu->addAction(source.lastProblem.isEmpty()
-                                                 ? tr("Fetched %1").arg(QLocale().toString(source.fetched.toLocalTime(),
-                                                                                          QLocale::ShortFormat))
-                                                 : tr("Last fetch failed: %1").arg(source.lastProblem));
+            QAction *about = menu->addAction(
+                source.lastProblem.isEmpty()
+                    ? tr("Fetched %1")
+                          .arg(QLocale().toString(source.fetched.toLocalTime(), QLocale::ShortFormat))
+                    : tr("Last fetch failed: %1").arg(source.lastProblem));
             about->setEnabled(false);
             about->setToolTip(source.address);
         }
         menu->addAction(tr("&Colour..."), this, [this, i] { chooseColor(i); });
         menu->addAction(tr("&Remove"), this, [this, i] {
-            if (ConfirmDestructiveAction(tr("Remove Calendar"),
-                                         tr("Stop showing \"%1\"? Your own notes stay.").arg(m_imported.source(i).name),
-                                         tr("&Remove"), this))
+            if (ConfirmDestructiveAction(
+                    tr("Remove Calendar"),
+                    tr("Stop showing \"%1\"? Your own notes stay.").arg(m_imported.source(i).name),
+                    tr("&Remove"), this))
                 removeCalendar(i);
         });
     }
@@ -464,9 +472,9 @@ void CalendarWidget::chooseCalendarFile()
 void CalendarWidget::askForAddress()
 {
     bool ok = false;
-    const QString address = QInputDialog::getText(this, tr("Subscribe to a Calendar"),
-                                                  tr("Address of the calendar (.ics, http, https or webcal):"),
-                                                  QLineEdit::Normal, QString(), &ok);
+    const QString address = QInputDialog::getText(
+        this, tr("Subscribe to a Calendar"), tr("Address of the calendar (.ics, http, https or webcal):"),
+        QLineEdit::Normal, QString(), &ok);
     if (ok && !address.trimmed().isEmpty())
         subscribeTo(address);
 }
@@ -579,7 +587,8 @@ bool CalendarWidget::isCalendarFile(const QMimeData *data, QString *path) const
 {
     for (const QUrl &url : data->urls()) {
         const QString file = url.toLocalFile();
-        if (!file.isEmpty() && QFileInfo(file).suffix().compare(QLatin1String("ics"), Qt::CaseInsensitive) == 0) {
+        if (!file.isEmpty() &&
+            QFileInfo(file).suffix().compare(QLatin1String("ics"), Qt::CaseInsensitive) == 0) {
             if (path)
                 *path = file;
             return true;

@@ -60,8 +60,8 @@ struct Event
 {
     QString uid;
     QString summary;
-    icaltimetype start;   // with its zone when the file names one; null zone: floating
-    int days = 1;         // how many days a whole-day event covers
+    icaltimetype start; // with its zone when the file names one; null zone: floating
+    int days = 1;       // how many days a whole-day event covers
     std::vector<icalrecurrencetype> rules;
     std::vector<icaltimetype> extraStarts; // RDATE
     QSet<qint64> excludedMoments;          // EXDATE of a timed event, and moved instances
@@ -120,8 +120,8 @@ QDate lastDayOf(const icalrecurrencetype &rule, const icaltimetype &start)
 // Whether two times read the same on the clock, without working out their zones.
 bool sameClockTime(const icaltimetype &a, const icaltimetype &b)
 {
-    return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour && a.minute == b.minute &&
-           a.second == b.second;
+    return a.year == b.year && a.month == b.month && a.day == b.day && a.hour == b.hour &&
+           a.minute == b.minute && a.second == b.second;
 }
 
 bool earlierDate(const icaltimetype &time, const QDate &day)
@@ -130,7 +130,7 @@ bool earlierDate(const icaltimetype &time, const QDate &day)
 }
 
 // The instances of a rule from DTSTART on, each passed to `take` until it returns false.
-template<typename Take>
+template <typename Take>
 void followRule(const icalrecurrencetype &rule, const icaltimetype &start, const QDate &skipTo, Take take)
 {
     icalrecur_iterator *it = icalrecur_iterator_new(rule, start);
@@ -395,8 +395,9 @@ void IcalCalendar::Data::expand(const Event &event, QList<IcalOccurrence> &out, 
     const auto inReach = [&](const icaltimetype &t) { return dateOf(t) >= from && dateOf(t) <= to; };
 
     if (event.ends()) {
-        const bool outOfReach = event.extraStarts.empty() &&
-                                (dateOf(event.start) > to || (event.lastDay.isValid() && event.lastDay < from));
+        const bool outOfReach =
+            event.extraStarts.empty() &&
+            (dateOf(event.start) > to || (event.lastDay.isValid() && event.lastDay < from));
         if (outOfReach)
             return;
         if (!event.expanded) {
@@ -408,8 +409,9 @@ void IcalCalendar::Data::expand(const Event &event, QList<IcalOccurrence> &out, 
                         event.instances.push_back(t);
                     return true;
                 });
-            std::stable_sort(event.instances.begin(), event.instances.end(),
-                             [](const icaltimetype &a, const icaltimetype &b) { return dateOf(a) < dateOf(b); });
+            std::stable_sort(
+                event.instances.begin(), event.instances.end(),
+                [](const icaltimetype &a, const icaltimetype &b) { return dateOf(a) < dateOf(b); });
             event.expanded = true;
         }
         auto it = std::lower_bound(event.instances.begin(), event.instances.end(), from, earlierDate);
@@ -546,8 +548,9 @@ QList<IcalOccurrence> IcalCalendar::occurrences(const QDate &first, const QDate 
     // Single events are sorted by the day they start on: only those near the range are looked at.
     const QDate from = first.addDays(-d->longestSpan - 1);
     const QDate to = last.addDays(1);
-    auto it = std::lower_bound(d->single.begin(), d->single.end(), from,
-                               [](const Event &event, const QDate &day) { return dateOf(event.start) < day; });
+    auto it =
+        std::lower_bound(d->single.begin(), d->single.end(), from,
+                         [](const Event &event, const QDate &day) { return dateOf(event.start) < day; });
     for (; it != d->single.end() && dateOf(it->start) <= to; ++it)
         d->add(*it, out, first, last, it->start);
     std::stable_sort(out.begin(), out.end(), byDateAndTime);

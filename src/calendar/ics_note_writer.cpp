@@ -26,7 +26,8 @@ icaltimetype dayOf(const QDate &date)
 
 icaltimetype utcOf(const QDateTime &moment)
 {
-    return icaltime_from_timet_with_zone(time_t(moment.toSecsSinceEpoch()), 0, icaltimezone_get_utc_timezone());
+    return icaltime_from_timet_with_zone(time_t(moment.toSecsSinceEpoch()), 0,
+                                         icaltimezone_get_utc_timezone());
 }
 
 icalcomponent *eventFor(const QDate &date, const QString &note, const icaltimetype &stamp)

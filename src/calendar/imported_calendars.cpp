@@ -54,8 +54,9 @@ ImportedCalendars::ImportedCalendars(const QString &calendarFolder)
 
 QList<QColor> ImportedCalendars::palette()
 {
-    return {QColor(0x2e, 0x7d, 0x32), QColor(0xc6, 0x28, 0x28), QColor(0x15, 0x65, 0xc0), QColor(0xef, 0x6c, 0x00),
-            QColor(0x6a, 0x1b, 0x9a), QColor(0x00, 0x83, 0x8f), QColor(0xad, 0x14, 0x57), QColor(0x5d, 0x40, 0x37)};
+    return {QColor(0x2e, 0x7d, 0x32), QColor(0xc6, 0x28, 0x28), QColor(0x15, 0x65, 0xc0),
+            QColor(0xef, 0x6c, 0x00), QColor(0x6a, 0x1b, 0x9a), QColor(0x00, 0x83, 0x8f),
+            QColor(0xad, 0x14, 0x57), QColor(0x5d, 0x40, 0x37)};
 }
 
 QColor ImportedCalendars::nextColor() const
@@ -138,7 +139,8 @@ void ImportedCalendars::save() const
     WriteDetail(kWindow, kCount, QString::number(m_sources.size()));
 }
 
-int ImportedCalendars::add(const QByteArray &bytes, const QString &name, const QString &address, QString *error)
+int ImportedCalendars::add(const QByteArray &bytes, const QString &name, const QString &address,
+                           QString *error)
 {
     QString problem;
     IcalCalendar calendar = IcalCalendar::fromBytes(bytes, &problem);
@@ -190,7 +192,8 @@ bool ImportedCalendars::replace(int index, const QByteArray &bytes, const QDateT
     Source &source = m_sources[index];
     QString problem;
     IcalCalendar calendar = IcalCalendar::fromBytes(bytes, &problem);
-    if (!calendar.isNull() && !(CreateFolderIfMissing(m_folder) && WriteFileSafely(pathOf(source), bytes, &problem)))
+    if (!calendar.isNull() &&
+        !(CreateFolderIfMissing(m_folder) && WriteFileSafely(pathOf(source), bytes, &problem)))
         calendar = IcalCalendar();
     if (calendar.isNull()) {
         noteFailedRefresh(index, problem);
@@ -244,7 +247,8 @@ QList<int> ImportedCalendars::dueForRefresh(const QDateTime &now, qint64 maxAge)
     return due;
 }
 
-QHash<QDate, QList<CalendarEventMark>> ImportedCalendars::marksBetween(const QDate &first, const QDate &last) const
+QHash<QDate, QList<CalendarEventMark>> ImportedCalendars::marksBetween(const QDate &first,
+                                                                       const QDate &last) const
 {
     QHash<QDate, QList<CalendarEventMark>> marks;
     for (const Source &source : m_sources)

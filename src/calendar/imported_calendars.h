@@ -34,8 +34,8 @@ public:
         QString file; // the copy's name in folder()
         QString name;
         QColor color;
-        QString address;  // empty for a file imported once
-        QDateTime fetched; // when the copy was last brought up to date (UTC)
+        QString address;     // empty for a file imported once
+        QDateTime fetched;   // when the copy was last brought up to date (UTC)
         QString lastProblem; // why the last refresh failed; empty when it did not
         IcalCalendar calendar;
     };

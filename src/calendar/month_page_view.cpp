@@ -134,7 +134,8 @@ void MonthPageView::paintGridLines(QPainter &painter)
 
 QString MonthPageView::noteOf(const QDate &date) const
 {
-    return m_notes.year() == date.year() && m_notes.month() == date.month() ? m_notes.note(date.day()) : QString();
+    return m_notes.year() == date.year() && m_notes.month() == date.month() ? m_notes.note(date.day())
+                                                                            : QString();
 }
 
 MonthPageView::CellText MonthPageView::layoutCell(const QRectF &cell, const QDate &date) const
@@ -148,8 +149,8 @@ MonthPageView::CellText MonthPageView::layoutCell(const QRectF &cell, const QDat
     const qreal pad = qMax(2.0, height * 0.04);
     text.numberText = QLocale().toString(date.day());
     const qreal inset = pad + numberMetrics.height() * 0.25; // room for today's disc
-    text.number = QRectF(cell.left() + inset, cell.top() + pad, numberMetrics.horizontalAdvance(text.numberText),
-                         numberMetrics.height());
+    text.number = QRectF(cell.left() + inset, cell.top() + pad,
+                         numberMetrics.horizontalAdvance(text.numberText), numberMetrics.height());
 
     // Below the number the user's note, then the events of imported calendars: the note has the
     // room it needs, but one line is kept for the events when there are any.
@@ -188,8 +189,7 @@ MonthPageView::CellText MonthPageView::layoutCell(const QRectF &cell, const QDat
     for (int i = 0; i < shown; ++i) {
         const CalendarEventMark &mark = marks.at(i);
         const QString line =
-            mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ') + mark.summary
-                                : mark.summary;
+            mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ') + mark.summary : mark.summary;
         const QString fitted = eventMetrics.elidedText(line, Qt::ElideRight, textWidth);
         eventWidth = qMax(eventWidth, bar * 2 + eventMetrics.horizontalAdvance(fitted));
         text.events.append({fitted, mark.color});
@@ -268,9 +268,11 @@ void MonthPageView::paintCellText(QPainter &painter, const CellText &text, bool 
         QColor color = text.events.at(i).second;
         if (!inMonth)
             color.setAlphaF(0.55);
-        painter.fillRect(QRectF(line.left(), line.top() + line.height() * 0.18, bar, line.height() * 0.64), color);
+        painter.fillRect(QRectF(line.left(), line.top() + line.height() * 0.18, bar, line.height() * 0.64),
+                         color);
         painter.setPen(color.darker(115));
-        painter.drawText(line.adjusted(bar * 2, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter, text.events.at(i).first);
+        painter.drawText(line.adjusted(bar * 2, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                         text.events.at(i).first);
     }
 }
 
@@ -292,14 +294,15 @@ bool MonthPageView::event(QEvent *event)
         if (note.isEmpty() && marks.isEmpty()) {
             QToolTip::hideText();
         } else {
-            QString tip = QStringLiteral("<b>%1</b>").arg(QLocale().toString(date, QLocale::LongFormat).toHtmlEscaped());
+            QString tip = QStringLiteral("<b>%1</b>")
+                              .arg(QLocale().toString(date, QLocale::LongFormat).toHtmlEscaped());
             if (!note.isEmpty())
-                tip += QStringLiteral("<br>") + note.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+                tip += QStringLiteral("<br>") +
+                       note.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
             for (const CalendarEventMark &mark : marks)
                 tip += QStringLiteral("<br><span style=\"color:%1\">\u25A0</span> %2")
                            .arg(mark.color.name(),
-                                (mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ')
-                                                     : QString()) +
+                                (mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ') : QString()) +
                                     mark.summary.toHtmlEscaped());
             QToolTip::showText(help->globalPos(), tip, this, cellArea(date));
         }

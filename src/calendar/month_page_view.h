@@ -1,8 +1,8 @@
 #pragma once
 
+#include "calendar/imported_calendars.h"
 #include "calendar/month_layout.h"
 #include "calendar/month_notes.h"
-#include "calendar/imported_calendars.h"
 #include "core/drawing/ink_canvas.h"
 
 #include <QDate>

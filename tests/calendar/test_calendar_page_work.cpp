@@ -1,10 +1,10 @@
 // Working on the month page over a session: stickers land beside the day's text, undo goes on
 // after the page was turned and turned back, ink stays on its days when the first day of the
 // week changes, and other calendars are imported, shown, dropped on the page and exported to.
-#include "calendar_test_data.h"
-#include "calendar_window_helpers.h"
 #include "calendar/calendar_store.h"
 #include "calendar/ical_calendar.h"
+#include "calendar_test_data.h"
+#include "calendar_window_helpers.h"
 #include "core/clock_source.h"
 #include "core/drawing/drawing_layer.h"
 #include "core/settings_store.h"
@@ -107,8 +107,9 @@ void TestCalendarPageWork::stickersLandBesideTheDaysText_data()
     QTest::addColumn<bool>("roomy"); // the text leaves room for a picture of some size
     QTest::newRow("no note") << QString() << QSize(300, 300) << QSize(800, 600) << true;
     QTest::newRow("one word") << QStringLiteral("Dentist") << QSize(300, 300) << QSize(800, 600) << true;
-    QTest::newRow("three lines, wide picture") << QStringLiteral("Dentist at 10\nbring the card\nand the letter")
-                                               << QSize(900, 300) << QSize(800, 600) << true;
+    QTest::newRow("three lines, wide picture")
+        << QStringLiteral("Dentist at 10\nbring the card\nand the letter") << QSize(900, 300)
+        << QSize(800, 600) << true;
     QTest::newRow("long line, tall picture")
         << QStringLiteral("Pick up the parcel from the post office before six") << QSize(200, 800)
         << QSize(1200, 800) << false;
@@ -320,7 +321,9 @@ void TestCalendarPageWork::exportWritesTheChosenMonth()
     QVERIFY(calendar->exportNotes(CalendarWidget::ExportSpan::Year, path));
     file.close();
     QVERIFY(file.open(QIODevice::ReadOnly));
-    QCOMPARE(IcalCalendar::fromBytes(file.readAll()).occurrences(QDate(2026, 1, 1), QDate(2026, 12, 31)).size(), 2);
+    QCOMPARE(
+        IcalCalendar::fromBytes(file.readAll()).occurrences(QDate(2026, 1, 1), QDate(2026, 12, 31)).size(),
+        2);
 }
 
 QTEST_MAIN(TestCalendarPageWork)

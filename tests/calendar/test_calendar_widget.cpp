@@ -1,11 +1,11 @@
 // The calendar window: what is written and drawn stays with its month and its days across a
 // restart and a change of size, damaged files are reported and set aside, and the page turns
 // when a day of another month is chosen.
-#include "calendar_window_helpers.h"
 #include "calendar/calendar_store.h"
 #include "calendar/calendar_widget.h"
 #include "calendar/elided_note.h"
 #include "calendar/month_page_view.h"
+#include "calendar_window_helpers.h"
 #include "core/clock_source.h"
 #include "core/drawing/drawing_layer.h"
 #include "support/test_home.h"

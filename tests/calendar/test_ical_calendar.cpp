@@ -1,8 +1,8 @@
 // Reading .ics files as other calendars write them: whole-day and timed events, time zones
 // from the file and from the system, yearly, monthly and weekly recurrences with exceptions,
 // and files that cannot be read.
-#include "calendar_test_data.h"
 #include "calendar/ical_calendar.h"
+#include "calendar_test_data.h"
 
 #include <QFile>
 #include <QTest>
@@ -56,7 +56,8 @@ void TestIcalCalendar::eventsOnTheirDays_data()
         << QStringList{"2026-11-05 07:15 Swimming", "2026-11-10 21:00 Call with the New York office",
                        "2026-11-20 07:30 Flight to Lisbon", "2026-11-28 02:00 Late show stream"};
     QTest::newRow("timed: the same file shown in New York")
-        << "timed-with-tzid.ics" << "America/New_York" << QDate(2026, 11, 1) << QDate(2026, 11, 30)
+        << "timed-with-tzid.ics"
+        << "America/New_York" << QDate(2026, 11, 1) << QDate(2026, 11, 30)
         << QStringList{"2026-11-05 07:15 Swimming", "2026-11-10 15:00 Call with the New York office",
                        "2026-11-20 01:30 Flight to Lisbon", "2026-11-27 20:00 Late show stream"};
     QTest::newRow("birthdays: a year later")
@@ -144,9 +145,12 @@ void TestIcalCalendar::nameAndCount_data()
     QTest::addColumn<QString>("file");
     QTest::addColumn<QString>("name");
     QTest::addColumn<int>("events");
-    QTest::newRow("holidays") << "public-holidays.ics" << "Public holidays" << 4;
-    QTest::newRow("birthdays") << "birthdays.ics" << "Birthdays" << 4;
-    QTest::newRow("moved instance counts with its series") << "weekly-meeting.ics" << "" << 2;
+    QTest::newRow("holidays") << "public-holidays.ics"
+                              << "Public holidays" << 4;
+    QTest::newRow("birthdays") << "birthdays.ics"
+                               << "Birthdays" << 4;
+    QTest::newRow("moved instance counts with its series") << "weekly-meeting.ics"
+                                                           << "" << 2;
 }
 
 void TestIcalCalendar::nameAndCount()

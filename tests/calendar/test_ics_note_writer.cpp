@@ -47,7 +47,8 @@ QString pythonWithIcalendar()
     for (const QString &python : candidates) {
         QProcess probe;
         probe.start(python, {QStringLiteral("-c"), QStringLiteral("import icalendar")});
-        if (probe.waitForFinished(20000) && probe.exitStatus() == QProcess::NormalExit && probe.exitCode() == 0)
+        if (probe.waitForFinished(20000) && probe.exitStatus() == QProcess::NormalExit &&
+            probe.exitCode() == 0)
             return python;
     }
     return {};
@@ -65,14 +66,16 @@ Notes sampleNotes(const QString &which)
                 {QDate(2028, 2, 29), QStringLiteral("Leap day, \"quoted\"")}};
     if (which == QLatin1String("long and not ASCII"))
         return {{QDate(2026, 12, 31),
-                 QStringLiteral("Silvester \u00fc\u00f6\u00e4\u00df \u65e5\u672c\u8a9e \U0001F389 ").repeated(6).trimmed()}};
+                 QStringLiteral("Silvester \u00fc\u00f6\u00e4\u00df \u65e5\u672c\u8a9e \U0001F389 ")
+                     .repeated(6)
+                     .trimmed()}};
     return {};
 }
 
 QStringList allNoteKinds()
 {
-    return {QStringLiteral("plain"), QStringLiteral("several lines"), QStringLiteral("characters iCalendar escapes"),
-            QStringLiteral("long and not ASCII")};
+    return {QStringLiteral("plain"), QStringLiteral("several lines"),
+            QStringLiteral("characters iCalendar escapes"), QStringLiteral("long and not ASCII")};
 }
 
 } // namespace
@@ -123,7 +126,8 @@ void TestIcsNoteWriter::anotherReaderFindsTheSameDaysAndTexts()
         QCOMPARE(event.value(QStringLiteral("day")).toString(), note.key().toString(Qt::ISODate));
         QCOMPARE(event.value(QStringLiteral("days")).toInt(), 1);
         QCOMPARE(event.value(QStringLiteral("description")).toString(), note.value());
-        QCOMPARE(event.value(QStringLiteral("summary")).toString(), note.value().section(QLatin1Char('\n'), 0, 0));
+        QCOMPARE(event.value(QStringLiteral("summary")).toString(),
+                 note.value().section(QLatin1Char('\n'), 0, 0));
         QCOMPARE(event.value(QStringLiteral("uid")).toString(), IcsNoteWriter::uidFor(note.key()));
         ++note;
     }
@@ -183,8 +187,8 @@ void TestIcsNoteWriter::aFailedWriteSaysWhyAndLeavesNothing()
     QVERIFY(blocker.open(QIODevice::WriteOnly));
     blocker.close();
     QString error;
-    QVERIFY(!IcsNoteWriter::write(notAFolder + QStringLiteral("/notes.ics"), sampleNotes(QStringLiteral("plain")),
-                                  kStamp, &error));
+    QVERIFY(!IcsNoteWriter::write(notAFolder + QStringLiteral("/notes.ics"),
+                                  sampleNotes(QStringLiteral("plain")), kStamp, &error));
     QVERIFY2(error.contains(QStringLiteral("notes.ics")), qPrintable(error));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::NoDotAndDotDot), QStringList{"plain file"});
 }
@@ -214,7 +218,8 @@ void TestIcsNoteWriter::theChosenSpanIsExported()
         QVERIFY(store.saveNotes(notes));
     }
     // A file set aside as damaged is not a month of notes.
-    QFile::copy(store.notesPath(2026, 11), QDir(store.folder()).filePath(QStringLiteral("2026-11 damaged 1.txt")));
+    QFile::copy(store.notesPath(2026, 11),
+                QDir(store.folder()).filePath(QStringLiteral("2026-11 damaged 1.txt")));
     const Notes exported = store.notesBetween(first, last);
     QCOMPARE(exported.keys(), days);
     for (const QDate &day : days)

@@ -1,10 +1,10 @@
 // Imported and subscribed calendars: kept as copies in the calendar folder and listed in the
 // settings, refused whole when they cannot be read, and brought up to date from their address
 // with the last good copy kept when a download fails.
-#include "calendar_test_data.h"
 #include "calendar/calendar_store.h"
 #include "calendar/calendar_subscriber.h"
 #include "calendar/imported_calendars.h"
+#include "calendar_test_data.h"
 #include "support/local_http_server.h"
 #include "support/test_home.h"
 
@@ -121,7 +121,10 @@ void TestImportedCalendars::calendarsAreShownTogetherAndRemoved()
     m_calendars->addFile(calendarDataPath(QStringLiteral("birthdays.ics")));
     QCOMPARE(summariesOn(*m_calendars, QDate(2026, 11, 30)),
              (QStringList{"Grandpa's birthday", "Month-end review"}));
-    QCOMPARE(m_calendars->marksBetween(QDate(2026, 11, 30), QDate(2026, 11, 30)).value(QDate(2026, 11, 30)).at(0).color,
+    QCOMPARE(m_calendars->marksBetween(QDate(2026, 11, 30), QDate(2026, 11, 30))
+                 .value(QDate(2026, 11, 30))
+                 .at(0)
+                 .color,
              m_calendars->source(2).color);
 
     const QString removedCopy = m_calendars->source(0).file;
@@ -186,9 +189,11 @@ void TestImportedCalendars::aDayOldSubscriptionIsFetchedAgain_data()
     QTest::addColumn<QByteArray>("newBody");
     QTest::addColumn<int>("status");
     QTest::addColumn<QStringList>("shownAfter");
-    const QByteArray moved = calendarDataFile(QStringLiteral("public-holidays.ics")).replace("All Saints' Day", "All Saints");
+    const QByteArray moved =
+        calendarDataFile(QStringLiteral("public-holidays.ics")).replace("All Saints' Day", "All Saints");
     QTest::newRow("changed") << moved << 200 << QStringList{"All Saints"};
-    QTest::newRow("server error: last good copy") << QByteArray("oops") << 500 << QStringList{"All Saints' Day"};
+    QTest::newRow("server error: last good copy")
+        << QByteArray("oops") << 500 << QStringList{"All Saints' Day"};
     QTest::newRow("broken file: last good copy")
         << calendarDataFile(QStringLiteral("malformed.ics")) << 200 << QStringList{"All Saints' Day"};
 }
@@ -215,7 +220,8 @@ void TestImportedCalendars::aDayOldSubscriptionIsFetchedAgain()
     next.status = status;
     next.body = newBody;
     server.setResponse("/h.ics", next);
-    const QDateTime dayOld = QDateTime::currentDateTimeUtc().addSecs(-CalendarSubscriber::kRefreshAgeSeconds - 60);
+    const QDateTime dayOld =
+        QDateTime::currentDateTimeUtc().addSecs(-CalendarSubscriber::kRefreshAgeSeconds - 60);
     QVERIFY(m_calendars->replace(0, calendarDataFile(QStringLiteral("public-holidays.ics")), dayOld));
     subscriber.refreshDue();
     QTRY_COMPARE(refreshed.size(), 1);
@@ -236,12 +242,18 @@ void TestImportedCalendars::addressesAreCheckedBeforeFetching_data()
 {
     QTest::addColumn<QString>("typed");
     QTest::addColumn<QString>("fetched");
-    QTest::newRow("https") << "https://example.org/cal.ics" << "https://example.org/cal.ics";
-    QTest::newRow("webcal") << "webcal://example.org/cal.ics" << "https://example.org/cal.ics";
-    QTest::newRow("blanks") << "  http://example.org/a.ics " << "http://example.org/a.ics";
-    QTest::newRow("a file") << "file:///etc/passwd" << "";
-    QTest::newRow("ftp") << "ftp://example.org/cal.ics" << "";
-    QTest::newRow("nothing") << "" << "";
+    QTest::newRow("https") << "https://example.org/cal.ics"
+                           << "https://example.org/cal.ics";
+    QTest::newRow("webcal") << "webcal://example.org/cal.ics"
+                            << "https://example.org/cal.ics";
+    QTest::newRow("blanks") << "  http://example.org/a.ics "
+                            << "http://example.org/a.ics";
+    QTest::newRow("a file") << "file:///etc/passwd"
+                            << "";
+    QTest::newRow("ftp") << "ftp://example.org/cal.ics"
+                         << "";
+    QTest::newRow("nothing") << ""
+                             << "";
 }
 
 void TestImportedCalendars::addressesAreCheckedBeforeFetching()

@@ -72,9 +72,11 @@ void TestPageGeometry::picturesKeepClearOfTheText()
     QFETCH(QRectF, expected);
     const QRectF spot = ClearSpotForPicture(kDay, text, picture, share);
     const auto near = [](qreal a, qreal b) { return qAbs(a - b) < 0.2; };
-    QVERIFY2(near(spot.x(), expected.x()) && near(spot.y(), expected.y()) && near(spot.width(), expected.width()) &&
-                 near(spot.height(), expected.height()),
-             qPrintable(QStringLiteral("%1,%2 %3x%4").arg(spot.x()).arg(spot.y()).arg(spot.width()).arg(spot.height())));
+    QVERIFY2(
+        near(spot.x(), expected.x()) && near(spot.y(), expected.y()) &&
+            near(spot.width(), expected.width()) && near(spot.height(), expected.height()),
+        qPrintable(
+            QStringLiteral("%1,%2 %3x%4").arg(spot.x()).arg(spot.y()).arg(spot.width()).arg(spot.height())));
     QVERIFY(kDay.contains(spot));
     QVERIFY(qAbs(spot.width() / spot.height() - picture.width() / picture.height()) < 0.01);
 }
