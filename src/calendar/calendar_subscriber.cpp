@@ -49,14 +49,26 @@ void CalendarSubscriber::subscribe(const QString &address)
 
 void CalendarSubscriber::refreshDue()
 {
-    for (int index : m_calendars.dueForRefresh(QDateTime::currentDateTimeUtc(), kRefreshAgeSeconds)) {
-        const QString file = m_calendars.source(index).file;
-        const bool queued =
-            std::any_of(m_queue.begin(), m_queue.end(), [&](const Job &job) { return job.file == file; });
-        if (!queued && !(m_running && m_current.file == file))
-            m_queue.append({file, m_calendars.source(index).address});
-    }
+    for (int index : m_calendars.dueForRefresh(QDateTime::currentDateTimeUtc(), kRefreshAgeSeconds))
+        queueRefresh(index);
     startNext();
+}
+
+void CalendarSubscriber::refresh(int index)
+{
+    if (index < 0 || index >= m_calendars.count() || m_calendars.source(index).address.isEmpty())
+        return;
+    queueRefresh(index);
+    startNext();
+}
+
+void CalendarSubscriber::queueRefresh(int index)
+{
+    const QString file = m_calendars.source(index).file;
+    const bool queued =
+        std::any_of(m_queue.begin(), m_queue.end(), [&file](const Job &job) { return job.file == file; });
+    if (!queued && !(m_running && m_current.file == file))
+        m_queue.append({file, m_calendars.source(index).address});
 }
 
 void CalendarSubscriber::startNext()

@@ -29,6 +29,8 @@ public:
     void subscribe(const QString &address);
     // Fetches every subscription whose copy is a day old or more; each ends with refreshed().
     void refreshDue();
+    // Fetches one subscription now, however old its copy; ends with refreshed().
+    void refresh(int index);
     bool isBusy() const;
     void setTimeLimitForTesting(int ms) { m_timeLimitMs = ms; }
 
@@ -44,6 +46,7 @@ private:
         QString address; // as the user gave it
     };
 
+    void queueRefresh(int index);
     void startNext();
     void finished(const QByteArray *bytes, const QString &problem);
     int indexOf(const QString &file) const;

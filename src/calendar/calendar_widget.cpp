@@ -310,8 +310,15 @@ DrawingLayer *CalendarWidget::layerFor(const MonthLayout &layout)
     layer->setClean();
     if (!problem.isEmpty())
         ShowNotice(tr("Calendar Drawing Damaged"), problem, true, this);
+    // A month left without anything to undo is read again when it comes back; only histories
+    // take memory worth keeping, and the oldest of them go first.
+    for (int i = int(m_layers.size()) - 1; i >= 0; --i) {
+        DrawingLayer *kept = m_layers.at(i).second;
+        if (kept != m_layer && !kept->canUndo() && !kept->canRedo())
+            delete m_layers.takeAt(i).second;
+    }
     m_layers.append({key, layer});
-    if (m_layers.size() > kKeptMonths)
+    while (m_layers.size() > kKeptMonths)
         delete m_layers.takeFirst().second; // the oldest is never the one shown
     return layer;
 }
@@ -436,6 +443,8 @@ void CalendarWidget::fillCalendarsMenu()
             about->setEnabled(false);
             about->setToolTip(source.address);
         }
+        if (!source.address.isEmpty())
+            menu->addAction(tr("Fetch &Now"), this, [this, i] { m_subscriber->refresh(i); });
         menu->addAction(tr("&Colour..."), this, [this, i] { chooseColor(i); });
         menu->addAction(tr("&Remove"), this, [this, i] {
             if (ConfirmDestructiveAction(
