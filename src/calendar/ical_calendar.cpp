@@ -117,6 +117,13 @@ QDate lastDayOf(const icalrecurrencetype &rule, const icaltimetype &start)
     }
 }
 
+// Every year on the day it started, for ever.
+bool isPlainYearly(const icalrecurrencetype &rule)
+{
+    return rule.freq == ICAL_YEARLY_RECURRENCE && rule.interval <= 1 && rule.count == 0 &&
+           icaltime_is_null_time(rule.until) && !hasByParts(rule);
+}
+
 // Whether two times read the same on the clock, without working out their zones.
 bool sameClockTime(const icaltimetype &a, const icaltimetype &b)
 {
@@ -425,7 +432,18 @@ void IcalCalendar::Data::expand(const Event &event, QList<IcalOccurrence> &out, 
     for (const icaltimetype &extra : event.extraStarts)
         if (inReach(extra))
             add(event, out, first, last, extra);
-    for (const icalrecurrencetype &rule : event.rules)
+    for (const icalrecurrencetype &rule : event.rules) {
+        if (isPlainYearly(rule)) {
+            // Birthdays and holidays: the same day each year, found without libical's iterator
+            // (29 February only in leap years, as the iterator has it).
+            for (int year = qMax(from.year(), event.start.year + 1); year <= to.year(); ++year) {
+                icaltimetype t = event.start;
+                t.year = year;
+                if (QDate(year, t.month, t.day).isValid() && inReach(t))
+                    add(event, out, first, last, t);
+            }
+            continue;
+        }
         followRule(rule, event.start, from, [&](const icaltimetype &t) {
             if (dateOf(t) > to)
                 return false;
@@ -433,6 +451,7 @@ void IcalCalendar::Data::expand(const Event &event, QList<IcalOccurrence> &out, 
                 add(event, out, first, last, t);
             return true;
         });
+    }
 }
 
 IcalCalendar::IcalCalendar() = default;
