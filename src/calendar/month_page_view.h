@@ -7,13 +7,14 @@
 
 #include <QDate>
 
-// The month page: the day cells with their numbers and notes, and the month's drawing over
-// them. The drawing is a page of its own fixed size (MonthLayout::pageSize) stretched over the
+// The month page: the day cells with their numbers and notes, under each note the events of
+// imported calendars (a line each in its calendar's colour, read-only), and the month's drawing
+// over them. The drawing is a page of its own fixed size (MonthLayout::pageSize) stretched over the
 // view, so a stroke stays on the day it was drawn on whatever the window's size.
 //
 // With the pointer tool (InkCanvas::Tool::Pointer) a click chooses a day, a double click or Enter asks for
 // its note and the arrow keys move between days; with a pen the page takes ink. A long note is shortened with
-// an ellipsis in its cell and shown whole in the day's tooltip.
+// an ellipsis in its cell and shown whole, with the day's events, in the day's tooltip.
 class MonthPageView : public InkCanvas
 {
     Q_OBJECT
