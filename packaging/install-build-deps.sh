@@ -21,6 +21,7 @@ packages=(
   dpkg-dev file
   xvfb openbox xdotool x11-utils
   weston xwayland qt6-wayland
+  libical-dev python3-icalendar
 )
 
 missing=()

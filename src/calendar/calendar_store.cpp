@@ -1,6 +1,7 @@
 #include "calendar/calendar_store.h"
 
 #include "calendar/month_layout.h"
+#include "calendar/month_page_remap.h"
 #include "core/app_paths.h"
 #include "core/file_helpers.h"
 #include "core/safe_file_write.h"
@@ -21,6 +22,9 @@ namespace {
 // the fastest that packs at all. A page is mostly transparent: level 1 already makes it small,
 // and Qt's default (level 6) takes about half as long again for a page full of ink.
 constexpr int kPngCompression = 11;
+
+// The PNG text key that records the first day of the week a page was drawn with (1 Monday .. 7).
+const QString kFirstDayKey = QStringLiteral("First Day Of Week");
 
 // Gives up looking for a free name to move a damaged file to after this many tries.
 constexpr int kMaxSetAsideNumber = 999;
@@ -102,14 +106,18 @@ QString setAsideMessage(const QString &what, const QString &path)
     return tr("%1 The file as it was is kept as %2.").arg(what, shown(aside));
 }
 
-QByteArray pngBytes(const QImage &page, QString *error)
+QByteArray pngBytes(const QImage &page, Qt::DayOfWeek firstDayOfWeek, QString *error)
 {
     QByteArray bytes;
     QBuffer buffer(&bytes);
     buffer.open(QIODevice::WriteOnly);
     QImageWriter writer(&buffer, "png");
     writer.setCompression(kPngCompression);
-    if (writer.write(page))
+    // The key travels as a text chunk of the PNG; setting it copies the pixels once, which is
+    // small beside making the PNG.
+    QImage noted = page;
+    noted.setText(kFirstDayKey, QString::number(int(firstDayOfWeek)));
+    if (writer.write(noted))
         return bytes;
     tell(error, tr("The drawing could not be made into a PNG picture (%1).").arg(writer.errorString()));
     return {};
@@ -187,6 +195,14 @@ bool CalendarStore::saveNotes(const MonthNotes &notes, QString *error) const
 
 QImage CalendarStore::loadDrawing(int year, int month, QString *problem) const
 {
+    // No first day of the week: the page as the file lays it out.
+    return loadDrawing(MonthLayout(year, month, Qt::DayOfWeek(0)), problem);
+}
+
+QImage CalendarStore::loadDrawing(const MonthLayout &layout, QString *problem) const
+{
+    const int year = layout.year();
+    const int month = layout.month();
     const QString path = drawingPath(year, month);
     QFile file(path);
     if (!file.open(QIODevice::ReadOnly)) {
@@ -199,6 +215,8 @@ QImage CalendarStore::loadDrawing(int year, int month, QString *problem) const
     QImageReader reader(&file);
     QImage image = reader.read();
     file.close();
+    bool known = false;
+    const int drawnWith = image.text(kFirstDayKey).toInt(&known);
     if (image.isNull()) {
         tell(problem, setAsideMessage(tr("The drawing for %1 could not be read as a picture (%2).")
                                           .arg(monthName(year, month), reader.errorString()),
@@ -209,15 +227,28 @@ QImage CalendarStore::loadDrawing(int year, int month, QString *problem) const
     image.convertTo(QImage::Format_ARGB32_Premultiplied);
     if (image.size() != MonthLayout::pageSize())
         image = image.scaled(MonthLayout::pageSize(), Qt::IgnoreAspectRatio, Qt::SmoothTransformation);
+    if (int(layout.firstDayOfWeek()) >= Qt::Monday) {
+        const Qt::DayOfWeek from = known && drawnWith >= Qt::Monday && drawnWith <= Qt::Sunday
+                                       ? Qt::DayOfWeek(drawnWith)
+                                       : LocaleFirstDayOfWeek();
+        image = RemapPageCells(image, MonthLayout(year, month, from), layout);
+    }
     return image;
 }
 
 bool CalendarStore::saveDrawing(int year, int month, const QImage &page, QString *error) const
 {
+    return saveDrawing(MonthLayout(year, month, LocaleFirstDayOfWeek()), page, error);
+}
+
+bool CalendarStore::saveDrawing(const MonthLayout &layout, const QImage &page, QString *error) const
+{
+    const int year = layout.year();
+    const int month = layout.month();
     const QString path = drawingPath(year, month);
     if (isFullyTransparent(page))
         return removeIfPresent(path, error);
-    const QByteArray bytes = pngBytes(page, error);
+    const QByteArray bytes = pngBytes(page, layout.firstDayOfWeek(), error);
     if (bytes.isEmpty() || !ensureFolder(m_folder, error))
         return false;
     QString reason;
@@ -236,6 +267,33 @@ QString CalendarStore::noteFor(const QDate &date) const
     if (!file.open(QIODevice::ReadOnly))
         return {};
     return MonthNotes::fromText(date.year(), date.month(), file.readAll()).note(date.day());
+}
+
+QMap<QDate, QString> CalendarStore::notesBetween(const QDate &first, const QDate &last) const
+{
+    QMap<QDate, QString> notes;
+    const QStringList files =
+        QDir(m_folder).entryList({QStringLiteral("\?\?\?\?-\?\?.txt")}, QDir::Files, QDir::Name);
+    for (const QString &name : files) {
+        bool yearOk = false;
+        bool monthOk = false;
+        const int year = name.left(4).toInt(&yearOk);
+        const int month = name.mid(5, 2).toInt(&monthOk);
+        const QDate firstOfMonth(year, month, 1);
+        if (!yearOk || !monthOk || !firstOfMonth.isValid() || firstOfMonth > last ||
+            firstOfMonth.addMonths(1) <= first)
+            continue;
+        QFile file(QDir(m_folder).filePath(name));
+        if (!file.open(QIODevice::ReadOnly))
+            continue;
+        const MonthNotes monthNotes = MonthNotes::fromText(year, month, file.readAll());
+        for (int day : monthNotes.days()) {
+            const QDate date(year, month, day);
+            if (date >= first && date <= last)
+                notes.insert(date, monthNotes.note(day));
+        }
+    }
+    return notes;
 }
 
 QString CalendarStore::setAside(const QString &path)

@@ -1,9 +1,11 @@
 #pragma once
 
+#include "calendar/month_layout.h"
 #include "calendar/month_notes.h"
 
 #include <QDate>
 #include <QImage>
+#include <QMap>
 #include <QString>
 
 // The calendar folder: for each month a drawing, "2026-11.png" (a transparent PNG of the whole
@@ -38,9 +40,19 @@ public:
     // with *problem set, and a blank page returned; a picture of another size (edited
     // elsewhere) is scaled onto the page.
     QImage loadDrawing(int year, int month, QString *problem = nullptr) const;
+    // The same, laid out for `layout`'s first day of the week. The file says which first day it
+    // was drawn with (a file that does not was drawn with the locale's); when that is another,
+    // each day's ink is moved to where its day is now.
+    QImage loadDrawing(const MonthLayout &layout, QString *problem = nullptr) const;
     // Writes the page as a PNG through WriteFileSafely(), creating the folder when missing; a
     // fully transparent page removes the file instead. False, with *error, on failure.
     bool saveDrawing(int year, int month, const QImage &page, QString *error = nullptr) const;
+    // Writes the page drawn on `layout`, noting its first day of the week in the file.
+    bool saveDrawing(const MonthLayout &layout, const QImage &page, QString *error = nullptr) const;
+
+    // The notes of the days from `first` to `last`, read quietly from every month file there is
+    // (lines that cannot be read are left out; nothing is moved aside): for exporting.
+    QMap<QDate, QString> notesBetween(const QDate &first, const QDate &last) const;
 
     // One day's note, read quietly (nothing is moved aside): for a glance at today.
     QString noteFor(const QDate &date) const;

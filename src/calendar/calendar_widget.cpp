@@ -2,8 +2,11 @@
 
 #include "calendar/calendar_insert_dialog.h"
 #include "calendar/calendar_ruler.h"
+#include "calendar/calendar_subscriber.h"
 #include "calendar/day_note_dialog.h"
+#include "calendar/ics_note_writer.h"
 #include "calendar/month_page_view.h"
+#include "calendar/picture_spot.h"
 #include "core/clock_source.h"
 #include "core/drawing/drawing_layer.h"
 #include "core/drawing/floating_item.h"
@@ -18,20 +21,32 @@
 #include "themes/theme_colors.h"
 #include "themes/theme_painter.h"
 
+#include <QActionGroup>
 #include <QCloseEvent>
+#include <QColorDialog>
 #include <QDragEnterEvent>
 #include <QDropEvent>
+#include <QFileDialog>
+#include <QFileInfo>
 #include <QGridLayout>
 #include <QHBoxLayout>
+#include <QInputDialog>
 #include <QLabel>
 #include <QLocale>
+#include <QMenu>
 #include <QMimeData>
+#include <QStandardPaths>
 #include <QToolButton>
 #include <QVBoxLayout>
 
 namespace {
 const QString kWindow = QStringLiteral("fcln_IDX");
 const QString kWeekNumbers = QStringLiteral("Week Numbers");
+const QString kFirstDay = QStringLiteral("First Day Of Week");
+// Months whose drawing and undo history are kept while the window is open.
+constexpr int kKeptMonths = 12;
+// How often the subscriptions are looked at; each is fetched once its copy is a day old.
+constexpr int kRefreshCheckMs = 60 * 60 * 1000;
 // The drawing is written this long after the last change, so a run of strokes is one write.
 constexpr int kSaveDelayMs = 400;
 // A sticker takes this part of its day's height; a picture at most this part of the day.
@@ -50,13 +65,38 @@ QDate today()
     return ClockSource::now().date();
 }
 
+// 0 follows the locale.
+Qt::DayOfWeek firstDayFor(int choice)
+{
+    return choice >= Qt::Monday && choice <= Qt::Sunday ? Qt::DayOfWeek(choice) : LocaleFirstDayOfWeek();
+}
+
+int storedFirstDayChoice()
+{
+    const int choice = ReadIntDetail(kWindow, kFirstDay, 0);
+    return choice >= Qt::Monday && choice <= Qt::Sunday ? choice : 0;
+}
+
+QIcon colorIcon(const QColor &color)
+{
+    QPixmap swatch(14, 14);
+    swatch.fill(color);
+    return QIcon(swatch);
+}
+
 } // namespace
 
 CalendarWidget::CalendarWidget(QWidget *parent)
     : WidgetWindow(WidgetWindowName(WidgetCalendar), WidgetCalendar, tr("Vantora Calendar"), parent),
-      m_store(CalendarStore::defaultFolder()),
-      m_layout(today().year(), today().month(), LocaleFirstDayOfWeek()), m_layer(new DrawingLayer(this))
+      m_store(CalendarStore::defaultFolder()), m_imported(CalendarStore::defaultFolder()),
+      m_firstDayChoice(storedFirstDayChoice()),
+      m_layout(today().year(), today().month(), firstDayFor(m_firstDayChoice)),
+      m_layer(new DrawingLayer(this))
 {
+    setAcceptDrops(true);
+    QStringList problems;
+    m_imported.load(&problems);
+    m_subscriber = new CalendarSubscriber(m_imported, this);
     m_title = AddBarTitle(bar(), tr("Calendar"));
     auto *commands = new QWidget(panel());
     buildCommandRow(commands);
@@ -79,7 +119,6 @@ CalendarWidget::CalendarWidget(QWidget *parent)
     m_midnight.setTimerType(Qt::VeryCoarseTimer);
     connect(&m_midnight, &QTimer::timeout, this, &CalendarWidget::followToday);
 
-    connect(m_layer, &DrawingLayer::historyChanged, this, &CalendarWidget::drawingChanged);
     connect(m_page, &InkCanvas::undoStateChanged, this, &CalendarWidget::showUndoState);
     connect(m_page, &InkCanvas::placedItemChanged, this, &CalendarWidget::showHint);
     connect(m_page, &MonthPageView::dateChosen, this, &CalendarWidget::showDate);
@@ -87,12 +126,25 @@ CalendarWidget::CalendarWidget(QWidget *parent)
     connect(m_page, &MonthPageView::noteRemovalRequested, this, &CalendarWidget::removeNote);
     connect(m_tools, &DrawingToolBar::pensChanged, this, &CalendarWidget::applyPens);
 
+    connect(m_subscriber, &CalendarSubscriber::subscribed, this, &CalendarWidget::showEventMarks);
+    connect(m_subscriber, &CalendarSubscriber::refreshed, this, &CalendarWidget::showEventMarks);
+    connect(m_subscriber, &CalendarSubscriber::subscribeFailed, this, [this](const QString &message) {
+        ShowNotice(tr("Cannot Subscribe to the Calendar"), message, true, this);
+    });
+    m_refreshTimer.setInterval(kRefreshCheckMs);
+    m_refreshTimer.setTimerType(Qt::VeryCoarseTimer);
+    connect(&m_refreshTimer, &QTimer::timeout, m_subscriber, &CalendarSubscriber::refreshDue);
+    m_refreshTimer.start();
+
     installShortcuts();
     showWeekNumbers(ReadBoolDetail(kWindow, kWeekNumbers, false));
     applyPens();
     followToday();
     showDate(today());
     m_page->setFocus(); // the arrow keys move between days as soon as the window is active
+    if (!problems.isEmpty())
+        ShowNotice(tr("Imported Calendar Damaged"), problems.join(QLatin1Char('\n')), true, this);
+    m_subscriber->refreshDue();
 }
 
 CalendarWidget::~CalendarWidget()
@@ -143,6 +195,13 @@ void CalendarWidget::buildCommandRow(QWidget *row)
     m_redo =
         AddPanelCommand(row, QStringLiteral("btnREDO"), tr("Redo"), QString(), [this] { m_page->redo(); });
     layout->addSpacing(8);
+    QToolButton *calendars = AddPanelCommand(row, QStringLiteral("btnCALENDARS"), tr("Calendars"),
+                                             tr("Import, subscribe to and export calendars (.ics)"), [] {});
+    m_calendarsMenu = new QMenu(calendars);
+    m_calendarsMenu->setObjectName(QStringLiteral("mnuCALENDARS"));
+    connect(m_calendarsMenu, &QMenu::aboutToShow, this, &CalendarWidget::fillCalendarsMenu);
+    calendars->setMenu(m_calendarsMenu);
+    calendars->setPopupMode(QToolButton::InstantPopup);
     m_weeksButton = AddPanelCommand(row, QStringLiteral("btnWEEKS"), tr("Weeks"), tr("Show the week numbers"),
                                     [this] { showWeekNumbers(m_weeksButton->isChecked()); });
     m_weeksButton->setCheckable(true);
@@ -216,14 +275,12 @@ void CalendarWidget::loadMonth(const MonthLayout &layout)
     m_notesUnsaved = false;
     if (!problem.isEmpty())
         ShowNotice(tr("Calendar Notes Damaged"), problem, true, this);
-    problem.clear();
-    m_layer->reset(m_store.loadDrawing(layout.year(), layout.month(), &problem));
-    m_layer->setClean();
-    if (!problem.isEmpty())
-        ShowNotice(tr("Calendar Drawing Damaged"), problem, true, this);
+    m_layer = layerFor(layout);
+    m_page->setLayer(m_layer);
     m_lastSaveError.clear();
 
     m_page->setMonth(layout, m_notes);
+    showEventMarks();
     m_weekdays->setMonth(layout);
     m_weekNumbers->setMonth(layout);
     const QString title =
@@ -233,6 +290,226 @@ void CalendarWidget::loadMonth(const MonthLayout &layout)
     m_title->adjustSize();
     setWindowTitle(tr("Vantora Calendar - %1").arg(title));
     showUndoState();
+}
+
+DrawingLayer *CalendarWidget::layerFor(const MonthLayout &layout)
+{
+    // A month seen before in this session comes back with its history: undo goes on there.
+    const QString key = layout.fileStem();
+    for (int i = 0; i < m_layers.size(); ++i) {
+        if (m_layers.at(i).first == key) {
+            m_layers.append(m_layers.takeAt(i));
+            return m_layers.last().second;
+        }
+    }
+    DrawingLayer *layer = m_layers.isEmpty() ? m_layer : new DrawingLayer(this);
+    connect(layer, &DrawingLayer::historyChanged, this, &CalendarWidget::drawingChanged,
+            Qt::UniqueConnection);
+    QString problem;
+    layer->reset(m_store.loadDrawing(layout, &problem));
+    layer->setClean();
+    if (!problem.isEmpty())
+        ShowNotice(tr("Calendar Drawing Damaged"), problem, true, this);
+    // A month left without anything to undo is read again when it comes back; only histories
+    // take memory worth keeping, and the oldest of them go first.
+    for (int i = int(m_layers.size()) - 1; i >= 0; --i) {
+        DrawingLayer *kept = m_layers.at(i).second;
+        if (kept != m_layer && !kept->canUndo() && !kept->canRedo())
+            delete m_layers.takeAt(i).second;
+    }
+    m_layers.append({key, layer});
+    while (m_layers.size() > kKeptMonths)
+        delete m_layers.takeFirst().second; // the oldest is never the one shown
+    return layer;
+}
+
+void CalendarWidget::forgetOtherLayers()
+{
+    for (const auto &kept : std::as_const(m_layers))
+        if (kept.second != m_layer)
+            delete kept.second;
+    m_layers.clear();
+}
+
+void CalendarWidget::showEventMarks()
+{
+    const QDate first = m_layout.firstShown();
+    m_page->setEventMarks(
+        m_imported.marksBetween(first, first.addDays(MonthLayout::kRows * MonthLayout::kColumns - 1)));
+}
+
+// ---- calendars of other programs ----
+
+bool CalendarWidget::importCalendar(const QString &path)
+{
+    QString error;
+    if (m_imported.addFile(path, &error) < 0) {
+        ShowNotice(tr("Cannot Import the Calendar"),
+                   tr("\"%1\" was not imported: %2 Nothing has been changed.")
+                       .arg(QFileInfo(path).fileName(),
+                            error.endsWith(QLatin1Char('.')) ? error : error + QLatin1Char('.')),
+                   true, this);
+        return false;
+    }
+    showEventMarks();
+    return true;
+}
+
+void CalendarWidget::subscribeTo(const QString &address)
+{
+    QString error;
+    if (CalendarSubscriber::fetchAddress(address, &error).isEmpty()) {
+        ShowNotice(tr("Cannot Subscribe to the Calendar"), error, true, this);
+        return;
+    }
+    m_subscriber->subscribe(address);
+}
+
+bool CalendarWidget::removeCalendar(int index)
+{
+    QString error;
+    if (!m_imported.remove(index, &error)) {
+        if (!error.isEmpty())
+            ShowNotice(tr("Cannot Remove the Calendar"), error, true, this);
+        return false;
+    }
+    showEventMarks();
+    return true;
+}
+
+bool CalendarWidget::exportNotes(ExportSpan span, const QString &path)
+{
+    saveNotes(); // what is on the page is what is exported
+    QDate first(1, 1, 1);
+    QDate last(9999, 12, 31);
+    if (span == ExportSpan::Month) {
+        first = m_layout.firstDay();
+        last = first.addDays(m_layout.daysInMonth() - 1);
+    } else if (span == ExportSpan::Year) {
+        first = QDate(m_layout.year(), 1, 1);
+        last = QDate(m_layout.year(), 12, 31);
+    }
+    QString error;
+    if (!IcsNoteWriter::write(path, m_store.notesBetween(first, last), QDateTime::currentDateTimeUtc(),
+                              &error)) {
+        ShowNotice(tr("Cannot Export the Notes"), error, true, this);
+        return false;
+    }
+    return true;
+}
+
+void CalendarWidget::setFirstDayChoice(int choice)
+{
+    m_firstDayChoice = choice >= Qt::Monday && choice <= Qt::Sunday ? choice : 0;
+    WriteDetail(kWindow, kFirstDay, QString::number(m_firstDayChoice));
+    const Qt::DayOfWeek first = firstDayFor(m_firstDayChoice);
+    if (first == m_layout.firstDayOfWeek())
+        return;
+    // The month is written with the first day it was drawn with, then read back for the new one;
+    // the histories kept are in the old layout and go.
+    m_page->settle();
+    saveNow();
+    forgetOtherLayers();
+    const QDate selected = selectedDate();
+    m_notes = MonthNotes();
+    loadMonth(MonthLayout(m_layout.year(), m_layout.month(), first));
+    m_page->setSelectedDate(selected);
+    showHint();
+}
+
+void CalendarWidget::fillCalendarsMenu()
+{
+    m_calendarsMenu->clear();
+    m_calendarsMenu->addAction(tr("&Import Calendar File..."), this, &CalendarWidget::chooseCalendarFile);
+    m_calendarsMenu->addAction(tr("&Subscribe to a Calendar Address..."), this,
+                               &CalendarWidget::askForAddress);
+    QMenu *exports = m_calendarsMenu->addMenu(tr("&Export Notes"));
+    exports->addAction(tr("This &Month..."), this, [this] { chooseExportFile(ExportSpan::Month); });
+    exports->addAction(tr("This &Year..."), this, [this] { chooseExportFile(ExportSpan::Year); });
+    exports->addAction(tr("&All Notes..."), this, [this] { chooseExportFile(ExportSpan::Everything); });
+
+    if (m_imported.count() > 0)
+        m_calendarsMenu->addSection(tr("Shown Calendars"));
+    for (int i = 0; i < m_imported.count(); ++i) {
+        const ImportedCalendars::Source &source = m_imported.source(i);
+        QMenu *menu = m_calendarsMenu->addMenu(colorIcon(source.color), source.name);
+        menu->setToolTipsVisible(true);
+        if (!source.address.isEmpty()) {
+            QAction *about = menu->addAction(
+                source.lastProblem.isEmpty()
+                    ? tr("Fetched %1")
+                          .arg(QLocale().toString(source.fetched.toLocalTime(), QLocale::ShortFormat))
+                    : tr("Last fetch failed: %1").arg(source.lastProblem));
+            about->setEnabled(false);
+            about->setToolTip(source.address);
+        }
+        if (!source.address.isEmpty())
+            menu->addAction(tr("Fetch &Now"), this, [this, i] { m_subscriber->refresh(i); });
+        menu->addAction(tr("&Colour..."), this, [this, i] { chooseColor(i); });
+        menu->addAction(tr("&Remove"), this, [this, i] {
+            if (ConfirmDestructiveAction(
+                    tr("Remove Calendar"),
+                    tr("Stop showing \"%1\"? Your own notes stay.").arg(m_imported.source(i).name),
+                    tr("&Remove"), this))
+                removeCalendar(i);
+        });
+    }
+
+    m_calendarsMenu->addSeparator();
+    QMenu *weeks = m_calendarsMenu->addMenu(tr("&First Day of the Week"));
+    auto *group = new QActionGroup(weeks);
+    const auto addDay = [&](int choice, const QString &name) {
+        QAction *action = weeks->addAction(name, this, [this, choice] { setFirstDayChoice(choice); });
+        action->setCheckable(true);
+        action->setChecked(choice == m_firstDayChoice);
+        group->addAction(action);
+    };
+    addDay(0, tr("As the Language Says (%1)").arg(QLocale().dayName(LocaleFirstDayOfWeek())));
+    for (int day : {Qt::Monday, Qt::Sunday, Qt::Saturday})
+        addDay(day, QLocale().dayName(day));
+}
+
+void CalendarWidget::chooseCalendarFile()
+{
+    const QString path = QFileDialog::getOpenFileName(
+        this, tr("Import a Calendar"), QStandardPaths::writableLocation(QStandardPaths::DownloadLocation),
+        tr("iCalendar files (*.ics *.ical *.ifb *.icalendar);;All files (*)"));
+    if (!path.isEmpty())
+        importCalendar(path);
+}
+
+void CalendarWidget::askForAddress()
+{
+    bool ok = false;
+    const QString address = QInputDialog::getText(
+        this, tr("Subscribe to a Calendar"), tr("Address of the calendar (.ics, http, https or webcal):"),
+        QLineEdit::Normal, QString(), &ok);
+    if (ok && !address.trimmed().isEmpty())
+        subscribeTo(address);
+}
+
+void CalendarWidget::chooseExportFile(ExportSpan span)
+{
+    const QString name = span == ExportSpan::Month  ? tr("Calendar notes %1.ics").arg(m_month->text())
+                         : span == ExportSpan::Year ? tr("Calendar notes %1.ics").arg(m_layout.year())
+                                                    : tr("Calendar notes.ics");
+    const QString folder = QStandardPaths::writableLocation(QStandardPaths::DocumentsLocation);
+    QString path = QFileDialog::getSaveFileName(this, tr("Export Notes"), QDir(folder).filePath(name),
+                                                tr("iCalendar files (*.ics)"));
+    if (path.isEmpty())
+        return;
+    if (QFileInfo(path).suffix().isEmpty())
+        path += QStringLiteral(".ics");
+    exportNotes(span, path);
+}
+
+void CalendarWidget::chooseColor(int index)
+{
+    const QColor color = QColorDialog::getColor(m_imported.source(index).color, this, tr("Calendar Colour"));
+    if (!color.isValid())
+        return;
+    m_imported.setColor(index, color);
+    showEventMarks();
 }
 
 QString CalendarWidget::noteForToday()
@@ -292,14 +569,9 @@ void CalendarWidget::removeNote(const QDate &date)
 
 void CalendarWidget::placePicture(const QDate &date, const QImage &image, qreal share)
 {
-    // It arrives in the middle of its day, no larger than the day, to be moved and scaled.
-    const QRectF day = m_layout.dayRect(date);
-    const QSizeF room = day.size() * share;
-    QSizeF size = image.size();
-    if (size.width() > room.width() || size.height() > room.height())
-        size = size.scaled(room, Qt::KeepAspectRatio);
+    // It arrives beside the day's text, not over it, to be moved and scaled.
     FloatingItem item = FloatingItem::picture(image);
-    item.setRect(QRectF(day.center() - QPointF(size.width() / 2, size.height() / 2), size));
+    item.setRect(ClearSpotForPicture(m_layout.dayRect(date), m_page->textArea(date), image.size(), share));
     m_page->placeItem(item);
 }
 
@@ -320,14 +592,35 @@ void CalendarWidget::insertOnDay(const QDate &date)
 
 // ---- pictures dropped on a day ----
 
+bool CalendarWidget::isCalendarFile(const QMimeData *data, QString *path) const
+{
+    for (const QUrl &url : data->urls()) {
+        const QString file = url.toLocalFile();
+        if (!file.isEmpty() &&
+            QFileInfo(file).suffix().compare(QLatin1String("ics"), Qt::CaseInsensitive) == 0) {
+            if (path)
+                *path = file;
+            return true;
+        }
+    }
+    return false;
+}
+
 void CalendarWidget::dragEnterEvent(QDragEnterEvent *event)
 {
-    if (event->mimeData()->hasImage() || !FirstPictureFile(event->mimeData()).isEmpty())
+    if (isCalendarFile(event->mimeData()) || event->mimeData()->hasImage() ||
+        !FirstPictureFile(event->mimeData()).isEmpty())
         event->acceptProposedAction();
 }
 
 void CalendarWidget::dropEvent(QDropEvent *event)
 {
+    QString calendar;
+    if (isCalendarFile(event->mimeData(), &calendar)) {
+        event->acceptProposedAction();
+        importCalendar(calendar);
+        return;
+    }
     if (dropPicture(event->mimeData(), m_page->mapFrom(this, event->position().toPoint())))
         event->acceptProposedAction();
 }
@@ -371,13 +664,12 @@ void CalendarWidget::saveDrawingInBackground()
     // of the page that the next stroke does not touch (the image is shared until written to).
     const int ticket = ++m_saveTicket;
     const int changes = m_drawingChanges;
-    const int year = m_layout.year();
-    const int month = m_layout.month();
+    const MonthLayout layout = m_layout;
     const QImage page = m_layer->image();
     const QString folder = m_store.folder();
-    m_savePool.start([this, ticket, changes, year, month, page, folder] {
+    m_savePool.start([this, ticket, changes, layout, page, folder] {
         QString error;
-        const bool saved = CalendarStore(folder).saveDrawing(year, month, page, &error);
+        const bool saved = CalendarStore(folder).saveDrawing(layout, page, &error);
         // Queued to the window's thread; the window waits for this task before it is deleted.
         QMetaObject::invokeMethod(
             this, [this, ticket, changes, saved, error] { drawingSaved(ticket, changes, saved, error); },
@@ -407,7 +699,7 @@ bool CalendarWidget::saveDrawing()
     if (m_layer->isClean())
         return true;
     QString error;
-    if (!m_store.saveDrawing(m_layout.year(), m_layout.month(), m_layer->image(), &error)) {
+    if (!m_store.saveDrawing(m_layout, m_layer->image(), &error)) {
         reportSaveError(error);
         return false;
     }

@@ -15,6 +15,14 @@ namespace {
 constexpr qreal kSmallestNumber = 11, kLargestNumber = 28;
 constexpr qreal kSmallestNote = 10, kLargestNote = 17;
 
+// An event's time as the locale writes it, without seconds ("09:30", "9:30 AM").
+QString shortTime(const QTime &time)
+{
+    const QString format = QLocale().timeFormat(QLocale::ShortFormat);
+    const bool twelveHours = format.contains(QLatin1String("ap"), Qt::CaseInsensitive);
+    return QLocale().toString(time, twelveHours ? QStringLiteral("h:mm ap") : QStringLiteral("HH:mm"));
+}
+
 bool isWeekend(Qt::DayOfWeek day)
 {
     return day == Qt::Saturday || day == Qt::Sunday;
@@ -43,6 +51,12 @@ void MonthPageView::setMonth(const MonthLayout &layout, const MonthNotes &notes)
 void MonthPageView::setNotes(const MonthNotes &notes)
 {
     m_notes = notes;
+    update();
+}
+
+void MonthPageView::setEventMarks(const QHash<QDate, QList<CalendarEventMark>> &marks)
+{
+    m_marks = marks;
     update();
 }
 
@@ -118,6 +132,88 @@ void MonthPageView::paintGridLines(QPainter &painter)
     }
 }
 
+QString MonthPageView::noteOf(const QDate &date) const
+{
+    return m_notes.year() == date.year() && m_notes.month() == date.month() ? m_notes.note(date.day())
+                                                                            : QString();
+}
+
+MonthPageView::CellText MonthPageView::layoutCell(const QRectF &cell, const QDate &date) const
+{
+    CellText text;
+    const qreal height = cell.height();
+    text.numberFont = font();
+    text.numberFont.setPixelSize(int(qBound(kSmallestNumber, height * 0.18, kLargestNumber)));
+    text.numberFont.setBold(date == m_today);
+    const QFontMetricsF numberMetrics(text.numberFont);
+    const qreal pad = qMax(2.0, height * 0.04);
+    text.numberText = QLocale().toString(date.day());
+    const qreal inset = pad + numberMetrics.height() * 0.25; // room for today's disc
+    text.number = QRectF(cell.left() + inset, cell.top() + pad,
+                         numberMetrics.horizontalAdvance(text.numberText), numberMetrics.height());
+
+    // Below the number the user's note, then the events of imported calendars: the note has the
+    // room it needs, but one line is kept for the events when there are any.
+    const QRectF area(cell.left() + inset, text.number.bottom() + pad / 2, cell.width() - inset - pad,
+                      cell.bottom() - text.number.bottom() - pad * 1.5);
+    if (area.height() < 4 || area.width() < 8)
+        return text;
+    text.noteFont = font();
+    text.noteFont.setPixelSize(
+        int(qBound(kSmallestNote, rect().height() / MonthLayout::kRows * 0.145, kLargestNote)));
+    text.eventFont = text.noteFont;
+    text.eventFont.setPixelSize(qMax(int(kSmallestNote) - 1, text.noteFont.pixelSize() - 1));
+    const QFontMetricsF noteMetrics(text.noteFont);
+    const QFontMetricsF eventMetrics(text.eventFont);
+    text.lineHeight = noteMetrics.lineSpacing();
+    text.eventLineHeight = eventMetrics.lineSpacing();
+    const QList<CalendarEventMark> marks = m_marks.value(date);
+    const qreal keptForEvents = marks.isEmpty() ? 0 : text.eventLineHeight;
+
+    const QString note = noteOf(date);
+    qreal noteWidth = 0;
+    if (!note.isEmpty()) {
+        text.noteLines = ElidedNoteLines(note, text.noteFont, area.width(), area.height() - keptForEvents);
+        for (const QString &line : std::as_const(text.noteLines))
+            noteWidth = qMax(noteWidth, noteMetrics.horizontalAdvance(line));
+    }
+    const qreal noteHeight = text.noteLines.size() * text.lineHeight;
+    if (!text.noteLines.isEmpty())
+        text.noteBox = QRectF(area.left(), area.top(), noteWidth, noteHeight);
+
+    const int room = int((area.height() - noteHeight) / text.eventLineHeight);
+    const int shown = marks.size() <= room ? int(marks.size()) : qMax(0, room - 1);
+    const qreal bar = qMax(3.0, text.eventLineHeight * 0.22);
+    const qreal textWidth = area.width() - bar * 2;
+    qreal eventWidth = 0;
+    for (int i = 0; i < shown; ++i) {
+        const CalendarEventMark &mark = marks.at(i);
+        const QString line =
+            mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ') + mark.summary : mark.summary;
+        const QString fitted = eventMetrics.elidedText(line, Qt::ElideRight, textWidth);
+        eventWidth = qMax(eventWidth, bar * 2 + eventMetrics.horizontalAdvance(fitted));
+        text.events.append({fitted, mark.color});
+    }
+    if (shown < marks.size() && room > 0) {
+        const QString more = tr("+%1 more").arg(marks.size() - shown);
+        eventWidth = qMax(eventWidth, bar * 2 + eventMetrics.horizontalAdvance(more));
+        text.events.append({more, m_colors.dimText});
+    }
+    if (!text.events.isEmpty())
+        text.eventBox = QRectF(area.left(), area.top() + noteHeight, eventWidth,
+                               text.events.size() * text.eventLineHeight);
+    return text;
+}
+
+QRectF MonthPageView::textArea(const QDate &date) const
+{
+    const QRect cell = cellArea(date);
+    if (cell.isEmpty())
+        return {};
+    const QRectF bounds = layoutCell(cell, date).bounds();
+    return QRectF(toLayer(bounds.topLeft()), toLayer(bounds.bottomRight()));
+}
+
 void MonthPageView::paintCell(QPainter &painter, int row, int column)
 {
     const QDate date = m_layout.dateAt(row, column);
@@ -127,41 +223,7 @@ void MonthPageView::paintCell(QPainter &painter, int row, int column)
                         : isWeekend(m_layout.weekdayOfColumn(column)) ? m_colors.weekend
                                                                       : m_colors.paper;
     painter.fillRect(cell, fill);
-
-    const qreal height = cell.height();
-    QFont numberFont = font();
-    numberFont.setPixelSize(int(qBound(kSmallestNumber, height * 0.18, kLargestNumber)));
-    numberFont.setBold(date == m_today);
-    const QFontMetricsF numberMetrics(numberFont);
-    const qreal pad = qMax(2.0, height * 0.04);
-    const QString number = QLocale().toString(date.day());
-    const qreal inset = pad + numberMetrics.height() * 0.25; // room for today's disc
-    const QRectF numberBox(cell.left() + inset, cell.top() + pad, numberMetrics.horizontalAdvance(number),
-                           numberMetrics.height());
-    painter.setRenderHint(QPainter::Antialiasing, true);
-    if (date == m_today) {
-        // A disc round the number, wide enough for two digits.
-        const qreal side = qMax(numberMetrics.height(), numberBox.width() + numberMetrics.height() * 0.4);
-        const QRectF disc(numberBox.center() - QPointF(side / 2, side / 2), QSizeF(side, side));
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(m_colors.accent);
-        painter.drawEllipse(disc);
-        painter.setPen(Qt::white);
-    } else {
-        painter.setPen(inMonth ? m_colors.text : m_colors.dimText);
-    }
-    painter.setFont(numberFont);
-    painter.drawText(numberBox, Qt::AlignCenter, number);
-
-    const QString note = m_notes.year() == date.year() && m_notes.month() == date.month()
-                             ? m_notes.note(date.day())
-                             : QString();
-    if (!note.isEmpty()) {
-        const QRectF noteArea(cell.left() + inset, numberBox.bottom() + pad / 2, cell.width() - inset - pad,
-                              cell.bottom() - numberBox.bottom() - pad * 1.5);
-        painter.setPen(inMonth ? m_colors.text : m_colors.dimText);
-        paintNote(painter, noteArea, note);
-    }
+    paintCellText(painter, layoutCell(cell, date), inMonth, date == m_today);
 
     if (date == m_selected && (tool() == Tool::Pointer || hasFocus())) {
         QColor frame = m_colors.accent;
@@ -172,19 +234,46 @@ void MonthPageView::paintCell(QPainter &painter, int row, int column)
     }
 }
 
-void MonthPageView::paintNote(QPainter &painter, const QRectF &area, const QString &note)
+void MonthPageView::paintCellText(QPainter &painter, const CellText &text, bool inMonth, bool today)
 {
-    if (area.height() < 4 || area.width() < 8)
-        return;
-    QFont noteFont = font();
-    noteFont.setPixelSize(
-        int(qBound(kSmallestNote, rect().height() / MonthLayout::kRows * 0.145, kLargestNote)));
-    painter.setFont(noteFont);
-    const QStringList lines = ElidedNoteLines(note, noteFont, area.width(), area.height());
-    const qreal lineHeight = QFontMetricsF(noteFont).lineSpacing();
-    for (int i = 0; i < lines.size(); ++i)
-        painter.drawText(QRectF(area.left(), area.top() + i * lineHeight, area.width(), lineHeight),
-                         Qt::AlignLeft | Qt::AlignVCenter, lines.at(i));
+    painter.setRenderHint(QPainter::Antialiasing, true);
+    if (today) {
+        // A disc round the number, wide enough for two digits.
+        const qreal lineHeight = text.number.height();
+        const qreal side = qMax(lineHeight, text.number.width() + lineHeight * 0.4);
+        const QRectF disc(text.number.center() - QPointF(side / 2, side / 2), QSizeF(side, side));
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(m_colors.accent);
+        painter.drawEllipse(disc);
+        painter.setPen(Qt::white);
+    } else {
+        painter.setPen(inMonth ? m_colors.text : m_colors.dimText);
+    }
+    painter.setFont(text.numberFont);
+    painter.drawText(text.number, Qt::AlignCenter, text.numberText);
+
+    painter.setPen(inMonth ? m_colors.text : m_colors.dimText);
+    painter.setFont(text.noteFont);
+    for (int i = 0; i < text.noteLines.size(); ++i)
+        painter.drawText(QRectF(text.noteBox.left(), text.noteBox.top() + i * text.lineHeight,
+                                text.noteBox.width() + 2, text.lineHeight),
+                         Qt::AlignLeft | Qt::AlignVCenter, text.noteLines.at(i));
+
+    // Each event a coloured line: a bar in the calendar's colour and the text in a darker one.
+    painter.setFont(text.eventFont);
+    const qreal bar = qMax(3.0, text.eventLineHeight * 0.22);
+    for (int i = 0; i < text.events.size(); ++i) {
+        const QRectF line(text.eventBox.left(), text.eventBox.top() + i * text.eventLineHeight,
+                          text.eventBox.width() + 2, text.eventLineHeight);
+        QColor color = text.events.at(i).second;
+        if (!inMonth)
+            color.setAlphaF(0.55);
+        painter.fillRect(QRectF(line.left(), line.top() + line.height() * 0.18, bar, line.height() * 0.64),
+                         color);
+        painter.setPen(color.darker(115));
+        painter.drawText(line.adjusted(bar * 2, 0, 0, 0), Qt::AlignLeft | Qt::AlignVCenter,
+                         text.events.at(i).first);
+    }
 }
 
 // ---- the pointer and the keyboard ----
@@ -200,19 +289,22 @@ bool MonthPageView::event(QEvent *event)
     if (event->type() == QEvent::ToolTip) {
         auto *help = static_cast<QHelpEvent *>(event);
         const QDate date = dateAt(help->pos());
-        const QString note = m_notes.year() == date.year() && m_notes.month() == date.month()
-                                 ? m_notes.note(date.day())
-                                 : QString();
-        if (note.isEmpty()) {
+        const QString note = noteOf(date);
+        const QList<CalendarEventMark> marks = m_marks.value(date);
+        if (note.isEmpty() && marks.isEmpty()) {
             QToolTip::hideText();
         } else {
-            const QString title = QLocale().toString(date, QLocale::LongFormat);
-            QToolTip::showText(
-                help->globalPos(),
-                QStringLiteral("<b>%1</b><br>%2")
-                    .arg(title.toHtmlEscaped(),
-                         note.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"))),
-                this, cellArea(date));
+            QString tip = QStringLiteral("<b>%1</b>")
+                              .arg(QLocale().toString(date, QLocale::LongFormat).toHtmlEscaped());
+            if (!note.isEmpty())
+                tip += QStringLiteral("<br>") +
+                       note.toHtmlEscaped().replace(QLatin1Char('\n'), QStringLiteral("<br>"));
+            for (const CalendarEventMark &mark : marks)
+                tip += QStringLiteral("<br><span style=\"color:%1\">\u25A0</span> %2")
+                           .arg(mark.color.name(),
+                                (mark.time.isValid() ? shortTime(mark.time) + QLatin1Char(' ') : QString()) +
+                                    mark.summary.toHtmlEscaped());
+            QToolTip::showText(help->globalPos(), tip, this, cellArea(date));
         }
         return true;
     }

@@ -1,18 +1,20 @@
 #pragma once
 
+#include "calendar/imported_calendars.h"
 #include "calendar/month_layout.h"
 #include "calendar/month_notes.h"
 #include "core/drawing/ink_canvas.h"
 
 #include <QDate>
 
-// The month page: the day cells with their numbers and notes, and the month's drawing over
-// them. The drawing is a page of its own fixed size (MonthLayout::pageSize) stretched over the
+// The month page: the day cells with their numbers and notes, under each note the events of
+// imported calendars (a line each in its calendar's colour, read-only), and the month's drawing
+// over them. The drawing is a page of its own fixed size (MonthLayout::pageSize) stretched over the
 // view, so a stroke stays on the day it was drawn on whatever the window's size.
 //
 // With the pointer tool (InkCanvas::Tool::Pointer) a click chooses a day, a double click or Enter asks for
 // its note and the arrow keys move between days; with a pen the page takes ink. A long note is shortened with
-// an ellipsis in its cell and shown whole in the day's tooltip.
+// an ellipsis in its cell and shown whole, with the day's events, in the day's tooltip.
 class MonthPageView : public InkCanvas
 {
     Q_OBJECT
@@ -33,6 +35,8 @@ public:
     void setMonth(const MonthLayout &layout, const MonthNotes &notes);
     const MonthLayout &monthLayout() const { return m_layout; }
     void setNotes(const MonthNotes &notes);
+    // The events of imported calendars, shown read-only under each day's note.
+    void setEventMarks(const QHash<QDate, QList<CalendarEventMark>> &marks);
     void setToday(const QDate &today);
     void setSelectedDate(const QDate &date);
     QDate selectedDate() const { return m_selected; }
@@ -42,6 +46,9 @@ public:
     QDate dateAt(const QPoint &viewPos) const;
     // A day's cell in view pixels.
     QRect cellArea(const QDate &date) const;
+    // What the day's number, note and events cover, in page pixels (see MonthLayout::pageSize):
+    // the part of the day that stickers and pictures are kept clear of.
+    QRectF textArea(const QDate &date) const;
 
 signals:
     // The user chose another day (click or arrow keys); it may lie in another month.
@@ -61,14 +68,35 @@ protected:
     void focusOutEvent(QFocusEvent *event) override;
 
 private:
+    // The texts of one day's cell as they are laid out in it (view pixels).
+    struct CellText
+    {
+        QFont numberFont;
+        QString numberText;
+        QRectF number;
+        QFont noteFont;
+        QStringList noteLines;
+        QRectF noteBox; // as wide as the longest line
+        QFont eventFont;
+        QList<QPair<QString, QColor>> events; // shortened to fit, the last may say how many more
+        QRectF eventBox;
+        qreal lineHeight = 0;
+        qreal eventLineHeight = 0;
+
+        QRectF bounds() const { return number | noteBox | eventBox; }
+    };
+
+    CellText layoutCell(const QRectF &cell, const QDate &date) const;
+    QString noteOf(const QDate &date) const;
     void paintCell(QPainter &painter, int row, int column);
     void paintGridLines(QPainter &painter);
-    void paintNote(QPainter &painter, const QRectF &area, const QString &note);
+    void paintCellText(QPainter &painter, const CellText &text, bool inMonth, bool today);
     bool handlesPointer() const;
     void updateDate(const QDate &date);
 
     MonthLayout m_layout;
     MonthNotes m_notes;
+    QHash<QDate, QList<CalendarEventMark>> m_marks;
     QDate m_today;
     QDate m_selected;
     Colors m_colors;

@@ -5,6 +5,7 @@
 #include "calendar/calendar_widget.h"
 #include "calendar/elided_note.h"
 #include "calendar/month_page_view.h"
+#include "calendar_window_helpers.h"
 #include "core/clock_source.h"
 #include "core/drawing/drawing_layer.h"
 #include "support/test_home.h"
@@ -22,37 +23,6 @@
 namespace {
 
 const QDate kToday(2026, 11, 25);
-
-std::unique_ptr<CalendarWidget> openCalendar(const QSize &size)
-{
-    auto calendar = std::make_unique<CalendarWidget>();
-    calendar->resize(size);
-    calendar->show();
-    if (!QTest::qWaitForWindowExposed(calendar.get()))
-        qFatal("the calendar was not shown");
-    return calendar;
-}
-
-void choosePen(CalendarWidget &calendar)
-{
-    calendar.findChild<QAbstractButton *>(QStringLiteral("btnPEN"))->click();
-}
-
-// A short pen stroke through the middle of the day's cell, as the mouse draws it.
-void drawOnDay(CalendarWidget &calendar, const QDate &day)
-{
-    MonthPageView *page = calendar.page();
-    const QPoint centre = page->cellArea(day).center();
-    QTest::mousePress(page, Qt::LeftButton, {}, centre - QPoint(6, 0));
-    QTest::mouseMove(page, centre);
-    QTest::mouseMove(page, centre + QPoint(6, 0));
-    QTest::mouseRelease(page, Qt::LeftButton, {}, centre + QPoint(6, 0));
-}
-
-bool isInk(const QColor &color)
-{
-    return color.lightness() < 110;
-}
 
 QString calendarFile(const QString &name)
 {

@@ -95,6 +95,20 @@ void InkCanvas::setStretched(bool stretched)
     update();
 }
 
+void InkCanvas::setLayer(DrawingLayer *layer)
+{
+    if (!layer || layer == m_layer)
+        return;
+    settle();
+    disconnect(m_layer, nullptr, this, nullptr);
+    m_layer = layer;
+    connect(m_layer, &DrawingLayer::changed, this, &InkCanvas::layerChanged);
+    connect(m_layer, &DrawingLayer::historyChanged, this, &InkCanvas::undoStateChanged);
+    matchLayerSize();
+    update();
+    emit undoStateChanged();
+}
+
 QSizeF InkCanvas::layerScales() const
 {
     if (!m_stretched || width() <= 0 || height() <= 0)

@@ -40,6 +40,9 @@ public:
     ~InkCanvas() override;
 
     DrawingLayer *layer() const { return m_layer; }
+    // Shows another layer, with its own history (a calendar's other month); what is in progress
+    // on the old one is finished first.
+    void setLayer(DrawingLayer *layer);
 
     // Shows the layer stretched over the widget instead of pixel for pixel.
     void setStretched(bool stretched);
