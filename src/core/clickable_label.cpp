@@ -1,5 +1,7 @@
 #include "core/clickable_label.h"
 
+#include "core/painted_accessible.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -8,6 +10,7 @@
 ClickableLabel::ClickableLabel(const QString &objectName, const QString &text, QWidget *parent)
     : QLabel(text, parent)
 {
+    PaintedAccessible::registerButtonClass(staticMetaObject.className());
     setObjectName(objectName);
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::TabFocus);

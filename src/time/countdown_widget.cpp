@@ -1,6 +1,7 @@
 #include "time/countdown_widget.h"
 
 #include "core/clickable_label.h"
+#include "core/painted_accessible.h"
 #include "core/widget_index.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
@@ -55,6 +56,7 @@ CountdownWidget::CountdownWidget(QWidget *parent)
         m_running[f]->setFrame(false);
         m_running[f]->setFocusPolicy(Qt::NoFocus);
         m_running[f]->setAttribute(Qt::WA_TransparentForMouseEvents); // the panel drags
+        PaintedAccessible::makeLiveValue(m_running[f], tr("%1 left").arg(setNames[f]));
         m_set[f] = field(kSetNames[f], panel());
         m_set[f]->setValidator(twoDigits);
         m_set[f]->setText(m_model->setField(CountdownModel::Field(f)));

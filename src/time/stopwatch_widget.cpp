@@ -1,6 +1,7 @@
 #include "time/stopwatch_widget.h"
 
 #include "core/clickable_label.h"
+#include "core/painted_accessible.h"
 #include "core/widget_index.h"
 #include "themes/painted_frame.h"
 #include "time/font_fit.h"
@@ -25,6 +26,7 @@ StopwatchWidget::StopwatchWidget(QWidget *parent)
     m_display->setObjectName(QStringLiteral("lblTIME"));
     m_display->setAlignment(Qt::AlignCenter);
     m_display->setAttribute(Qt::WA_TransparentForMouseEvents);
+    PaintedAccessible::makeLiveValue(m_display, tr("Time"));
     m_start = new ClickableLabel(QStringLiteral("lblSTART"), m_model->startCaption(), bar());
     m_stop = new ClickableLabel(QStringLiteral("lblSTOP"), m_model->stopCaption(), bar());
 
