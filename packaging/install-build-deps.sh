@@ -20,6 +20,7 @@ packages=(
   desktop-file-utils appstream
   dpkg-dev file
   xvfb openbox xdotool x11-utils
+  dbus at-spi2-core python3-pyatspi
 )
 
 missing=()

@@ -1,0 +1,53 @@
+#!/usr/bin/env bash
+# Reads the program as a screen reader does: a private session bus with the accessibility bus
+# and its registry, the program with accessibility on, and atspi_walk.py over its windows.
+#   atspi_tree_test.sh PROGRAM [atspi_walk.py options]   (run by run_desktop_test.sh)
+# Skipped (77) only where the session bus, the accessibility services or pyatspi are missing.
+set -u
+here=$(cd "$(dirname "$0")" && pwd)
+launcher=/usr/libexec/at-spi-bus-launcher
+registry=/usr/libexec/at-spi2-registryd
+python=/usr/bin/python3
+
+skip() {
+    echo "SKIPPED: $*"
+    exit 77
+}
+
+if [[ -z ${VANTORA_ATSPI_INNER:-} ]]; then
+    command -v dbus-run-session >/dev/null || skip "dbus-run-session is missing (package dbus)"
+    [[ -x $launcher && -x $registry ]] || skip "the AT-SPI bus and registry are missing (package at-spi2-core)"
+    "$python" -c 'import pyatspi' 2>/dev/null || skip "pyatspi is missing (package python3-pyatspi)"
+    VANTORA_ATSPI_INNER=1 exec dbus-run-session -- "$0" "$@"
+fi
+
+program=$1
+shift
+source "$here/../desktop/desktop_session.sh"
+
+"$launcher" --launch-immediately >/dev/null 2>&1 &
+launcher_pid=$!
+stop_all() {
+    stop_program
+    kill "$launcher_pid" 2>/dev/null
+    wait "$launcher_pid" 2>/dev/null
+}
+trap stop_all EXIT
+# The accessibility bus is up once the launcher answers with its address.
+for _ in $(seq 50); do
+    dbus-send --session --print-reply --dest=org.a11y.Bus /org/a11y/bus org.a11y.Bus.GetAddress \
+        >/dev/null 2>&1 && break
+    sleep 0.1
+done
+
+export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1 NO_AT_BRIDGE=0
+start_program
+window_named '^Vantora Dashboard$' >/dev/null || fail "the dashboard did not open"
+open_in_program calculator,clock,stopwatch,timer,notes
+for title in Calculator 'Alarm Clock' Stopwatch Timer Notes; do
+    window_named "^Vantora $title" >/dev/null || fail "the $title window did not open"
+done
+
+windows='Dashboard:13,Calculator:26,Alarm Clock:3,Stopwatch:3,Timer:3,Notes:12'
+"$python" "$here/atspi_walk.py" --windows "$windows" "$@" || fail "the accessible tree has the faults above"
+echo "PASS: every control has a name and a role, Tab reaches each, no access key twice"
