@@ -95,6 +95,8 @@ QToolButton *FormatBar::addButton(QWidget *row, const QString &name, const QStri
     auto *button = new QToolButton(row);
     button->setObjectName(name);
     button->setText(caption);
+    // Read out as "Bold" or "Align centre", not as the letter or the picture on the button.
+    button->setAccessibleName(toolTip.section(QStringLiteral(" ("), 0, 0));
     button->setToolTip(toolTip);
     button->setCheckable(checkable);
     button->setAutoRaise(true);
