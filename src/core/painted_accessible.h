@@ -17,8 +17,8 @@ class PaintedAccessible : public QAccessibleWidget
 public:
     // Gives every widget of the class (its meta-object class name) the button interface.
     static void registerButtonClass(const char *className);
-    // Makes display (a label or a read-only line edit) a live value called name. Call before
-    // anything asks for its interface.
+    // Makes display (a label or a read-only line edit) a live value called name. Call right
+    // after creating it: a line edit made read-only has already handed out its usual interface.
     static void makeLiveValue(QWidget *display, const QString &name);
 
     PaintedAccessible(QWidget *widget, QAccessible::Role role);

@@ -22,9 +22,12 @@ constexpr int kMargin = 6;
 const char *const kRunningNames[3] = {"txtHRS", "txtMIN", "txtSECS"};
 const char *const kSetNames[3] = {"txtSUBHRS", "txtSUBMIN", "txtSUBSECS"};
 
-QLineEdit *field(const char *name, QWidget *parent)
+// A two-digit field; one with a live name shows the running time, read out only when asked.
+QLineEdit *field(const char *name, QWidget *parent, const QString &liveName = QString())
 {
     auto *edit = new QLineEdit(parent);
+    if (!liveName.isEmpty())
+        PaintedAccessible::makeLiveValue(edit, liveName);
     edit->setObjectName(QLatin1String(name));
     edit->setAlignment(Qt::AlignCenter);
     edit->setMaxLength(2);
@@ -51,12 +54,11 @@ CountdownWidget::CountdownWidget(QWidget *parent)
     auto *twoDigits = new QRegularExpressionValidator(QRegularExpression(QStringLiteral("\\d{0,2}")), this);
     const QString setNames[3] = {tr("Hours"), tr("Minutes"), tr("Seconds")};
     for (int f = 0; f < 3; ++f) {
-        m_running[f] = field(kRunningNames[f], panel());
+        m_running[f] = field(kRunningNames[f], panel(), tr("%1 left").arg(setNames[f]));
         m_running[f]->setReadOnly(true);
         m_running[f]->setFrame(false);
         m_running[f]->setFocusPolicy(Qt::NoFocus);
         m_running[f]->setAttribute(Qt::WA_TransparentForMouseEvents); // the panel drags
-        PaintedAccessible::makeLiveValue(m_running[f], tr("%1 left").arg(setNames[f]));
         m_set[f] = field(kSetNames[f], panel());
         m_set[f]->setValidator(twoDigits);
         m_set[f]->setText(m_model->setField(CountdownModel::Field(f)));
