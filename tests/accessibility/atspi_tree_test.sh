@@ -2,6 +2,10 @@
 # Reads the program as a screen reader does: a private session bus with the accessibility bus
 # and its registry, the program with accessibility on, and atspi_walk.py over its windows.
 #   atspi_tree_test.sh PROGRAM [atspi_walk.py options]   (run by run_desktop_test.sh)
+#   atspi_tree_test.sh PROGRAM --keyboard-only
+# The second form uses the program from the keyboard alone, as someone who cannot use a mouse
+# does: opens the calculator from the dashboard, works out a sum, reads the answer as a screen
+# reader would, and closes it again.
 # Skipped (77) only where the session bus, the accessibility services or pyatspi are missing.
 set -u
 here=$(cd "$(dirname "$0")" && pwd)
@@ -41,6 +45,34 @@ for _ in $(seq 50); do
 done
 
 export QT_LINUX_ACCESSIBILITY_ALWAYS_ON=1 QT_ACCESSIBILITY=1 NO_AT_BRIDGE=0
+
+keyboard_only() {
+    start_program
+    dashboard=$(window_named '^Vantora Dashboard$') || fail "the dashboard did not open"
+    xdotool windowactivate --sync "$dashboard"
+    wait_for_active '^Vantora Dashboard$' || fail "the dashboard did not get the keyboard"
+    # The first tile has the keyboard; the arrow keys move along the tiles.
+    xdotool key Right Return
+    wait_for_active '^Vantora Calculator$' || fail "Enter on the tile left the keyboard on '$(active_title)'"
+    xdotool type --delay 40 '12+30'
+    xdotool key Return
+    answer=$("$python" "$here/atspi_walk.py" --read 'Calculator:Display') || fail "$answer"
+    [[ $answer == 'Display: 42'* ]] || fail "the screen reader read '$answer' after 12+30="
+    xdotool key shift+F10
+    sleep 0.3
+    xdotool key c
+    for _ in $(seq 30); do
+        [[ -z $(xdotool search --onlyvisible --name '^Vantora Calculator$' 2>/dev/null) ]] && break
+        sleep 0.1
+    done
+    [[ -z $(xdotool search --onlyvisible --name '^Vantora Calculator$' 2>/dev/null) ]] ||
+        fail "the widget menu's Close did not close the calculator"
+    wait_for_active '^Vantora Dashboard$' || fail "after closing, the keyboard went to '$(active_title)'"
+    echo "PASS: dashboard, calculator ($answer) and back, from the keyboard alone"
+    exit 0
+}
+[[ ${1:-} == --keyboard-only ]] && keyboard_only
+
 start_program
 window_named '^Vantora Dashboard$' >/dev/null || fail "the dashboard did not open"
 open_in_program calculator,clock,stopwatch,timer,notes

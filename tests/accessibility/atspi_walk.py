@@ -269,7 +269,9 @@ def dump(win, out):
 
 def main():
     parser = argparse.ArgumentParser()
-    parser.add_argument('--windows', required=True)
+    parser.add_argument('--windows', default='')
+    parser.add_argument('--read', help='WINDOW:NAME prints the name of the first control in '
+                        'the window whose name starts with NAME (a live value: "Display: 42")')
     parser.add_argument('--tab', action='store_true')
     parser.add_argument('--dump')
     parser.add_argument('--dump-windows', default='Calculator|Dashboard')
@@ -278,6 +280,15 @@ def main():
     app = find_application(15)
     if app is None:
         print('FAIL: the program did not appear on the accessibility bus')
+        return 1
+    if args.read:
+        title, _, prefix = args.read.partition(':')
+        win = find_window(app, title, 10)
+        for node, _ in walk(win) if win is not None else []:
+            if (node.name or '').startswith(prefix):
+                print(node.name)
+                return 0
+        print('FAIL: nothing named %r in %r' % (prefix, title))
         return 1
     failures = 0
     total_found = total_named = 0
