@@ -6,6 +6,7 @@
 #include "notes/page_box.h"
 #include "notes/text_formatting.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QColorDialog>
 #include <QComboBox>
@@ -340,7 +341,12 @@ void FormatBar::applyFontSize()
     }
     QTextCharFormat format;
     format.setFontPointSize(size);
+    // Leaving the box with Tab applies the size too; the keyboard then goes on where Tab sent
+    // it, not back to the page, or the controls after this box could never be reached.
+    QWidget *next = QApplication::focusWidget();
     m_document->mergeCharFormat(format);
+    if (next && next != m_fontSize && next != m_fontSize->lineEdit())
+        next->setFocus(Qt::TabFocusReason);
 }
 
 void FormatBar::applyBold(bool on)

@@ -67,6 +67,7 @@ ThemedChrome::ThemedChrome(QWidget *host, const Options &options)
         m_grip->setText(QStringLiteral("\u25E2")); // a small corner triangle
         m_grip->setCursor(Qt::SizeFDiagCursor);
         m_grip->setToolTip(tr("Drag to resize"));
+        m_grip->setAccessibleName(tr("Resize grip"));
         m_grip->setAlignment(Qt::AlignRight | Qt::AlignBottom);
         m_grip->installEventFilter(this);
     }

@@ -75,11 +75,11 @@ keyboard_only() {
 
 start_program
 window_named '^Vantora Dashboard$' >/dev/null || fail "the dashboard did not open"
-open_in_program calculator,clock,stopwatch,timer,notes
-for title in Calculator 'Alarm Clock' Stopwatch Timer Notes; do
+open_in_program calculator,clock,stopwatch,timer,notes,whiteboard,calendar
+for title in Calculator "Alarm Clock" Stopwatch Timer Notes Whiteboard Calendar; do
     window_named "^Vantora $title" >/dev/null || fail "the $title window did not open"
 done
 
-windows='Dashboard:13,Calculator:26,Alarm Clock:3,Stopwatch:3,Timer:3,Notes:12'
+windows='Dashboard:13,Calculator:26,Alarm Clock:3,Stopwatch:3,Timer:3,Notes:12,Whiteboard:5,Calendar:5'
 "$python" "$here/atspi_walk.py" --windows "$windows" "$@" || fail "the accessible tree has the faults above"
 echo "PASS: every control has a name and a role, Tab reaches each, no access key twice"

@@ -89,6 +89,8 @@ def is_actionable(node, role):
     # control, and a focusable container (a tab widget handing the keyboard to its tabs) is none.
     if any(name.lower() != 'setfocus' for name, _ in actions(node)):
         return True
+    if role in (pyatspi.ROLE_FILLER, pyatspi.ROLE_PANEL) and not node.childCount:
+        return states(node).contains(pyatspi.STATE_FOCUSABLE)  # a canvas drawn by hand
     return states(node).contains(pyatspi.STATE_FOCUSABLE) and role not in (
         pyatspi.ROLE_FILLER, pyatspi.ROLE_PANEL, pyatspi.ROLE_SPLIT_PANE, pyatspi.ROLE_SCROLL_PANE)
 
@@ -142,7 +144,9 @@ def check_window(win, least):
             continue
         found += 1
         name = (node.name or '').strip() or (node.description or '').strip()
-        has_role = role in ACTION_ROLES
+        # A canvas the program paints itself is a drawing area, which has no better role.
+        has_role = role in ACTION_ROLES or (role in (pyatspi.ROLE_FILLER, pyatspi.ROLE_PANEL)
+                                            and not node.childCount)
         if name and has_role:
             named += 1
         if not name:
@@ -168,11 +172,16 @@ ITEM_ROLES = {pyatspi.ROLE_LIST_ITEM, pyatspi.ROLE_PAGE_TAB, pyatspi.ROLE_TABLE_
 
 
 def focused_in(win):
-    for node, _ in walk(win):
+    """The control with the keyboard: the deepest focused node with a name (a canvas rather
+    than the area that hands the keyboard on to it, an editor rather than its viewport)."""
+    best = None
+    for node, depth in walk(win):
         s = states(node)
         if s.contains(pyatspi.STATE_FOCUSED) and node.getRole() not in ITEM_ROLES:
-            return node
-    return None
+            rank = (bool((node.name or '').strip()), depth)
+            if best is None or rank > best[1]:
+                best = (node, rank)
+    return best[0] if best else None
 
 
 def key_of(node):
@@ -190,7 +199,9 @@ def check_tab_order(win, title):
     focusable = {}
     for node, _ in walk(win):
         s = states(node)
-        if (s.contains(pyatspi.STATE_FOCUSABLE) and node.getRole() not in CONTAINER_ROLES
+        # Tab passes over what is switched off (Undo with nothing to undo).
+        if (s.contains(pyatspi.STATE_FOCUSABLE) and s.contains(pyatspi.STATE_ENABLED)
+                and node.getRole() not in CONTAINER_ROLES
                 and node.getRole() not in ITEM_ROLES and is_actionable(node, node.getRole())):
             focusable[key_of(node)] = describe(node)
     if not focusable:
@@ -205,7 +216,8 @@ def check_tab_order(win, title):
     names = {}
     key = 'Tab'
     for _ in range(2 * len(focusable) + 4):
-        if len(seen) > len(focusable) and focusable.keys() <= set(seen):
+        # Round to the first stop again: the cycle is complete.
+        if len(seen) > 1 and seen[-1] == seen[0]:
             break
         subprocess.run(['xdotool', 'key', key])
         time.sleep(0.08)
