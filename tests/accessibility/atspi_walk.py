@@ -274,9 +274,11 @@ def dump(win, out):
                                  ('disabled', None)) if st is not None and s.contains(st)]
         if not s.contains(pyatspi.STATE_ENABLED):
             flags.append('disabled')
-        out.write('%s%s | %s | %s%s\n' % ('  ' * depth, node.getRoleName(), node.name,
-                                          value_of(node),
-                                          ' [%s]' % ','.join(flags) if flags else ''))
+        about = (node.description or '').strip()
+        out.write('%s%s | %s | %s%s%s\n' % ('  ' * depth, node.getRoleName(), node.name,
+                                            value_of(node),
+                                            ' [%s]' % ','.join(flags) if flags else '',
+                                            ' (%s)' % about if about else ''))
 
 
 def main():
