@@ -22,11 +22,12 @@ StopwatchWidget::StopwatchWidget(QWidget *parent)
     : WidgetWindow(WidgetWindowName(WidgetStopwatch), WidgetStopwatch, tr("Vantora Stopwatch"), parent),
       m_model(new StopwatchModel(this))
 {
-    m_display = new QLabel(m_model->text(), panel());
+    m_display = new QLabel(panel());
+    PaintedAccessible::makeLiveValue(m_display, tr("Time"));
+    m_display->setText(m_model->text());
     m_display->setObjectName(QStringLiteral("lblTIME"));
     m_display->setAlignment(Qt::AlignCenter);
     m_display->setAttribute(Qt::WA_TransparentForMouseEvents);
-    PaintedAccessible::makeLiveValue(m_display, tr("Time"));
     m_start = new ClickableLabel(QStringLiteral("lblSTART"), m_model->startCaption(), bar());
     m_stop = new ClickableLabel(QStringLiteral("lblSTOP"), m_model->stopCaption(), bar());
 
