@@ -22,6 +22,7 @@ packages=(
   xvfb openbox xdotool x11-utils
   weston xwayland qt6-wayland
   libical-dev python3-icalendar
+  dbus at-spi2-core python3-pyatspi
 )
 
 missing=()

@@ -1,5 +1,7 @@
 #include "calculator/calculator_display.h"
 
+#include "core/painted_accessible.h"
+
 #include <QFontMetrics>
 #include <QLabel>
 #include <QPainter>
@@ -44,9 +46,9 @@ CalculatorDisplay::CalculatorDisplay(QWidget *parent) : QWidget(parent)
     m_sign->setFont(signFont);
     // Bottom-aligned, as the "M" mark is, so that both stand on one line when the value shrinks.
     m_memory = makeLabel(QStringLiteral("lblDISPLAYMEM"), Qt::AlignLeft | Qt::AlignBottom, this);
-    m_number->setAccessibleName(tr("Display"));
-    m_sign->setAccessibleName(tr("Pending operation"));
-    m_memory->setAccessibleName(tr("Memory"));
+    PaintedAccessible::makeLiveValue(m_number, tr("Display"));
+    PaintedAccessible::makeLiveValue(m_sign, tr("Pending operation"));
+    PaintedAccessible::makeLiveValue(m_memory, tr("Memory"));
     m_number->setText(QStringLiteral("0"));
     setToolTip(tr("Ctrl+C copies the number, Ctrl+V pastes one"));
 }

@@ -1,5 +1,7 @@
 #include "calculator/calculator_key.h"
 
+#include "core/painted_accessible.h"
+
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
@@ -9,6 +11,7 @@
 CalculatorKey::CalculatorKey(const QString &objectName, const QString &caption, Role role, QWidget *parent)
     : QLabel(caption, parent), m_role(role)
 {
+    PaintedAccessible::registerButtonClass(staticMetaObject.className());
     setObjectName(objectName);
     setAlignment(Qt::AlignCenter);
     setCursor(Qt::PointingHandCursor);

@@ -27,6 +27,8 @@ public:
     bool isPressed() const { return m_pressed; }
     // The pressed look; the window sets it while a keyboard key for this key is held.
     void setPressed(bool pressed);
+    // A click as the mouse makes it (a screen reader's "press").
+    Q_INVOKABLE void click() { emit clicked(); }
 
 signals:
     void clicked();

@@ -1,5 +1,7 @@
 #include "core/clickable_label.h"
 
+#include "core/painted_accessible.h"
+
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
@@ -8,6 +10,7 @@
 ClickableLabel::ClickableLabel(const QString &objectName, const QString &text, QWidget *parent)
     : QLabel(text, parent)
 {
+    PaintedAccessible::registerButtonClass(staticMetaObject.className());
     setObjectName(objectName);
     setCursor(Qt::PointingHandCursor);
     setFocusPolicy(Qt::TabFocus);
@@ -77,11 +80,12 @@ void ClickableLabel::paintEvent(QPaintEvent *event)
         style()->drawItemText(&p, area, int(alignment()), palette(), true, text(), foregroundRole());
     }
     if (hasFocus()) {
+        // A solid frame in the caption's own colour: the theme keeps that colour readable on
+        // the bar, so the mark shows on every theme, light or dark.
         QPainter p(this);
-        QColor c = palette().color(foregroundRole());
-        c.setAlpha(160);
-        p.setPen(QPen(c, 1, Qt::DotLine));
-        p.drawRect(rect().adjusted(0, 0, -1, -1));
+        p.setPen(QPen(palette().color(foregroundRole()), 1.5));
+        p.setRenderHint(QPainter::Antialiasing);
+        p.drawRoundedRect(QRectF(rect()).adjusted(1, 1, -1, -1), 2, 2);
     }
 }
 

@@ -5,9 +5,11 @@
 // A label that works as a button: the bar buttons of the widgets (" Start ", " Stop ",
 // settings, alarm) and similar link-like captions. Hand cursor, clicked() on a left click,
 // and reachable from the keyboard (Tab, then Space or Enter) with a visible focus mark.
+// Screen readers see it as a push button named by its caption.
 class ClickableLabel : public QLabel
 {
     Q_OBJECT
+    Q_PROPERTY(bool active READ isActive WRITE setActive)
 public:
     explicit ClickableLabel(const QString &objectName, const QString &text = QString(),
                             QWidget *parent = nullptr);
@@ -17,7 +19,7 @@ public:
     bool isActive() const { return m_active; }
 
     // Performs a click as if the user had clicked (does nothing while switched off).
-    void click();
+    Q_INVOKABLE void click();
 
 signals:
     void clicked();

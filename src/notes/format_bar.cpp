@@ -6,6 +6,7 @@
 #include "notes/page_box.h"
 #include "notes/text_formatting.h"
 
+#include <QApplication>
 #include <QButtonGroup>
 #include <QColorDialog>
 #include <QComboBox>
@@ -95,6 +96,8 @@ QToolButton *FormatBar::addButton(QWidget *row, const QString &name, const QStri
     auto *button = new QToolButton(row);
     button->setObjectName(name);
     button->setText(caption);
+    // Read out as "Bold" or "Align centre", not as the letter or the picture on the button.
+    button->setAccessibleName(toolTip.section(QStringLiteral(" ("), 0, 0));
     button->setToolTip(toolTip);
     button->setCheckable(checkable);
     button->setAutoRaise(true);
@@ -338,7 +341,12 @@ void FormatBar::applyFontSize()
     }
     QTextCharFormat format;
     format.setFontPointSize(size);
+    // Leaving the box with Tab applies the size too; the keyboard then goes on where Tab sent
+    // it, not back to the page, or the controls after this box could never be reached.
+    QWidget *next = QApplication::focusWidget();
     m_document->mergeCharFormat(format);
+    if (next && next != m_fontSize && next != m_fontSize->lineEdit())
+        next->setFocus(Qt::TabFocusReason);
 }
 
 void FormatBar::applyBold(bool on)

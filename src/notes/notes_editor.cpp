@@ -198,6 +198,7 @@ void NotesEditor::buildCommandRow(QWidget *row)
 void NotesEditor::buildSidePanel()
 {
     m_side = new QTabWidget(m_split);
+    m_side->setAccessibleName(tr("Side panel"));
     m_side->setObjectName(QStringLiteral("tabSIDEPANEL"));
     m_side->setDocumentMode(true);
     m_documentBrowser = new FolderBrowser(FolderBrowser::Documents, m_side);
@@ -263,6 +264,9 @@ void NotesEditor::installShortcuts()
         if (m_tabs->count() > 1)
             m_tabs->setCurrentIndex((m_tabs->currentIndex() + m_tabs->count() - 1) % m_tabs->count());
     });
+    // The page keeps Tab as a character; F6 and Shift+F6 move the keyboard on from it.
+    add(QKeySequence(Qt::Key_F6), [this] { moveFocusAlong(true); });
+    add(QKeySequence(QStringLiteral("Shift+F6")), [this] { moveFocusAlong(false); });
     const auto toggle = [this](const QString &name) {
         if (QAbstractButton *b = m_formatBar->button(name); b && b->isEnabled())
             b->click();
@@ -278,6 +282,17 @@ void NotesEditor::installShortcuts()
     add(QKeySequence(QStringLiteral("Ctrl+=")), [this] { zoomBy(10); });
     add(QKeySequence::ZoomOut, [this] { zoomBy(-10); });
     add(QKeySequence(QStringLiteral("Ctrl+0")), [this] { zoomBy(0); });
+}
+
+void NotesEditor::moveFocusAlong(bool forward)
+{
+    QWidget *from = focusWidget() ? focusWidget() : this;
+    QWidget *next = from;
+    do {
+        next = forward ? next->nextInFocusChain() : next->previousInFocusChain();
+    } while (next != from && !(isAncestorOf(next) && next->isVisible() && next->isEnabled() &&
+                               (next->focusPolicy() & Qt::TabFocus)));
+    next->setFocus(forward ? Qt::TabFocusReason : Qt::BacktabFocusReason);
 }
 
 NoteDocument *NotesEditor::activeDocument() const

@@ -100,6 +100,8 @@ private:
     void buildSidePanel();
     void buildStatusRow(QWidget *row);
     void installShortcuts();
+    // F6: the next control the Tab key would reach, leaving the page (back with Shift+F6).
+    void moveFocusAlong(bool forward);
 
     NoteDocument *createDocument(const QString &type);
     void removeDocument(NoteDocument *document);

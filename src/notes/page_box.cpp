@@ -109,6 +109,7 @@ bool HasLongUnbrokenStretch(const QTextDocument *document)
 PageBox::PageBox(QWidget *parent)
     : QTextEdit(parent)
 {
+    setAccessibleName(tr("Page"));
     setObjectName(QStringLiteral("rtbPAGEBOX"));
     setAcceptRichText(true);
     setTabChangesFocus(false);

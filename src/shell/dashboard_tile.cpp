@@ -19,10 +19,17 @@ DashboardTile::DashboardTile(int widgetIndex, QWidget *parent) : QAbstractButton
     setFocusPolicy(Qt::StrongFocus);
     setCursor(Qt::PointingHandCursor);
     setAttribute(Qt::WA_Hover);
+    setCheckable(true);
     updateDescription();
     // The weather's tile shows the days ahead in brief once there is a forecast.
     if (m_index == WidgetWeather)
         connect(WeatherStation::shared(), &WeatherStation::forecastChanged, this, qOverload<>(&QWidget::update));
+    // A click that is not the mouse's (a screen reader's press) opens or closes the widget;
+    // the mouse's single click only selects the tile.
+    connect(this, &QAbstractButton::clicked, this, [this] {
+        if (!m_mouseRelease && m_available)
+            emit toggleRequested(m_index);
+    });
 }
 
 void DashboardTile::setSelected(bool selected)
@@ -38,6 +45,7 @@ void DashboardTile::setOpenState(bool open)
     if (m_open == open)
         return;
     m_open = open;
+    setChecked(open);
     updateDescription();
     update();
 }
@@ -196,6 +204,13 @@ void DashboardTile::mouseDoubleClickEvent(QMouseEvent *event)
 {
     if (event->button() == Qt::LeftButton && m_available)
         emit toggleRequested(m_index);
+}
+
+void DashboardTile::mouseReleaseEvent(QMouseEvent *event)
+{
+    m_mouseRelease = true;
+    QAbstractButton::mouseReleaseEvent(event);
+    m_mouseRelease = false;
 }
 
 void DashboardTile::keyPressEvent(QKeyEvent *event)

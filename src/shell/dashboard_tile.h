@@ -6,7 +6,8 @@ class QPainter;
 
 // One widget's tile on the dashboard: its picture, its name and whether it is open. A click
 // selects the tile; a double click, Enter or Space opens or closes the widget; the arrow keys
-// move the selection.
+// move the selection. Screen readers see a toggle button, checked while the widget is open,
+// whose press opens or closes it.
 class DashboardTile : public QAbstractButton
 {
     Q_OBJECT
@@ -42,6 +43,9 @@ protected:
     void paintEvent(QPaintEvent *event) override;
     void mousePressEvent(QMouseEvent *event) override;
     void mouseDoubleClickEvent(QMouseEvent *event) override;
+    void mouseReleaseEvent(QMouseEvent *event) override;
+    // The open state is the window's to set, not a click's to flip.
+    void nextCheckState() override {}
     void keyPressEvent(QKeyEvent *event) override;
     void focusInEvent(QFocusEvent *event) override;
     void enterEvent(QEnterEvent *event) override;
@@ -57,6 +61,7 @@ private:
     bool m_open = false;
     bool m_available = true;
     bool m_hovered = false;
+    bool m_mouseRelease = false;
     QString m_detail;
     QColor m_text = Qt::black;
     QColor m_accent = QColor(20, 106, 211);

@@ -446,8 +446,15 @@ void DashboardWindow::toggleWidget(int index)
     if (!isWidgetIndex(index))
         return;
     setIndxSel(index);
-    WidgetRegistry::instance().toggle(index);
+    WidgetRegistry &registry = WidgetRegistry::instance();
+    registry.toggle(index);
     refreshState();
+    // The keyboard goes with the widget just opened, so that it can be used at once without
+    // the mouse; closing one leaves it here for the next.
+    if (WidgetWindow *opened = registry.isOpen(index) ? registry.window(index) : nullptr) {
+        opened->raise();
+        opened->activateWindow();
+    }
 }
 
 void DashboardWindow::ShowHideAll(int mode)

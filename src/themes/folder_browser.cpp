@@ -89,6 +89,8 @@ FolderBrowser::FolderBrowser(Kind kind, QWidget *parent) : QWidget(parent)
     m_path->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Preferred);
     m_folders = sideList(names.folders);
     m_files = sideList(names.files);
+    m_folders->setAccessibleName(tr("Folders"));
+    m_files->setAccessibleName(kind == Pictures ? tr("Pictures") : tr("Files"));
     m_files->setToolTip(kind == Pictures ? tr("Pictures: click one to preview it")
                                          : tr("Documents: click one or press Enter to open it"));
     m_problem = new QLabel;

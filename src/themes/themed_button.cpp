@@ -1,5 +1,6 @@
 #include "themes/themed_button.h"
 
+#include "core/painted_accessible.h"
 #include "core/widget_frame.h"
 
 #include <QKeyEvent>
@@ -51,6 +52,7 @@ QPixmap drawCloseGlyph(const QSize &size, qreal dpr, const QColor &color, qreal 
 
 ThemedButton::ThemedButton(QWidget *parent) : QWidget(parent), m_colorCheck(new QTimer(this))
 {
+    PaintedAccessible::registerButtonClass(staticMetaObject.className());
     SetHandCursor(this);
     setFocusPolicy(Qt::TabFocus);
     setMouseTracking(true);
@@ -256,4 +258,10 @@ void ThemedButton::checkMouseLeft()
         return;
     if (!isVisible() || !IsCursorOverWindow(this))
         showPicture(&m_normal);
+}
+
+void ThemedButton::click()
+{
+    if (isEnabled())
+        emit clicked();
 }

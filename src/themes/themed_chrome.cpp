@@ -3,6 +3,7 @@
 #include "core/widget_frame.h"
 #include "core/window_dragger.h"
 #include "themes/painted_frame.h"
+#include "themes/theme_colors.h"
 #include "themes/theme_painter.h"
 #include "themes/themed_button.h"
 
@@ -66,6 +67,7 @@ ThemedChrome::ThemedChrome(QWidget *host, const Options &options)
         m_grip->setText(QStringLiteral("\u25E2")); // a small corner triangle
         m_grip->setCursor(Qt::SizeFDiagCursor);
         m_grip->setToolTip(tr("Drag to resize"));
+        m_grip->setAccessibleName(tr("Resize grip"));
         m_grip->setAlignment(Qt::AlignRight | Qt::AlignBottom);
         m_grip->installEventFilter(this);
     }
@@ -99,8 +101,8 @@ void ThemedChrome::applyThemeColours()
     m_host->setPalette(pal);
     m_host->setAutoFillBackground(true);
 
-    const QColor barText = ResolveColor(theme.BarColor);
-    const QColor panelText = ResolveColor(theme.PanelColor);
+    const QColor barText = barTextColour(theme);
+    const QColor panelText = panelTextColour(theme);
     setForeground(m_bar, barText);
     setForeground(m_panel, panelText);
     if (m_title) {
@@ -113,6 +115,16 @@ void ThemedChrome::applyThemeColours()
         m_close->setCloseGlyph(barText);
     if (m_grip)
         setForeground(m_grip, ResolveColor(BlendColor(theme.MainColor, kShadowGrey, 210)));
+}
+
+QColor ThemedChrome::barTextColour(const Theme &theme)
+{
+    return ReadableOn(ResolveColor(theme.MainColor), ResolveColor(theme.BarColor));
+}
+
+QColor ThemedChrome::panelTextColour(const Theme &theme)
+{
+    return ReadableOn(ResolveColor(theme.MainColor), ResolveColor(theme.PanelColor));
 }
 
 void ThemedChrome::layoutFrames()

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "themes/theme.h"
+
+#include <QColor>
 #include <QObject>
 #include <QPoint>
 #include <QSize>
@@ -47,6 +50,12 @@ public:
     // background, the grip, the title, the close glyph and the palettes of bar and panel (so
     // that labels placed in them take BarColor and PanelColor).
     void applyThemeColours();
+
+    // The text colours of bar and panel: the theme's BarColor and PanelColor where they read at
+    // 4.5:1 on the main colour the frames show, else black or white. A desktop colour the
+    // theme refers to changes with the user's scheme, and may stop reading on the main colour.
+    static QColor barTextColour(const Theme &theme);
+    static QColor panelTextColour(const Theme &theme);
 
     // Places bar, panel, close button and grip for the host's current size.
     void layoutFrames();

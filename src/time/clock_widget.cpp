@@ -1,10 +1,13 @@
 #include "time/clock_widget.h"
 
 #include "core/clickable_label.h"
+#include "core/painted_accessible.h"
 #include "core/widget_frame.h"
 #include "core/widget_index.h"
 #include "themes/painted_frame.h"
 #include "time/alarm_dialog.h"
+#include "time/alarm_preset.h"
+#include "time/alarm_scheduler.h"
 #include "time/clock_model.h"
 #include "time/clock_settings_dialog.h"
 #include "time/font_fit.h"
@@ -44,6 +47,10 @@ ClockWidget::ClockWidget(QWidget *parent)
     m_date->setAttribute(Qt::WA_TransparentForMouseEvents);
     m_alarm = new ClickableLabel(QStringLiteral("lblALARM"), tr(" Alarm "), bar());
     m_alarm->setToolTip(tr("Set the alarms"));
+    PaintedAccessible::makeLiveValue(m_time, tr("Time"));
+    PaintedAccessible::makeLiveValue(m_secs, tr("Seconds"));
+    PaintedAccessible::makeLiveValue(m_style, tr("Time of day"));
+    PaintedAccessible::makeLiveValue(m_date, tr("Date"));
     m_settings = new ClickableLabel(QStringLiteral("lblSETTINGS"), tr(" Settings "), bar());
     m_settings->setToolTip(tr("Clock settings"));
     for (ClickableLabel *b : {m_alarm, m_settings})
@@ -72,7 +79,22 @@ void ClockWidget::openSettingsDialog()
 
 void ClockWidget::openAlarmDialog()
 {
-    AlarmDialog::showSingle();
+    auto *dialog = AlarmDialog::showSingle();
+    connect(dialog, &QDialog::finished, this, &ClockWidget::describeAlarms, Qt::UniqueConnection);
+}
+
+void ClockWidget::describeAlarms()
+{
+    QStringList times;
+    for (int i = 0; i < AlarmScheduler::PresetCount; ++i) {
+        const AlarmPreset preset = AlarmPreset::load(i);
+        if (preset.armed)
+            times.append(preset.time);
+    }
+    const QString state = times.isEmpty() ? tr("No alarm is set")
+                                          : tr("Alarms set for %1").arg(times.join(QStringLiteral(", ")));
+    if (m_alarm->accessibleDescription() != state)
+        m_alarm->setAccessibleDescription(state);
 }
 
 void ClockWidget::setTextIfChanged(QLabel *label, const QString &text)
@@ -227,6 +249,7 @@ void ClockWidget::layoutClassic(const QRect &area)
 void ClockWidget::showEvent(QShowEvent *event)
 {
     WidgetWindow::showEvent(event);
+    describeAlarms();
     m_model->refresh();
     m_clockTimer->start();
 }

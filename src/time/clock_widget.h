@@ -35,6 +35,8 @@ protected:
 
 private:
     void showDisplay();
+    // Tells screen readers, through the Alarm button's description, which alarms are set.
+    void describeAlarms();
     QString layoutKey() const;
     void layoutBar();
     void layoutModern(const QRect &area);

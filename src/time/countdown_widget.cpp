@@ -1,6 +1,7 @@
 #include "time/countdown_widget.h"
 
 #include "core/clickable_label.h"
+#include "core/painted_accessible.h"
 #include "core/widget_index.h"
 #include "themes/painted_frame.h"
 #include "themes/theme_painter.h"
@@ -21,9 +22,12 @@ constexpr int kMargin = 6;
 const char *const kRunningNames[3] = {"txtHRS", "txtMIN", "txtSECS"};
 const char *const kSetNames[3] = {"txtSUBHRS", "txtSUBMIN", "txtSUBSECS"};
 
-QLineEdit *field(const char *name, QWidget *parent)
+// A two-digit field; one with a live name shows the running time, read out only when asked.
+QLineEdit *field(const char *name, QWidget *parent, const QString &liveName = QString())
 {
     auto *edit = new QLineEdit(parent);
+    if (!liveName.isEmpty())
+        PaintedAccessible::makeLiveValue(edit, liveName);
     edit->setObjectName(QLatin1String(name));
     edit->setAlignment(Qt::AlignCenter);
     edit->setMaxLength(2);
@@ -50,7 +54,7 @@ CountdownWidget::CountdownWidget(QWidget *parent)
     auto *twoDigits = new QRegularExpressionValidator(QRegularExpression(QStringLiteral("\\d{0,2}")), this);
     const QString setNames[3] = {tr("Hours"), tr("Minutes"), tr("Seconds")};
     for (int f = 0; f < 3; ++f) {
-        m_running[f] = field(kRunningNames[f], panel());
+        m_running[f] = field(kRunningNames[f], panel(), tr("%1 left").arg(setNames[f]));
         m_running[f]->setReadOnly(true);
         m_running[f]->setFrame(false);
         m_running[f]->setFocusPolicy(Qt::NoFocus);

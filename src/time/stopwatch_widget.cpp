@@ -1,6 +1,7 @@
 #include "time/stopwatch_widget.h"
 
 #include "core/clickable_label.h"
+#include "core/painted_accessible.h"
 #include "core/widget_index.h"
 #include "themes/painted_frame.h"
 #include "time/font_fit.h"
@@ -21,7 +22,9 @@ StopwatchWidget::StopwatchWidget(QWidget *parent)
     : WidgetWindow(WidgetWindowName(WidgetStopwatch), WidgetStopwatch, tr("Vantora Stopwatch"), parent),
       m_model(new StopwatchModel(this))
 {
-    m_display = new QLabel(m_model->text(), panel());
+    m_display = new QLabel(panel());
+    PaintedAccessible::makeLiveValue(m_display, tr("Time"));
+    m_display->setText(m_model->text());
     m_display->setObjectName(QStringLiteral("lblTIME"));
     m_display->setAlignment(Qt::AlignCenter);
     m_display->setAttribute(Qt::WA_TransparentForMouseEvents);

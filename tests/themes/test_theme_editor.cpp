@@ -8,6 +8,7 @@
 #include "themes/theme_editor.h"
 #include "themes/theme_painter.h"
 #include "themes/theme_presets.h"
+#include "themes/themed_chrome.h"
 
 #include <QApplication>
 #include <QDir>
@@ -149,7 +150,9 @@ private slots:
             SetCurrentTheme(t);
             const QList<QLabel *> labels = dialog->findChildren<QLabel *>();
             int checked = 0;
-            const QColor expected = share ? ResolveColor(text) : QApplication::palette().color(QPalette::WindowText);
+            // The panel's colour, or black or white where it would not read on the main colour.
+            const QColor expected = share ? ThemedChrome::panelTextColour(t)
+                                          : QApplication::palette().color(QPalette::WindowText);
             for (QLabel *label : labels) {
                 if (label->objectName() == QLatin1String("lablTITLE") || label->text().isEmpty() ||
                     label->objectName().startsWith(QLatin1String("lblPREVIEW")) ||

@@ -52,6 +52,8 @@ InkCanvas::InkCanvas(DrawingLayer *layer, QWidget *parent) : QWidget(parent), m_
     setAttribute(Qt::WA_TabletTracking);
     setMouseTracking(true);
     setFocusPolicy(Qt::StrongFocus);
+    // Screen readers announce it by what it is for; its picture is not text they could read.
+    setAccessibleName(tr("Drawing area"));
     connect(m_layer, &DrawingLayer::changed, this, &InkCanvas::layerChanged);
     connect(m_layer, &DrawingLayer::historyChanged, this, &InkCanvas::undoStateChanged);
     matchLayerSize();
