@@ -51,12 +51,14 @@ void MonthPageView::setMonth(const MonthLayout &layout, const MonthNotes &notes)
 void MonthPageView::setNotes(const MonthNotes &notes)
 {
     m_notes = notes;
+    describeSelectedDay();
     update();
 }
 
 void MonthPageView::setEventMarks(const QHash<QDate, QList<CalendarEventMark>> &marks)
 {
     m_marks = marks;
+    describeSelectedDay();
     update();
 }
 
@@ -76,6 +78,28 @@ void MonthPageView::setSelectedDate(const QDate &date)
     updateDate(m_selected);
     m_selected = date;
     updateDate(m_selected);
+    describeSelectedDay();
+}
+
+QString MonthPageView::spokenDay(const QDate &date) const
+{
+    QStringList parts{QLocale().toString(date, QLocale::LongFormat)};
+    const QString note = noteOf(date).trimmed();
+    parts.append(note.isEmpty() ? tr("no note") : tr("note: %1").arg(note.section(QLatin1Char('\n'), 0, 0)));
+    for (const CalendarEventMark &mark : m_marks.value(date)) {
+        parts.append(mark.time.isValid()
+                         ? QStringLiteral("%1 %2").arg(QLocale().toString(mark.time, QLocale::ShortFormat),
+                                                       mark.summary)
+                         : mark.summary);
+    }
+    return parts.join(QStringLiteral(", "));
+}
+
+void MonthPageView::describeSelectedDay()
+{
+    // Qt tells a screen reader when the description changes: once per move, never on a timer.
+    if (m_selected.isValid())
+        setAccessibleDescription(spokenDay(m_selected));
 }
 
 void MonthPageView::setColors(const Colors &colors)

@@ -46,6 +46,11 @@ public:
     QDate dateAt(const QPoint &viewPos) const;
     // A day's cell in view pixels.
     QRect cellArea(const QDate &date) const;
+    // The chosen day as a screen reader says it: the date, the note's first line (or that there
+    // is none) and the imported events. The page's accessible description, kept up to date as
+    // the user moves from day to day.
+    QString spokenDay(const QDate &date) const;
+
     // What the day's number, note and events cover, in page pixels (see MonthLayout::pageSize):
     // the part of the day that stickers and pictures are kept clear of.
     QRectF textArea(const QDate &date) const;
@@ -93,6 +98,7 @@ private:
     void paintCellText(QPainter &painter, const CellText &text, bool inMonth, bool today);
     bool handlesPointer() const;
     void updateDate(const QDate &date);
+    void describeSelectedDay();
 
     MonthLayout m_layout;
     MonthNotes m_notes;

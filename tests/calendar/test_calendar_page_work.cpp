@@ -11,6 +11,7 @@
 #include "support/test_home.h"
 #include "themes/message_box.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QDropEvent>
 #include <QFile>
@@ -268,6 +269,12 @@ void TestCalendarPageWork::importedCalendarsShowUnderTheNotes()
     QVERIFY(!cellShows(*calendar, QDate(2026, 11, 2), holidays));
     // The user's note is still the day's note, and its text stays above the events.
     QCOMPARE(calendar->notes().note(17), QStringLiteral("Bring the slides"));
+    // A screen reader on the page hears the chosen day with its note and events.
+    calendar->page()->setSelectedDate(QDate(2026, 11, 17));
+    const QString spoken = QAccessible::queryAccessibleInterface(calendar->page())->text(QAccessible::Description);
+    QVERIFY2(spoken.contains(QLocale().toString(QDate(2026, 11, 17), QLocale::LongFormat)) &&
+                 spoken.contains(QStringLiteral("note: Bring the slides")) && spoken.contains(QStringLiteral("Team")),
+             qPrintable(spoken));
     // The next month shows its own, and a removed calendar is gone.
     calendar->showDate(QDate(2026, 12, 24));
     QVERIFY(cellShows(*calendar, QDate(2026, 12, 25), holidays));
