@@ -5,12 +5,12 @@
 #include "notes/notes_settings.h"
 #include "notes/page_box.h"
 #include "notes/text_formatting.h"
+#include "themes/font_family_box.h"
 
 #include <QApplication>
 #include <QButtonGroup>
 #include <QColorDialog>
 #include <QComboBox>
-#include <QFontComboBox>
 #include <QHBoxLayout>
 #include <QLineEdit>
 #include <QPainter>
@@ -113,12 +113,12 @@ void FormatBar::buildCharacterRow(QWidget *row)
     layout->setContentsMargins(0, 0, 0, 0);
     layout->setSpacing(2);
 
-    m_fontName = new QFontComboBox(row);
+    m_fontName = new FontFamilyBox(row);
     m_fontName->setObjectName(QStringLiteral("cboFONTNAME"));
     m_fontName->setToolTip(tr("Font of the selected text"));
     m_fontName->setMaximumWidth(180);
     layout->addWidget(m_fontName);
-    connect(m_fontName, &QFontComboBox::currentFontChanged, this, [this] { applyFontName(); });
+    connect(m_fontName, &FontFamilyBox::currentFontChanged, this, [this] { applyFontName(); });
 
     m_fontSize = new QComboBox(row);
     m_fontSize->setObjectName(QStringLiteral("cboFONTSIZE"));

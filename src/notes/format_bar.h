@@ -8,7 +8,7 @@ class NoteDocument;
 class QAbstractButton;
 class QButtonGroup;
 class QComboBox;
-class QFontComboBox;
+class FontFamilyBox;
 class QToolButton;
 
 // The notes editor's format bar: character formatting (font, size, bold, italic, underline,
@@ -48,7 +48,7 @@ private:
     void showColor(const QColor &color);
 
     QPointer<NoteDocument> m_document;
-    QFontComboBox *m_fontName;
+    FontFamilyBox *m_fontName;
     QComboBox *m_fontSize;
     QComboBox *m_spacing;
     QComboBox *m_customSpacing;

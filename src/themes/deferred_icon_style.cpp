@@ -3,6 +3,7 @@
 #include <QIconEngine>
 #include <QPainter>
 #include <QPointer>
+#include <QStyleOption>
 #include <QWidget>
 
 namespace {
@@ -30,13 +31,19 @@ public:
     }
     QSize actualSize(const QSize &size, QIcon::Mode mode, QIcon::State state) override
     {
-        return icon().actualSize(size, mode, state);
+        // Item views ask for the size while they lay out, long before anything is drawn. The
+        // standard icons come in every size a view asks for, so the answer is known unread.
+        return m_read ? m_icon.actualSize(size, mode, state) : size;
     }
     QList<QSize> availableSizes(QIcon::Mode mode, QIcon::State state) override
     {
         return icon().availableSizes(mode, state);
     }
-    bool isNull() override { return icon().isNull(); }
+    // A list or combo box asks whether an icon is null as soon as it is added to an item;
+    // reading it then would load the style's pictures, and with them every image format
+    // plugin, before the first frame. An icon not read yet counts as there: the standard
+    // icons asked for here all exist, and a null one is simply not drawn.
+    bool isNull() override { return m_read ? m_icon.isNull() : false; }
     QString key() const override { return QStringLiteral("DeferredIconEngine"); }
     QIconEngine *clone() const override
     {
@@ -69,8 +76,41 @@ DeferredIconStyle::DeferredIconStyle() : QProxyStyle(nullptr) {}
 QIcon DeferredIconStyle::standardIcon(StandardPixmap icon, const QStyleOption *option,
                                       const QWidget *widget) const
 {
-    // An option lives only for this call: such a question is answered at once.
-    if (option)
+    // An option lives only for this call: such a question is answered at once. The line
+    // edit's clear button comes with one but its picture does not depend on it, and a line
+    // edit that offers it (the spell panel's) is made with the notes editor.
+    if (option && icon != SP_LineEditClearButton)
         return QProxyStyle::standardIcon(icon, option, widget);
     return QIcon(new DeferredIconEngine(baseStyle(), icon, widget));
+}
+
+void DeferredIconStyle::drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
+                                      const QWidget *widget) const
+{
+    if (element != PE_IndicatorTabClose || !option) {
+        QProxyStyle::drawPrimitive(element, option, painter, widget);
+        return;
+    }
+    // An "x" in the tab's text colour, on a rounded square while the pointer is over it, drawn
+    // at any scale.
+    const bool enabled = option->state & State_Enabled;
+    const bool hot = enabled && (option->state & (State_MouseOver | State_Sunken));
+    const QRectF box = QRectF(option->rect).adjusted(1, 1, -1, -1);
+    const qreal side = qMin(box.width(), box.height());
+    const QRectF square(box.center() - QPointF(side / 2, side / 2), QSizeF(side, side));
+    painter->save();
+    painter->setRenderHint(QPainter::Antialiasing);
+    QColor ink = option->palette.color(enabled ? QPalette::Active : QPalette::Disabled, QPalette::WindowText);
+    if (hot) {
+        painter->setPen(Qt::NoPen);
+        painter->setBrush(option->palette.color(QPalette::Highlight));
+        painter->drawRoundedRect(square, 3, 3);
+        ink = option->palette.color(QPalette::HighlightedText);
+    }
+    const qreal inset = side * 0.3;
+    painter->setPen(QPen(ink, qMax<qreal>(1.5, side / 10), Qt::SolidLine, Qt::RoundCap));
+    const QRectF cross = square.adjusted(inset, inset, -inset, -inset);
+    painter->drawLine(cross.topLeft(), cross.bottomRight());
+    painter->drawLine(cross.topRight(), cross.bottomLeft());
+    painter->restore();
 }

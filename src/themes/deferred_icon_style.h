@@ -9,6 +9,9 @@
 // loads every image-format plugin installed to ask whether it knows the file. A menu bar asks
 // for its overflow arrow as it is made, so the dashboard paid for all those plugins before it
 // could appear, for an arrow shown only when the menu bar is too narrow.
+//
+// A tab's close button is drawn, not read from a picture: the notes editor shows one in its
+// first frame, and reading it would load those plugins before the editor could appear.
 class DeferredIconStyle : public QProxyStyle
 {
     Q_OBJECT
@@ -16,5 +19,7 @@ public:
     DeferredIconStyle();
 
     QIcon standardIcon(StandardPixmap icon, const QStyleOption *option = nullptr,
+                       const QWidget *widget = nullptr) const override;
+    void drawPrimitive(PrimitiveElement element, const QStyleOption *option, QPainter *painter,
                        const QWidget *widget = nullptr) const override;
 };
