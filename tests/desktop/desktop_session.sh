@@ -5,7 +5,10 @@
 #   window_named REGEX      the id of the first visible window whose title matches (10 s)
 #   window_rect ID          "x y width height" of a window as the server has it
 #   active_title            the title of the window that has the keyboard
-#   fail MESSAGE            prints what went wrong, the program's output, and exits 1
+#   use_document_folder     gives the program $docs as its document folder (before start_program)
+#   wait_for_file PATH      waits (5 s at most) until the file is there and not empty
+#   fail MESSAGE            prints what went wrong, the document folder, the program's output,
+#                           and exits 1
 # The program is stopped and its home removed when the test ends.
 
 desktop_here=$(cd "$(dirname "${BASH_SOURCE[0]}")" && pwd)
@@ -28,6 +31,10 @@ trap stop_program EXIT
 
 fail() {
     echo "FAIL: $*"
+    if [[ -n ${docs:-} ]]; then
+        echo "--- files in the document folder:"
+        ls -la "$docs"
+    fi
     echo "--- program output:"
     cat "$home/program.log" 2>/dev/null
     exit 1
@@ -50,6 +57,25 @@ active_title() {
 wait_for_active() {
     for _ in $(seq 50); do
         [[ $(active_title) =~ $1 ]] && return 0
+        sleep 0.1
+    done
+    return 1
+}
+
+use_document_folder() {
+    docs=$home/docs
+    mkdir -p "$docs"
+    write_chosen_settings "$home"
+    cat >>"$home/settings.reg" <<REG
+
+[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\fnte_IDX\\Details]
+"Text-Folder-Loc"="$docs"
+REG
+}
+
+wait_for_file() {
+    for _ in $(seq 50); do
+        [[ -s $1 ]] && return 0
         sleep 0.1
     done
     return 1

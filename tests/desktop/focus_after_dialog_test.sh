@@ -7,14 +7,7 @@ set -u
 program=$1
 source "$(dirname "$0")/desktop_session.sh"
 
-docs=$home/docs
-mkdir -p "$docs"
-write_chosen_settings "$home"
-cat >>"$home/settings.reg" <<REG
-
-[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\fnte_IDX\\Details]
-"Text-Folder-Loc"="$docs"
-REG
+use_document_folder
 start_program
 window_named '^Vantora Dashboard$' >/dev/null || fail "the dashboard did not open"
 open_in_program notes

@@ -7,49 +7,10 @@
 set -u
 
 program=$1
-here=$(cd "$(dirname "$0")" && pwd)
-source "$here/../../bench/bench_session.sh"
-
-home=$(mktemp -d)
-docs=$home/docs
-mkdir -p "$docs"
-program_pid=
-finish() {
-    if [[ -n $program_pid ]]; then
-        kill "$program_pid" 2>/dev/null
-        wait "$program_pid" 2>/dev/null
-    fi
-    rm -rf "$home"
-}
-trap finish EXIT
-
-fail() {
-    echo "FAIL: $*"
-    echo "files in the document folder:"
-    ls -la "$docs"
-    exit 1
-}
+source "$(dirname "$0")/desktop_session.sh"
 
 # The first-run choice made, and the document folder the dialog starts in.
-write_chosen_settings "$home"
-cat >>"$home/settings.reg" <<REG
-
-[HKEY_CURRENT_USER\\SOFTWARE\\Vantora\\fnte_IDX\\Details]
-"Text-Folder-Loc"="$docs"
-REG
-
-# The id of the first visible window whose title matches, once there is one (10 s at most).
-window_named() {
-    timeout 10 xdotool search --sync --onlyvisible --name "$1" 2>/dev/null | head -n 1
-}
-
-wait_for_file() {
-    for _ in $(seq 50); do
-        [[ -s $1 ]] && return 0
-        sleep 0.1
-    done
-    return 1
-}
+use_document_folder
 
 # Types a note in the active document and saves it as a new file named `name`.
 save_note_as() {
@@ -70,8 +31,7 @@ save_note_as() {
     xdotool key Return
 }
 
-VANTORA_HOME=$home "$program" --open notes >"$home/program.log" 2>&1 &
-program_pid=$!
+start_program --open notes
 
 save_note_as shopping
 wait_for_file "$docs/shopping.rtf" || fail "shopping.rtf was not written"
