@@ -66,10 +66,16 @@ void FontFamilyBox::fillFamilies()
 
 void FontFamilyBox::chosen(const QString &family)
 {
-    // A typed name that is no family on this system changes nothing, and Enter on a name the
-    // list also matched reports it once.
-    if (family == m_family || !QFontDatabase::hasFamily(family))
+    // Enter on a name the list also matched reports it once. A typed name that is no family
+    // on this system changes nothing, and the box shows the family in use again rather than
+    // a name the text is not drawn in.
+    if (family == m_family)
         return;
+    if (!QFontDatabase::hasFamily(family)) {
+        const QSignalBlocker blocker(this);
+        setEditText(m_family);
+        return;
+    }
     m_family = family;
     emit currentFontChanged(QFont(family));
 }

@@ -32,6 +32,8 @@ void TestFontFamilyBox::typedFamily()
     FontFamilyBox box;
     box.show();
     QVERIFY(QTest::qWaitForWindowExposed(&box));
+    box.setCurrentFont(QFont(QFontDatabase::families().last()));
+    const QString shown = box.currentText();
     box.activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(&box));
     box.setFocus(Qt::TabFocusReason); // as a user reaches it, which fills its list
@@ -42,6 +44,8 @@ void TestFontFamilyBox::typedFamily()
     QCOMPARE(changed.count(), chosen ? 1 : 0);
     if (chosen)
         QCOMPARE(changed.first().first().value<QFont>().family(), typed);
+    else
+        QCOMPARE(box.currentText(), shown); // an unknown name does not stay in the box
 }
 
 void TestFontFamilyBox::missingFamilyShowsItsStandIn()
