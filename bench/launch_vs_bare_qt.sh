@@ -47,7 +47,8 @@ cases=(
     "--open notes|$program_path --open notes|2.0|2.0"
 )
 
-# One line per run: "ms-to-map kB-at-map kB-later ms-to-frame cpu-ms-to-frame kB-private".
+# One line per run: "ms-to-map kB-at-map kB-later ms-to-frame cpu-ms-to-frame kB-private
+# kB-private-written".
 measure() {
     # shellcheck disable=SC2086 # the command's words are its arguments
     VANTORA_HOME=$home VANTORA_OFFLINE=1 XDG_RUNTIME_DIR=$runtime QT_QPA_PLATFORM=xcb "$build/bin/first_map_timer" $1
@@ -82,16 +83,16 @@ bare=${results["bare Qt label"]:-}
 bare_frame=$(median 4 "$bare")
 bare_cpu=$(median 5 "$bare")
 printf 'launch to first painted frame under Xvfb, median of %d runs each, taken in turn\n' "$runs"
-printf '%-19s %9s %7s %9s %7s %9s %10s %10s\n' "" "frame ms" "x bare" "CPU ms" "x bare" "map ms" "RSS MB 1s" "private MB"
+printf '%-19s %9s %7s %9s %7s %9s %10s %10s %8s\n' "" "frame ms" "x bare" "CPU ms" "x bare" "map ms" "RSS MB 1s" "private MB" "written"
 for entry in "${cases[@]}"; do
     IFS='|' read -r name _ frame_target cpu_target <<<"$entry"
     lines=${results[$name]:-}
     [[ -n $lines ]] || { printf '%-19s never painted\n' "$name"; continue; }
     awk -v name="$name" -v frame="$(median 4 "$lines")" -v cpu="$(median 5 "$lines")" \
         -v map="$(median 1 "$lines")" -v rss="$(median 3 "$lines")" -v priv="$(median 6 "$lines")" \
-        -v bf="$bare_frame" -v bc="$bare_cpu" -v ft="$frame_target" -v ct="$cpu_target" 'BEGIN {
+        -v own="$(median 7 "$lines")" -v bf="$bare_frame" -v bc="$bare_cpu" -v ft="$frame_target" -v ct="$cpu_target" 'BEGIN {
         fr = frame / bf; cr = cpu / bc
-        printf "%-19s %9.1f %7.2f %9.1f %7.2f %9.1f %10.1f %10.1f\n", name, frame, fr, cpu, cr, map, rss / 1024, priv / 1024
+        printf "%-19s %9.1f %7.2f %9.1f %7.2f %9.1f %10.1f %10.1f %8.1f\n", name, frame, fr, cpu, cr, map, rss / 1024, priv / 1024, own / 1024
         if (ft != "-") printf "%19s first frame at most %.1fx the bare label: %s\n", "", ft, (fr <= ft) ? "met" : "MISSED"
         if (ct != "-") printf "%19s own CPU at most %.1fx the bare label: %s\n", "", ct, (cr <= ct) ? "met" : "MISSED"
     }'
@@ -99,8 +100,10 @@ done
 for name in "--open calculator" "--open clock"; do
     lines=${results[$name]:-}
     [[ -n $lines ]] || continue
-    awk -v name="$name" -v priv="$(median 6 "$lines")" 'BEGIN {
-        printf "private memory of %s: %.1f MB, target under 10 MB: %s\n", name, priv / 1024, (priv < 10240) ? "met" : "MISSED"
+    # The program's own memory is what it wrote; clean private pages are library code that is
+    # private only while no other process maps the same library (see first_map_timer.cpp).
+    awk -v name="$name" -v own="$(median 7 "$lines")" 'BEGIN {
+        printf "private written memory of %s: %.1f MB, target under 10 MB: %s\n", name, own / 1024, (own < 10240) ? "met" : "MISSED"
     }'
 done
 ((failed == 0)) || echo "$failed launches painted nothing within 10 s and were left out."
