@@ -81,9 +81,13 @@ void ApplicationStart::run(const LaunchRequest &request)
     prepareData();
     StartupTrace::mark("theme and data folders ready");
     m_choice = StartupDecisions::readProgramChoice();
-    loadWindows();
-    StartupTrace::mark("dashboard and tray built");
-    m_dashboard->StartUpdateCheck(false);
+    loadScheduler();
+    // A start that names only widgets shows them first: the dashboard and the tray icon, which
+    // it does not show, are built once the first window has been painted.
+    if (!request.asksForWindows() || request.hidden || namesShellWindow(request)) {
+        loadDashboard();
+        StartupTrace::mark("dashboard and tray built");
+    }
 
     // Without a tray a hidden start would leave the program out of reach.
     const bool startHidden = request.hidden && TrayIcon::isAvailable();
@@ -104,7 +108,18 @@ void ApplicationStart::run(const LaunchRequest &request)
     StartupTrace::mark("first windows shown");
     for (const LaunchRequest &waiting : std::exchange(m_waitingLaunches, {}))
         showRequested(waiting);
-    if (!m_notices.isEmpty() && !m_dashboard->isVisible() && TrayIcon::isAvailable())
+    if (m_dashboard)
+        tellNoticesFromTray();
+}
+
+bool ApplicationStart::namesShellWindow(const LaunchRequest &request)
+{
+    return request.open.contains(QLatin1String("dashboard")) || request.open.contains(QLatin1String("webcam"));
+}
+
+void ApplicationStart::tellNoticesFromTray()
+{
+    if (!m_notices.isEmpty() && m_tray && !m_dashboard->isVisible() && TrayIcon::isAvailable())
         m_tray->systemTrayIcon()->showMessage(QStringLiteral("Vantora"), m_notices.join(QLatin1Char(' ')),
                                               QSystemTrayIcon::Warning);
 }
@@ -137,20 +152,20 @@ QByteArray ApplicationStart::answerLaunch(const QByteArray &request)
 
 void ApplicationStart::showRequested(const LaunchRequest &request)
 {
-    if (!m_dashboard || m_dashboard->isUnloading())
+    if (m_ended || (m_dashboard && m_dashboard->isUnloading()))
         return;
     if (!request.asksForWindows()) {
         // A plain launch while running: the user is looking for the program.
         if (!request.hidden)
-            m_dashboard->showDashboard();
+            loadDashboard()->showDashboard();
         return;
     }
     WidgetRegistry &registry = WidgetRegistry::instance();
     for (const QString &name : request.open) {
         if (name == QLatin1String("dashboard"))
-            m_dashboard->showDashboard();
+            loadDashboard()->showDashboard();
         else if (name == QLatin1String("webcam"))
-            m_dashboard->openWebcam();
+            loadDashboard()->openWebcam();
         else
             registry.open(LaunchRequest::widgetIndexOf(name));
     }
@@ -165,7 +180,7 @@ void ApplicationStart::showRequested(const LaunchRequest &request)
     }
     // Nothing the request named could open (a widget this build lacks): the dashboard shows.
     if (visibleWindowNames().isEmpty())
-        m_dashboard->showDashboard();
+        loadDashboard()->showDashboard();
 }
 
 QStringList ApplicationStart::visibleWindowNames()
@@ -234,6 +249,11 @@ void ApplicationStart::finishStartAfterFirstWindow()
         return;
     m_startFinished = true;
     qApp->removeEventFilter(this);
+    if (!m_dashboard && !m_ended) {
+        loadDashboard();
+        tellNoticesFromTray();
+        StartupTrace::mark("dashboard and tray built");
+    }
     InstallMissingPresets();
     Autostart::followRunningProgram();
     QString problem;
@@ -264,21 +284,28 @@ void ApplicationStart::registerWidgetsOnce()
     RegisterBuiltInWidgets();
 }
 
-void ApplicationStart::loadWindows()
+void ApplicationStart::loadScheduler()
 {
-    m_dashboard = new DashboardWindow;
-    m_dashboard->setIndxSel(m_choice);
-    connect(m_dashboard, &DashboardWindow::unloaded, this, &ApplicationStart::end);
-
+    // Alarms ring whichever windows show; the shared context menu lives with the scheduler.
     m_scheduler = new SchedulerWindow;
     m_menu = new WidgetContextMenu(m_scheduler);
-    m_dashboard->attachContextMenu(m_menu);
     SetContextMenuHandler([this](QWidget *window, const QPoint &pos) { popUpContextMenu(window, pos); });
-
-    m_dashboard->loadDashboard(m_choice);
     // Notes a crash left unsaved are offered back at once, whichever widgets start.
     if (NotesEditor::hasRecoveredDocuments())
         WidgetRegistry::instance().open(WidgetNotes);
+    connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
+            &ApplicationStart::keepSomethingOnScreen);
+}
+
+DashboardWindow *ApplicationStart::loadDashboard()
+{
+    if (m_dashboard)
+        return m_dashboard;
+    m_dashboard = new DashboardWindow;
+    m_dashboard->setIndxSel(m_choice);
+    connect(m_dashboard, &DashboardWindow::unloaded, this, &ApplicationStart::end);
+    m_dashboard->attachContextMenu(m_menu);
+    m_dashboard->loadDashboard(m_choice);
 
     m_tray = new TrayIcon;
     m_tray->setTooltip(QStringLiteral("Vantora"));
@@ -286,15 +313,16 @@ void ApplicationStart::loadWindows()
     m_tray->TraySetIcon(m_dashboard);
     if (!m_notices.isEmpty())
         m_dashboard->setNotice(m_notices.join(QStringLiteral("\n\n")));
-
-    connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
-            &ApplicationStart::keepSomethingOnScreen);
+    m_dashboard->StartUpdateCheck(false);
+    return m_dashboard;
 }
 
 void ApplicationStart::popUpContextMenu(QWidget *window, const QPoint &globalPos)
 {
-    if (m_menu && m_dashboard)
-        m_menu->popUpFor(window, m_dashboard->isVisible(), globalPos);
+    // The menu's commands reach the dashboard, which a start that named only widgets may not
+    // have built yet.
+    if (m_menu && !m_ended)
+        m_menu->popUpFor(window, loadDashboard()->isVisible(), globalPos);
 }
 
 void ApplicationStart::keepSomethingOnScreen()
@@ -309,6 +337,7 @@ void ApplicationStart::keepSomethingOnScreen()
 
 void ApplicationStart::end()
 {
+    m_ended = true;
     SetSettingsProblemHandler({});
     SetContextMenuHandler({});
     // Exit may have been chosen from the shared menu, whose own handler is still running and

@@ -13,7 +13,8 @@ class WidgetContextMenu;
 
 // The entry routine: prepares the program-wide values, the theme and the data folders, loads
 // the hidden scheduler window, the dashboard and the tray icon, shows the first-run wizard when
-// no choice has been made, and hands over to the dashboard or the one chosen widget. The
+// no choice has been made, and hands over to the dashboard or the one chosen widget. A start
+// that names only widgets builds the dashboard and the tray icon after their first frame. The
 // program ends when the dashboard unloads (its Exit command).
 class ApplicationStart : public QObject
 {
@@ -62,7 +63,12 @@ signals:
 private:
     void prepareValues();
     void prepareData();
-    void loadWindows();
+    // The hidden scheduler window with the shared context menu, and the notes a crash left.
+    void loadScheduler();
+    // The dashboard and the tray icon, the first time; the dashboard.
+    DashboardWindow *loadDashboard();
+    static bool namesShellWindow(const LaunchRequest &request);
+    void tellNoticesFromTray();
     void popUpContextMenu(QWidget *window, const QPoint &globalPos);
     void keepSomethingOnScreen();
     void end();
@@ -81,4 +87,5 @@ private:
     bool m_started = false;
     int m_choice = -1;
     bool m_startFinished = false;
+    bool m_ended = false;
 };

@@ -58,6 +58,7 @@ private slots:
     void laterLaunchShowsWhatItAsks_data();
     void laterLaunchShowsWhatItAsks();
     void laterLaunchDuringWizardWaitsForIt();
+    void dashboardAskedForBeforeItIsBuiltIsBuiltOnce();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -457,6 +458,11 @@ void TestStartup::commandLineReplacesHandOver()
     start.run(request);
 
     QVERIFY(!wizardShown);
+    // Widgets named alone show before the dashboard and tray exist; those come after their
+    // first frame, with the widgets the start-load flags open.
+    const bool widgetsAlone = !open.isEmpty() && !open.contains(QStringLiteral("dashboard"));
+    QCOMPARE(!start.dashboard(), widgetsAlone);
+    QTRY_VERIFY(start.dashboard() && start.tray());
     QCOMPARE(start.dashboard()->isVisible(), dashboardShown);
     QList<int> openNow = WidgetRegistry::instance().openWidgets();
     std::sort(openNow.begin(), openNow.end());
@@ -514,6 +520,24 @@ void TestStartup::laterLaunchDuringWizardWaitsForIt()
     start.run();
     QVERIFY(!answer.isEmpty());
     QTRY_COMPARE(WidgetRegistry::instance().openWidgets(), (QList<int>{WidgetClock, WidgetCalculator}));
+}
+
+void TestStartup::dashboardAskedForBeforeItIsBuiltIsBuiltOnce()
+{
+    WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("0"));
+    ApplicationStart start;
+    start.run(LaunchRequest{{"clock"}, {}, false});
+    QVERIFY(!start.dashboard());
+
+    start.showRequested(LaunchRequest{});
+    QVERIFY(start.dashboard() && start.dashboard()->isVisible());
+    QTest::qWait(50); // the first frame has come and gone
+    int dashboards = 0;
+    for (const QWidget *window : QApplication::topLevelWidgets())
+        dashboards += window->objectName() == QStringLiteral("mdb_IDX");
+    QCOMPARE(dashboards, 1);
+    QVERIFY(start.dashboard()->isVisible());
+    QApplication::closeAllWindows();
 }
 
 QTEST_MAIN(TestStartup)
