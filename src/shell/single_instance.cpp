@@ -254,7 +254,12 @@ bool SingleInstance::openServer(QString *error)
     // We hold the lock, so a socket already there was left by a copy that crashed.
     QLocalServer::removeServer(name);
     auto *server = new QLocalServer(this);
+#ifdef Q_OS_WIN
+    // Pipe names are machine-wide: only this user may connect.
     server->setSocketOptions(QLocalServer::UserAccessOption);
+#endif
+    // Elsewhere the socket sits in a folder only this user can enter (runtimeFolder()); Qt's
+    // access option would make, and remove, a temporary folder at every start to bind it in.
     server->setMaxPendingConnections(kMaxOpenConnections);
     if (!server->listen(name)) {
         setFailure(error, server->errorString());
