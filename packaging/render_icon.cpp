@@ -1,17 +1,37 @@
 // Build-time helper: renders the program's SVG icon into the PNG sizes of the freedesktop icon
-// theme layout, for desktops and launchers that do not read SVG icons.
+// theme layout, for desktops and launchers that do not read SVG icons, or into bare pixels for
+// the program's own window icon.
 //
 //   render_icon ICON.svg OUTPUT_FOLDER NAME SIZE...
 //
-// writes OUTPUT_FOLDER/<SIZE>x<SIZE>/apps/NAME.png for every SIZE.
+// writes OUTPUT_FOLDER/<SIZE>x<SIZE>/apps/NAME.png for every SIZE; with the NAME "raw" instead
+// OUTPUT_FOLDER/<SIZE>.rgba, the pixels as premultiplied RGBA bytes, row after row. Those need
+// no image reader to show: Qt's looks through every image format plugin it has first.
 
 #include <QDir>
+#include <QFile>
 #include <QGuiApplication>
 #include <QImage>
 #include <QPainter>
 #include <QSvgRenderer>
 
 #include <cstdio>
+
+namespace {
+bool writePixels(const QImage &image, const QString &path)
+{
+    const QImage pixels = image.convertToFormat(QImage::Format_RGBA8888_Premultiplied);
+    QFile file(path);
+    if (!file.open(QIODevice::WriteOnly))
+        return false;
+    for (int y = 0; y < pixels.height(); ++y) {
+        const auto *row = reinterpret_cast<const char *>(pixels.constScanLine(y));
+        if (file.write(row, pixels.width() * 4) != pixels.width() * 4)
+            return false;
+    }
+    return file.flush();
+}
+} // namespace
 
 int main(int argc, char *argv[])
 {
@@ -41,10 +61,12 @@ int main(int argc, char *argv[])
         painter.setRenderHint(QPainter::Antialiasing);
         renderer.render(&painter);
         painter.end();
-        const QString folder = QStringLiteral("%1/%2x%2/apps").arg(args.at(2)).arg(size);
+        const bool raw = args.at(3) == QLatin1String("raw");
+        const QString folder = raw ? args.at(2) : QStringLiteral("%1/%2x%2/apps").arg(args.at(2)).arg(size);
         QDir().mkpath(folder);
-        const QString path = folder + QLatin1Char('/') + args.at(3) + QStringLiteral(".png");
-        if (!image.save(path, "PNG")) {
+        const QString path = raw ? QStringLiteral("%1/%2.rgba").arg(folder).arg(size)
+                                 : folder + QLatin1Char('/') + args.at(3) + QStringLiteral(".png");
+        if (!(raw ? writePixels(image, path) : image.save(path, "PNG"))) {
             std::fprintf(stderr, "render_icon: cannot write %s\n", qPrintable(path));
             return 1;
         }

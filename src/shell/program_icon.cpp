@@ -2,12 +2,13 @@
 
 #include <QImage>
 #include <QPainter>
+#include <QResource>
 #include <QSvgRenderer>
 
-#include <iterator>
 
 namespace {
 const QString kSvg = QStringLiteral(":/icons/vantora.svg");
+// Drawn from the SVG at build time, at the sizes window managers and trays use.
 constexpr int kWindowSizes[] = {16, 22, 24, 32, 48, 64};
 
 QPixmap render(QSvgRenderer &svg, int pixels)
@@ -23,14 +24,18 @@ QPixmap render(QSvgRenderer &svg, int pixels)
 
 QIcon ProgramIcon::forWindows()
 {
-    // Drawn once at the largest size and scaled down: drawing the SVG is the slow part.
     static const QIcon icon = [] {
-        QSvgRenderer svg(kSvg);
-        const QImage largest = render(svg, kWindowSizes[std::size(kWindowSizes) - 1]).toImage();
         QIcon made;
-        for (int side : kWindowSizes)
-            made.addPixmap(QPixmap::fromImage(
-                largest.scaled(side, side, Qt::IgnoreAspectRatio, Qt::SmoothTransformation)));
+        for (int side : kWindowSizes) {
+            // Bare pixels: an image reader would first look through every image format plugin.
+            const QByteArray pixels =
+                QResource(QStringLiteral(":/icons/window/%1.rgba").arg(side)).uncompressedData();
+            if (pixels.size() != side * side * 4)
+                continue;
+            const QImage image(reinterpret_cast<const uchar *>(pixels.constData()), side, side, side * 4,
+                               QImage::Format_RGBA8888_Premultiplied);
+            made.addPixmap(QPixmap::fromImage(image.convertToFormat(QImage::Format_ARGB32_Premultiplied)));
+        }
         return made;
     }();
     return icon;

@@ -6,6 +6,7 @@
 #include "notes/page_box.h"
 #include "shell/dashboard_tile.h"
 #include "shell/dashboard_window.h"
+#include "shell/program_icon.h"
 #include "shell/tray_icon.h"
 #include "shell/update_check.h"
 #include "shell/widget_registry.h"
@@ -79,6 +80,8 @@ private slots:
     void menusFollowTheThemeAndRead_data();
     void menusFollowTheThemeAndRead();
     void loadingFetchesAndShowsTheWeather();
+    void windowIconIsTheDrawnProgramIcon_data();
+    void windowIconIsTheDrawnProgramIcon();
 
 private:
     std::unique_ptr<TestHome> m_home;
@@ -435,6 +438,39 @@ void TestDashboard::loadingFetchesAndShowsTheWeather()
     QCOMPARE(picture->font().family(), ShippedData::weatherFontFamily());
     QVERIFY(!weather->isHidden());
     QVERIFY(weather->toolTip().contains(QStringLiteral("Open-Meteo")));
+}
+
+void TestDashboard::windowIconIsTheDrawnProgramIcon_data()
+{
+    QTest::addColumn<int>("side");
+    for (int side : {16, 22, 32, 64})
+        QTest::newRow(qPrintable(QString::number(side))) << side;
+}
+
+// The window and tray icon comes as pixels drawn when the program was built: they must be the
+// SVG the About box draws, with the colours in the right byte order.
+void TestDashboard::windowIconIsTheDrawnProgramIcon()
+{
+    QFETCH(int, side);
+    const QIcon icon = ProgramIcon::forWindows();
+    QVERIFY(icon.availableSizes().contains(QSize(side, side)));
+    const QImage shipped = icon.pixmap(side, side).toImage().convertToFormat(QImage::Format_ARGB32);
+    const QImage drawn = ProgramIcon::drawn(side, 1.0).toImage().convertToFormat(QImage::Format_ARGB32);
+    QCOMPARE(shipped.size(), drawn.size());
+    int opaque = 0;
+    for (int y = 0; y < side; ++y) {
+        for (int x = 0; x < side; ++x) {
+            const QRgb a = shipped.pixel(x, y);
+            const QRgb b = drawn.pixel(x, y);
+            const int difference = qMax(qMax(qAbs(qRed(a) - qRed(b)), qAbs(qGreen(a) - qGreen(b))),
+                                        qMax(qAbs(qBlue(a) - qBlue(b)), qAbs(qAlpha(a) - qAlpha(b))));
+            if (difference > 2)
+                QFAIL(qPrintable(QStringLiteral("pixel %1,%2 is %3, drawn %4")
+                                     .arg(x).arg(y).arg(a, 8, 16, QLatin1Char('0')).arg(b, 8, 16, QLatin1Char('0'))));
+            opaque += qAlpha(a) == 255;
+        }
+    }
+    QVERIFY2(opaque > side * side / 4, "the icon is mostly see-through");
 }
 
 QTEST_MAIN(TestDashboard)
