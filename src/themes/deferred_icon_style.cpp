@@ -1,5 +1,7 @@
 #include "themes/deferred_icon_style.h"
 
+#include "themes/drawn_file_icons.h"
+
 #include <QIconEngine>
 #include <QPainter>
 #include <QPointer>
@@ -76,6 +78,9 @@ DeferredIconStyle::DeferredIconStyle() : QProxyStyle(nullptr) {}
 QIcon DeferredIconStyle::standardIcon(StandardPixmap icon, const QStyleOption *option,
                                       const QWidget *widget) const
 {
+    // Files, folders and drives are drawn: the side panels show them in their first frame.
+    if (QIcon drawn = DrawnFileIcons::icon(icon); !drawn.isNull())
+        return drawn;
     // An option lives only for this call: such a question is answered at once. The line
     // edit's clear button comes with one but its picture does not depend on it, and a line
     // edit that offers it (the spell panel's) is made with the notes editor.

@@ -10,8 +10,9 @@
 // for its overflow arrow as it is made, so the dashboard paid for all those plugins before it
 // could appear, for an arrow shown only when the menu bar is too narrow.
 //
-// A tab's close button is drawn, not read from a picture: the notes editor shows one in its
-// first frame, and reading it would load those plugins before the editor could appear.
+// A tab's close button, and the file, folder and drive icons of the side panels' lists
+// (DrawnFileIcons), are drawn, not read from pictures: the notes editor shows them in its first
+// frame, and reading them would load those plugins before the editor could appear.
 class DeferredIconStyle : public QProxyStyle
 {
     Q_OBJECT
