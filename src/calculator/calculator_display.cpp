@@ -62,6 +62,10 @@ void CalculatorDisplay::setTexts(const QString &number, const QString &sign, con
     // The labels let the mouse through to the window, so the screen's own tip names the memory.
     const QString keysTip = tr("Ctrl+C copies the number, Ctrl+V pastes one");
     setToolTip(memory.isEmpty() ? keysTip : tr("Memory: %1").arg(memory) + QLatin1Char('\n') + keysTip);
+    // Fitted once the window gives the display its size: fonts fitted to a size it never shows
+    // in would each be looked up and loaded for nothing.
+    if (!testAttribute(Qt::WA_Resized))
+        return;
     if (memoryShownChanged)
         relayout(); // the "M" mark moves the memory value over
     else
