@@ -81,9 +81,14 @@ void ApplicationStart::run(const LaunchRequest &request)
     prepareData();
     StartupTrace::mark("theme and data folders ready");
     m_choice = StartupDecisions::readProgramChoice();
-    loadScheduler();
-    // A start that names only widgets shows them first: the dashboard and the tray icon, which
-    // it does not show, are built once the first window has been painted.
+    // Notes a crash left unsaved are offered back at once, whichever widgets start.
+    if (NotesEditor::hasRecoveredDocuments())
+        WidgetRegistry::instance().open(WidgetNotes);
+    connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
+            &ApplicationStart::keepSomethingOnScreen);
+    // A start that names only widgets shows them first: the dashboard, the tray icon and the
+    // hidden scheduler window, which it does not show, are built once the first window has been
+    // painted. Alarms are checked every few seconds; the first check comes no later for that.
     if (!request.asksForWindows() || request.hidden || namesShellWindow(request)) {
         loadDashboard();
         StartupTrace::mark("dashboard and tray built");
@@ -217,6 +222,7 @@ void ApplicationStart::prepareData()
     PrepareAllDataFolders();
     registerWidgetsOnce();
     registerTools();
+    SetContextMenuHandler([this](QWidget *window, const QPoint &pos) { popUpContextMenu(window, pos); });
     // Copying the shipped presets and dictionaries takes longer than everything else on a first
     // run, and nothing needs them (nor the autostart entry) before the user acts: they wait for
     // the first window (or a second, when the start shows none).
@@ -289,18 +295,13 @@ void ApplicationStart::loadScheduler()
     // Alarms ring whichever windows show; the shared context menu lives with the scheduler.
     m_scheduler = new SchedulerWindow;
     m_menu = new WidgetContextMenu(m_scheduler);
-    SetContextMenuHandler([this](QWidget *window, const QPoint &pos) { popUpContextMenu(window, pos); });
-    // Notes a crash left unsaved are offered back at once, whichever widgets start.
-    if (NotesEditor::hasRecoveredDocuments())
-        WidgetRegistry::instance().open(WidgetNotes);
-    connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
-            &ApplicationStart::keepSomethingOnScreen);
 }
 
 DashboardWindow *ApplicationStart::loadDashboard()
 {
     if (m_dashboard)
         return m_dashboard;
+    loadScheduler();
     m_dashboard = new DashboardWindow;
     m_dashboard->setIndxSel(m_choice);
     connect(m_dashboard, &DashboardWindow::unloaded, this, &ApplicationStart::end);
@@ -319,9 +320,9 @@ DashboardWindow *ApplicationStart::loadDashboard()
 
 void ApplicationStart::popUpContextMenu(QWidget *window, const QPoint &globalPos)
 {
-    // The menu's commands reach the dashboard, which a start that named only widgets may not
-    // have built yet.
-    if (m_menu && !m_ended)
+    // The menu lives with the scheduler and its commands reach the dashboard, which a start
+    // that named only widgets may not have built yet.
+    if (!m_ended)
         m_menu->popUpFor(window, loadDashboard()->isVisible(), globalPos);
 }
 

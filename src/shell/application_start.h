@@ -14,7 +14,7 @@ class WidgetContextMenu;
 // The entry routine: prepares the program-wide values, the theme and the data folders, loads
 // the hidden scheduler window, the dashboard and the tray icon, shows the first-run wizard when
 // no choice has been made, and hands over to the dashboard or the one chosen widget. A start
-// that names only widgets builds the dashboard and the tray icon after their first frame. The
+// that names only widgets builds the rest after their first frame. The
 // program ends when the dashboard unloads (its Exit command).
 class ApplicationStart : public QObject
 {
@@ -63,9 +63,9 @@ signals:
 private:
     void prepareValues();
     void prepareData();
-    // The hidden scheduler window with the shared context menu, and the notes a crash left.
+    // The hidden scheduler window with the shared context menu.
     void loadScheduler();
-    // The dashboard and the tray icon, the first time; the dashboard.
+    // The scheduler, the dashboard and the tray icon, the first time; the dashboard.
     DashboardWindow *loadDashboard();
     static bool namesShellWindow(const LaunchRequest &request);
     void tellNoticesFromTray();
