@@ -202,7 +202,7 @@ void ClockWidget::layoutModern(const QRect &area)
         const QFontMetricsF fm(FontFit::withPixelSize(base, px));
         const QFontMetricsF sfm(FontFit::withPixelSize(base, qMax(6, int(px * kSideScale))));
         const double w = fm.horizontalAdvance(main) + px * 0.08 + sideWidth(sfm);
-        return w <= area.width() && fm.height() <= area.height();
+        return FontFit::usage(w, fm.height(), area.width(), area.height());
     });
     const QFont mainFont = FontFit::withPixelSize(base, size);
     const QFont sideFont = FontFit::withPixelSize(base, qMax(6, int(size * kSideScale)));

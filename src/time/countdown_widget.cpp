@@ -166,7 +166,7 @@ QFont CountdownWidget::fitRow(const QList<QWidget *> &row, const QFont &base, co
     const int size = FontFit::largestPixelSize(
         [&](int px) {
             const QFont font = FontFit::withPixelSize(base, px);
-            return rowWidth(row, font) <= area.width() && QFontMetrics(font).height() <= height;
+            return FontFit::usage(rowWidth(row, font), QFontMetrics(font).height(), area.width(), height);
         },
         6, qMax(6, largest));
     return FontFit::withPixelSize(base, size);

@@ -2,18 +2,61 @@
 
 #include <QFontMetricsF>
 
-int FontFit::largestPixelSize(const std::function<bool(int)> &fits, int minimum, int maximum)
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+// Text grows in proportion to its pixel size, give or take the rounding of hinted glyphs.
+constexpr int kReferencePixels = 100;
+} // namespace
+
+int FontFit::largestPixelSize(const std::function<double(int)> &usage, int minimum, int maximum)
 {
-    int lo = minimum; // assumed to fit (the floor)
-    int hi = maximum;
+    if (maximum <= minimum)
+        return minimum;
+    const double atReference = usage(kReferencePixels);
+    const double estimate = atReference > 0 ? kReferencePixels / atReference : maximum;
+    const int guess = int(std::clamp<double>(std::floor(estimate), minimum, maximum));
+    // Gallop away from the guess until the answer is bracketed, then bisect the bracket.
+    int lo = minimum; // fits (the floor)
+    int hi = maximum; // the answer is at most this
+    if (usage(guess) <= 1) {
+        lo = guess;
+        for (int step = 1; lo < hi; step *= 2) {
+            const int next = std::min(hi, lo + step);
+            if (usage(next) > 1) {
+                hi = next - 1;
+                break;
+            }
+            lo = next;
+        }
+    } else {
+        hi = guess - 1;
+        for (int step = 1; lo < hi; step *= 2) {
+            const int next = std::max(lo, hi - step + 1);
+            if (usage(next) <= 1) {
+                lo = next;
+                break;
+            }
+            hi = next - 1;
+        }
+    }
     while (lo < hi) {
         const int mid = lo + (hi - lo + 1) / 2;
-        if (fits(mid))
+        if (usage(mid) <= 1)
             lo = mid;
         else
             hi = mid - 1;
     }
     return lo;
+}
+
+double FontFit::usage(double width, double height, double roomWidth, double roomHeight)
+{
+    if (roomWidth <= 0 || roomHeight <= 0)
+        return std::numeric_limits<double>::infinity();
+    return std::max(width / roomWidth, height / roomHeight);
 }
 
 QFont FontFit::withPixelSize(const QFont &base, int pixels)
@@ -27,7 +70,7 @@ QFont FontFit::fitting(const QFont &base, const QString &text, int width, int he
 {
     const int size = largestPixelSize([&](int px) {
         const QFontMetricsF fm(withPixelSize(base, px));
-        return fm.horizontalAdvance(text) <= width && fm.height() <= height;
+        return usage(fm.horizontalAdvance(text), fm.height(), width, height);
     });
     return withPixelSize(base, size);
 }

@@ -8,9 +8,15 @@
 class FontFit
 {
 public:
-    // The largest pixel size in [minimum, maximum] for which fits(size) holds (fits must be
-    // monotonic: true up to some size, false beyond); minimum when none fits.
-    static int largestPixelSize(const std::function<bool(int)> &fits, int minimum = 6, int maximum = 800);
+    // The largest pixel size in [minimum, maximum] whose usage(size) is at most 1; minimum when
+    // none is. usage is the share of the room a text at that size takes (the larger of its width
+    // over the room's width and its height over the room's height) and must grow with the size.
+    // Every size measured is a font looked up and loaded, so the search starts where the
+    // usage at one size puts it, and measures a handful of sizes, not the ten a bisection would.
+    static int largestPixelSize(const std::function<double(int)> &usage, int minimum = 6, int maximum = 800);
+
+    // The larger of width / room width and height / room height; infinite for an empty room.
+    static double usage(double width, double height, double roomWidth, double roomHeight);
 
     // base with the largest pixel size at which text fits in width x height (one line).
     static QFont fitting(const QFont &base, const QString &text, int width, int height);

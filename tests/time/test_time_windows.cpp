@@ -14,6 +14,7 @@
 #include "time/clock_settings_dialog.h"
 #include "time/clock_widget.h"
 #include "time/countdown_widget.h"
+#include "time/font_fit.h"
 #include "time/scheduler_window.h"
 #include "time/stopwatch_model.h"
 #include "time/stopwatch_widget.h"
@@ -68,6 +69,8 @@ private slots:
     void cleanup();
 
     void clockShowsTimeAndDate();
+    void fontFitFindsTheLargestSizeInFewLookUps_data();
+    void fontFitFindsTheLargestSizeInFewLookUps();
     void clockTimeFillsThePanel();
     void clockTimerStopsWhileHidden();
     void secondsTurnWithinOneTick_data();
@@ -565,6 +568,45 @@ void TestTimeWindows::popupShowsTheWholeMessage()
     QVERIFY(panel->rect().contains(buttons));
     for (auto *b : popup->findChildren<QPushButton *>())
         QVERIFY(b->width() >= b->sizeHint().width());
+}
+
+void TestTimeWindows::fontFitFindsTheLargestSizeInFewLookUps_data()
+{
+    QTest::addColumn<QString>("text");
+    QTest::addColumn<QSize>("room");
+    QTest::addColumn<bool>("bold");
+    QTest::newRow("clock in a wide panel") << "12:34" << QSize(400, 120) << false;
+    QTest::newRow("clock in a tall panel") << "12:34" << QSize(120, 400) << false;
+    QTest::newRow("stopwatch, bold") << "00:00:00.0" << QSize(333, 77) << true;
+    QTest::newRow("tiny room: the smallest size") << "88:88" << QSize(5, 5) << false;
+    QTest::newRow("huge room: the largest size") << "1" << QSize(5000, 5000) << false;
+    QTest::newRow("no room") << "12" << QSize(0, 40) << false;
+}
+
+// Every size tried is a font looked up and loaded (the clock tried twenty before its first
+// frame); the search must still find exactly the largest size that fits.
+void TestTimeWindows::fontFitFindsTheLargestSizeInFewLookUps()
+{
+    QFETCH(QString, text);
+    QFETCH(QSize, room);
+    QFETCH(bool, bold);
+    QFont base = QApplication::font();
+    base.setBold(bold);
+    QSet<int> tried;
+    const auto usage = [&](int px) {
+        tried.insert(px);
+        const QFontMetricsF fm(FontFit::withPixelSize(base, px));
+        return FontFit::usage(fm.horizontalAdvance(text), fm.height(), room.width(), room.height());
+    };
+    const int found = FontFit::largestPixelSize(usage, 6, 800);
+    int expected = 6;
+    for (int px = 6; px <= 800; ++px) {
+        const QFontMetricsF fm(FontFit::withPixelSize(base, px));
+        if (FontFit::usage(fm.horizontalAdvance(text), fm.height(), room.width(), room.height()) <= 1)
+            expected = px;
+    }
+    QCOMPARE(found, expected);
+    QVERIFY2(tried.size() <= 6, qPrintable(QStringLiteral("%1 sizes tried").arg(tried.size())));
 }
 
 QTEST_MAIN(TestTimeWindows)
