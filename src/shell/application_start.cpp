@@ -86,9 +86,10 @@ void ApplicationStart::run(const LaunchRequest &request)
         WidgetRegistry::instance().open(WidgetNotes);
     connect(&WidgetRegistry::instance(), &WidgetRegistry::widgetClosed, this,
             &ApplicationStart::keepSomethingOnScreen);
-    // A start that names only widgets shows them first: the dashboard, the tray icon and the
-    // hidden scheduler window, which it does not show, are built once the first window has been
-    // painted. Alarms are checked every few seconds; the first check comes no later for that.
+    // A start that names only widgets shows them first: the dashboard and the tray icon, which
+    // it does not show, are built once the first window has been painted. So is the hidden
+    // scheduler window with the shared context menu, in every start: alarms are checked every
+    // few seconds, and the first check comes no later for that.
     if (!request.asksForWindows() || request.hidden || namesShellWindow(request)) {
         loadDashboard();
         StartupTrace::mark("dashboard and tray built");
@@ -255,10 +256,13 @@ void ApplicationStart::finishStartAfterFirstWindow()
         return;
     m_startFinished = true;
     qApp->removeEventFilter(this);
-    if (!m_dashboard && !m_ended) {
-        loadDashboard();
-        tellNoticesFromTray();
-        StartupTrace::mark("dashboard and tray built");
+    if (!m_ended) {
+        if (!m_dashboard) {
+            loadDashboard();
+            tellNoticesFromTray();
+        }
+        loadScheduler();
+        StartupTrace::mark("dashboard, tray and scheduler built");
     }
     InstallMissingPresets();
     Autostart::followRunningProgram();
@@ -290,27 +294,37 @@ void ApplicationStart::registerWidgetsOnce()
     RegisterBuiltInWidgets();
 }
 
-void ApplicationStart::loadScheduler()
+WidgetContextMenu *ApplicationStart::loadScheduler()
 {
+    if (m_menu)
+        return m_menu;
     // Alarms ring whichever windows show; the shared context menu lives with the scheduler.
     m_scheduler = new SchedulerWindow;
     m_menu = new WidgetContextMenu(m_scheduler);
+    attachMenu();
+    return m_menu;
+}
+
+void ApplicationStart::attachMenu()
+{
+    if (!m_menu || !m_dashboard)
+        return;
+    m_dashboard->attachContextMenu(m_menu);
+    m_tray->setContextMenu(m_menu);
 }
 
 DashboardWindow *ApplicationStart::loadDashboard()
 {
     if (m_dashboard)
         return m_dashboard;
-    loadScheduler();
     m_dashboard = new DashboardWindow;
     m_dashboard->setIndxSel(m_choice);
     connect(m_dashboard, &DashboardWindow::unloaded, this, &ApplicationStart::end);
-    m_dashboard->attachContextMenu(m_menu);
     m_dashboard->loadDashboard(m_choice);
 
     m_tray = new TrayIcon;
     m_tray->setTooltip(QStringLiteral("Vantora"));
-    m_tray->setContextMenu(m_menu);
+    attachMenu();
     m_tray->TraySetIcon(m_dashboard);
     if (!m_notices.isEmpty())
         m_dashboard->setNotice(m_notices.join(QStringLiteral("\n\n")));
@@ -323,7 +337,7 @@ void ApplicationStart::popUpContextMenu(QWidget *window, const QPoint &globalPos
     // The menu lives with the scheduler and its commands reach the dashboard, which a start
     // that named only widgets may not have built yet.
     if (!m_ended)
-        m_menu->popUpFor(window, loadDashboard()->isVisible(), globalPos);
+        loadScheduler()->popUpFor(window, loadDashboard()->isVisible(), globalPos);
 }
 
 void ApplicationStart::keepSomethingOnScreen()

@@ -13,9 +13,9 @@ class WidgetContextMenu;
 
 // The entry routine: prepares the program-wide values, the theme and the data folders, loads
 // the hidden scheduler window, the dashboard and the tray icon, shows the first-run wizard when
-// no choice has been made, and hands over to the dashboard or the one chosen widget. A start
-// that names only widgets builds the rest after their first frame. The
-// program ends when the dashboard unloads (its Exit command).
+// no choice has been made, and hands over to the dashboard or the one chosen widget. The
+// scheduler waits for the first frame; a start that names only widgets builds the dashboard and
+// tray icon after it too. The program ends when the dashboard unloads (its Exit command).
 class ApplicationStart : public QObject
 {
     Q_OBJECT
@@ -63,11 +63,13 @@ signals:
 private:
     void prepareValues();
     void prepareData();
-    // The hidden scheduler window with the shared context menu.
-    void loadScheduler();
-    // The scheduler, the dashboard and the tray icon, the first time; the dashboard.
+    // The hidden scheduler window with the shared context menu, the first time; the menu.
+    WidgetContextMenu *loadScheduler();
+    // The dashboard and the tray icon, the first time; the dashboard.
     DashboardWindow *loadDashboard();
     static bool namesShellWindow(const LaunchRequest &request);
+    // Gives the shared context menu to the dashboard and the tray once both are there.
+    void attachMenu();
     void tellNoticesFromTray();
     void popUpContextMenu(QWidget *window, const QPoint &globalPos);
     void keepSomethingOnScreen();

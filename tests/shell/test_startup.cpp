@@ -262,7 +262,8 @@ void TestStartup::singleWidgetStartsAlone()
     QVERIFY(!start.dashboard()->isVisible());
     QCOMPARE(start.dashboard()->IndxSel(), int(WidgetCalculator));
     QVERIFY(start.tray());
-    QVERIFY(start.scheduler());
+    // The hidden scheduler comes after the first frame.
+    QTRY_VERIFY(start.scheduler());
     QCOMPARE(start.scheduler()->objectName(), QStringLiteral("mdb_STR"));
     QCOMPARE(start.contextMenu()->parent(), start.scheduler());
 }
@@ -383,6 +384,7 @@ void TestStartup::exitFromTheSharedMenuLeavesTheMenuAliveUntilItReturns()
     WriteDetail(QStringLiteral("msg_WIZ"), QStringLiteral("Program-Choice"), QStringLiteral("8"));
     ApplicationStart start;
     start.run();
+    QTRY_VERIFY(start.contextMenu());
     QPointer<WidgetContextMenu> menu = start.contextMenu();
     QSignalSpy ended(&start, &ApplicationStart::ended);
 
