@@ -208,14 +208,19 @@ void NotesEditor::buildSidePanel()
     });
     connect(m_documentBrowser, &FolderBrowser::fileActivated, this, [this](const QString &path) { openFile(path); });
     m_side->addTab(m_documentBrowser, tr("Documents"));
-    m_picturePanel = new PicturePanel(m_side);
-    m_picturePanel->browser()->setFolder(PictureFolderSetting());
-    connect(m_picturePanel->browser(), &FolderBrowser::folderChanged, this, [](const QString &folder) {
-        SetPictureFolderSetting(folder);
+    // The other pages are built the first time they are shown: the first frame shows neither,
+    // and the picture list reads its folder.
+    m_picturesPage = addLaterTab(tr("Pictures"));
+    m_spellPage = addLaterTab(tr("Spelling"));
+    connect(m_side, &QTabWidget::currentChanged, this, [this] {
+        if (m_side->currentWidget() == m_picturesPage)
+            picturePanel();
+        else if (m_side->currentWidget() == m_spellPage)
+            spellPanel();
     });
-    connect(m_picturePanel, &PicturePanel::insertPicture, this, &NotesEditor::insertPicture);
-    m_side->addTab(m_picturePanel, tr("Pictures"));
-    buildSpellPanel();
+    connect(m_spell, &SpellChecker::wordFound, this, &NotesEditor::showUnknownWord);
+    connect(m_spell, &SpellChecker::CompleteSpellCheck, this, &NotesEditor::spellCheckFinished);
+    connect(m_spell, &SpellChecker::saveFailed, this, &NotesEditor::reportDictionaryError);
     m_split->addWidget(m_side);
     const int width = ReadIntDetail(QLatin1String(kNotesWindowName), kSidePanelValue, 230);
     m_split->setSizes({700, qBound(0, width, 600)});
@@ -811,10 +816,34 @@ void NotesEditor::DocumentPrint()
     preview->show();
 }
 
-void NotesEditor::buildSpellPanel()
+QWidget *NotesEditor::addLaterTab(const QString &title)
 {
-    m_spellPanel = new SpellPanel(m_side);
-    m_side->addTab(m_spellPanel, tr("Spelling"));
+    auto *page = new QWidget(m_side);
+    auto *layout = new QVBoxLayout(page);
+    layout->setContentsMargins(0, 0, 0, 0);
+    m_side->addTab(page, title);
+    return page;
+}
+
+PicturePanel *NotesEditor::picturePanel()
+{
+    if (m_picturePanel)
+        return m_picturePanel;
+    m_picturePanel = new PicturePanel(m_picturesPage);
+    m_picturePanel->browser()->setFolder(PictureFolderSetting());
+    connect(m_picturePanel->browser(), &FolderBrowser::folderChanged, this, [](const QString &folder) {
+        SetPictureFolderSetting(folder);
+    });
+    connect(m_picturePanel, &PicturePanel::insertPicture, this, &NotesEditor::insertPicture);
+    m_picturesPage->layout()->addWidget(m_picturePanel);
+    return m_picturePanel;
+}
+
+SpellPanel *NotesEditor::spellPanel()
+{
+    if (m_spellPanel)
+        return m_spellPanel;
+    m_spellPanel = new SpellPanel(m_spellPage);
     connect(m_spellPanel, &SpellPanel::changeRequested, m_spell, &SpellChecker::WordChng);
     connect(m_spellPanel, &SpellPanel::ignoreRequested, m_spell, &SpellChecker::WordIgnore);
     connect(m_spellPanel, &SpellPanel::addRequested, m_spell, &SpellChecker::WordAdd);
@@ -823,9 +852,8 @@ void NotesEditor::buildSpellPanel()
         m_spell->WordIgnore();
     });
     connect(m_spellPanel, &SpellPanel::recheckRequested, this, &NotesEditor::DocumentSpellCheck);
-    connect(m_spell, &SpellChecker::wordFound, this, &NotesEditor::showUnknownWord);
-    connect(m_spell, &SpellChecker::CompleteSpellCheck, this, &NotesEditor::spellCheckFinished);
-    connect(m_spell, &SpellChecker::saveFailed, this, &NotesEditor::reportDictionaryError);
+    m_spellPage->layout()->addWidget(m_spellPanel);
+    return m_spellPanel;
 }
 
 void NotesEditor::DocumentSpellCheck()
@@ -834,9 +862,9 @@ void NotesEditor::DocumentSpellCheck()
     if (!document)
         return;
     m_side->show();
-    m_side->setCurrentWidget(m_spellPanel);
+    m_side->setCurrentWidget(m_spellPage);
     if (!m_spell->isLoaded())
-        m_spellPanel->showMessage(tr("Reading the dictionary..."));
+        spellPanel()->showMessage(tr("Reading the dictionary..."));
     m_spellWalkOurs = true;
     m_spell->CheckFile(document->document(), document->page()->textCursor().selectionStart());
 }
@@ -848,8 +876,8 @@ void NotesEditor::showUnknownWord(const QString &word, const QStringList &sugges
         return;
     document->page()->setTextCursor(m_spell->currentSelection());
     document->page()->ensureCursorVisible();
-    m_spellPanel->showWord(word, suggestions);
-    m_spellPanel->focusSuggestions();
+    spellPanel()->showWord(word, suggestions);
+    spellPanel()->focusSuggestions();
 }
 
 void NotesEditor::spellCheckFinished()
@@ -857,7 +885,7 @@ void NotesEditor::spellCheckFinished()
     if (!m_spellWalkOurs)
         return;
     m_spellWalkOurs = false;
-    m_spellPanel->showMessage(tr("The check reached the end of the document."));
+    spellPanel()->showMessage(tr("The check reached the end of the document."));
     ShowInfoMessage(1, QString(), this);
     if (NoteDocument *document = activeDocument())
         document->page()->setFocus();
@@ -867,7 +895,7 @@ void NotesEditor::stopSpellCheck()
 {
     m_spell->stopWalk();
     m_spellWalkOurs = false;
-    m_spellPanel->showMessage(tr("Press Check Again or F7 to check the document from the caret."));
+    spellPanel()->showMessage(tr("Press Check Again or F7 to check the document from the caret."));
 }
 
 void NotesEditor::saveDictionary()

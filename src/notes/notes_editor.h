@@ -135,7 +135,10 @@ private:
     void addRecentFile(const QString &path);
     void fillRecentMenu();
     void applyPanelStyle();
-    void buildSpellPanel();
+    // A side panel page whose content is built when first needed.
+    QWidget *addLaterTab(const QString &title);
+    PicturePanel *picturePanel();
+    SpellPanel *spellPanel();
     void showUnknownWord(const QString &word, const QStringList &suggestions);
     void spellCheckFinished();
     void stopSpellCheck();
@@ -152,7 +155,8 @@ private:
     QStackedWidget *m_pages = nullptr;
     QTabWidget *m_side = nullptr;
     FolderBrowser *m_documentBrowser = nullptr;
-    PicturePanel *m_picturePanel = nullptr;
+    QWidget *m_picturesPage = nullptr;
+    PicturePanel *m_picturePanel = nullptr; // built when its page is first shown
     FindReplaceBar *m_findBar = nullptr;
     QLabel *m_title = nullptr;
     QLabel *m_chars = nullptr;
@@ -164,7 +168,8 @@ private:
     QString m_recoveryProblem; // why the last safety copy failed; empty while they are written
     QStringList m_openDocumentsListed; // what the list of open documents on disk holds
     SpellChecker *m_spell = nullptr;
-    SpellPanel *m_spellPanel = nullptr;
+    QWidget *m_spellPage = nullptr;
+    SpellPanel *m_spellPanel = nullptr; // built when its page is first shown
     bool m_spellWalkOurs = false;
     RecoveryDebounce m_debounce;
     QHash<const NoteDocument *, QString> m_recoveryIds;
