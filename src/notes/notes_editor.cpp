@@ -116,13 +116,9 @@ NotesEditor::NotesEditor(QWidget *parent)
     m_split->setStretchFactor(0, 1);
     column->addWidget(m_split, 1);
 
-    m_findBar = new FindReplaceBar(panel());
-    m_findBar->hide();
-    connect(m_findBar, &FindReplaceBar::closed, this, [this] {
-        if (NoteDocument *d = activeDocument())
-            d->page()->setFocus();
-    });
-    column->addWidget(m_findBar);
+    // The find bar comes in here when first asked for.
+    m_column = column;
+    m_findBarPlace = column->count();
 
     auto *status = new QWidget(panel());
     buildStatusRow(status);
@@ -259,8 +255,8 @@ void NotesEditor::installShortcuts()
     add(QKeySequence(Qt::Key_F7), [this] { DocumentSpellCheck(); });
     add(QKeySequence::Find, [this] { NoteTool(2); });
     add(QKeySequence(QStringLiteral("Ctrl+H")), [this] { NoteTool(3); });
-    add(QKeySequence(Qt::Key_F3), [this] { m_findBar->findNext(); });
-    add(QKeySequence(QStringLiteral("Shift+F3")), [this] { m_findBar->findPrevious(); });
+    add(QKeySequence(Qt::Key_F3), [this] { findBar()->findNext(); });
+    add(QKeySequence(QStringLiteral("Shift+F3")), [this] { findBar()->findPrevious(); });
     add(QKeySequence(QStringLiteral("Ctrl+Tab")), [this] {
         if (m_tabs->count() > 1)
             m_tabs->setCurrentIndex((m_tabs->currentIndex() + 1) % m_tabs->count());
@@ -371,7 +367,8 @@ void NotesEditor::activateDocument(NoteDocument *document)
     if (m_spell->isWalking() && m_spell->walkDocument() != document->document())
         stopSpellCheck();
     m_formatBar->setDocument(document);
-    m_findBar->setEditor(document->page());
+    if (m_findBar)
+        m_findBar->setEditor(document->page());
     refreshCaption(document);
     refreshStatistics();
     showZoom();
@@ -825,17 +822,36 @@ QWidget *NotesEditor::addLaterTab(const QString &title)
     return page;
 }
 
+FindReplaceBar *NotesEditor::findBar()
+{
+    if (m_findBar)
+        return m_findBar;
+    m_findBar = new FindReplaceBar(panel());
+    m_findBar->hide();
+    connect(m_findBar, &FindReplaceBar::closed, this, [this] {
+        if (NoteDocument *d = activeDocument())
+            d->page()->setFocus();
+    });
+    m_column->insertWidget(m_findBarPlace, m_findBar);
+    applyPanelFont(m_findBar);
+    if (NoteDocument *document = activeDocument())
+        m_findBar->setEditor(document->page());
+    return m_findBar;
+}
+
 PicturePanel *NotesEditor::picturePanel()
 {
     if (m_picturePanel)
         return m_picturePanel;
     m_picturePanel = new PicturePanel(m_picturesPage);
+    applyPanelFont(m_picturePanel);
     m_picturePanel->browser()->setFolder(PictureFolderSetting());
     connect(m_picturePanel->browser(), &FolderBrowser::folderChanged, this, [](const QString &folder) {
         SetPictureFolderSetting(folder);
     });
     connect(m_picturePanel, &PicturePanel::insertPicture, this, &NotesEditor::insertPicture);
     m_picturesPage->layout()->addWidget(m_picturePanel);
+    m_picturePanel->show(); // at once: the layout would show it a moment after its page
     return m_picturePanel;
 }
 
@@ -844,6 +860,7 @@ SpellPanel *NotesEditor::spellPanel()
     if (m_spellPanel)
         return m_spellPanel;
     m_spellPanel = new SpellPanel(m_spellPage);
+    applyPanelFont(m_spellPanel);
     connect(m_spellPanel, &SpellPanel::changeRequested, m_spell, &SpellChecker::WordChng);
     connect(m_spellPanel, &SpellPanel::ignoreRequested, m_spell, &SpellChecker::WordIgnore);
     connect(m_spellPanel, &SpellPanel::addRequested, m_spell, &SpellChecker::WordAdd);
@@ -853,6 +870,7 @@ SpellPanel *NotesEditor::spellPanel()
     });
     connect(m_spellPanel, &SpellPanel::recheckRequested, this, &NotesEditor::DocumentSpellCheck);
     m_spellPage->layout()->addWidget(m_spellPanel);
+    m_spellPanel->show();
     return m_spellPanel;
 }
 
@@ -936,10 +954,10 @@ void NotesEditor::NoteTool(int tool)
         m_side->setCurrentIndex(tool);
         break;
     case 2:
-        m_findBar->showFind();
+        findBar()->showFind();
         break;
     case 3:
-        m_findBar->showReplace();
+        findBar()->showReplace();
         break;
     default:
         break;

@@ -22,6 +22,7 @@ class DocumentTabBar;
 class QTabWidget;
 class QTimer;
 class QToolButton;
+class QVBoxLayout;
 class RecoveryStore;
 struct RecoveryEntry;
 class SpellChecker;
@@ -138,6 +139,7 @@ private:
     // A side panel page whose content is built when first needed.
     QWidget *addLaterTab(const QString &title);
     PicturePanel *picturePanel();
+    FindReplaceBar *findBar();
     SpellPanel *spellPanel();
     void showUnknownWord(const QString &word, const QStringList &suggestions);
     void spellCheckFinished();
@@ -157,7 +159,9 @@ private:
     FolderBrowser *m_documentBrowser = nullptr;
     QWidget *m_picturesPage = nullptr;
     PicturePanel *m_picturePanel = nullptr; // built when its page is first shown
-    FindReplaceBar *m_findBar = nullptr;
+    FindReplaceBar *m_findBar = nullptr; // made when first asked for
+    QVBoxLayout *m_column = nullptr;
+    int m_findBarPlace = 0; // its place in m_column
     QLabel *m_title = nullptr;
     QLabel *m_chars = nullptr;
     QLabel *m_lines = nullptr;

@@ -10,6 +10,15 @@
 #include <QKeyEvent>
 #include <QLabel>
 
+namespace {
+void setFamily(QWidget *widget, const QString &family)
+{
+    QFont font = widget->font();
+    font.setFamily(family);
+    widget->setFont(font);
+}
+} // namespace
+
 WidgetWindow::WidgetWindow(const QString &windowName, int widgetIndex, const QString &title, QWidget *parent)
     : QWidget(parent, Qt::Window), m_widgetIndex(widgetIndex)
 {
@@ -93,6 +102,14 @@ void WidgetWindow::resetSize()
     resize(defaultSize());
 }
 
+void WidgetWindow::applyPanelFont(QWidget *part)
+{
+    const QString family = CurrentTheme().PanelFont;
+    setFamily(part, family);
+    for (QWidget *child : part->findChildren<QWidget *>())
+        setFamily(child, family);
+}
+
 void WidgetWindow::ThemeElementsUpdate()
 {
     m_chrome->applyThemeColours();
@@ -102,11 +119,8 @@ void WidgetWindow::ThemeElementsUpdate()
         f.setFamily(theme.BarFont);
         child->setFont(f);
     }
-    for (QWidget *child : panel()->findChildren<QWidget *>()) {
-        QFont f = child->font();
-        f.setFamily(theme.PanelFont);
-        child->setFont(f);
-    }
+    for (QWidget *child : panel()->findChildren<QWidget *>())
+        setFamily(child, theme.PanelFont);
     bar()->update();
     panel()->update();
     relayout();

@@ -76,6 +76,9 @@ public slots:
     virtual void ThemeElementsUpdate();
 
 protected:
+    // Gives `part` of the panel, and everything in it, the theme's panel font family, as the
+    // theme pass does for the panel: for parts built after it (pages shown for the first time).
+    static void applyPanelFont(QWidget *part);
     // True while closeSettled() closes the window: the questions were answered already.
     bool isClosingSettled() const { return m_closingSettled; }
     virtual void relayout() {}

@@ -8,6 +8,8 @@
 #include "themes/folder_browser.h"
 #include "support/test_home.h"
 #include "themes/message_box.h"
+#include "themes/theme.h"
+#include "themes/theme_painter.h"
 
 #include <QDir>
 #include <QFile>
@@ -20,6 +22,7 @@
 #include <QPushButton>
 #include <QPointer>
 #include <QTabBar>
+#include <QTabWidget>
 #include <QToolButton>
 
 #ifdef Q_OS_UNIX
@@ -65,6 +68,8 @@ class TestNotesEditor : public QObject
 private slots:
     void init();
     void cleanup();
+    void partsBuiltWhenFirstShownTakeTheTheme_data();
+    void partsBuiltWhenFirstShownTakeTheTheme();
     void openingPicksTheTypeByExtension_data();
     void openingPicksTheTypeByExtension();
     void openingAnOpenFileSelectsItsTab();
@@ -592,6 +597,40 @@ void TestNotesEditor::tabScrollButtonsShowTheirArrows()
         if (button->isEnabled())
             QVERIFY2(inked >= 12, qPrintable(QString::number(inked)));
     }
+}
+
+void TestNotesEditor::partsBuiltWhenFirstShownTakeTheTheme_data()
+{
+    QTest::addColumn<int>("tool");
+    QTest::addColumn<QString>("part");
+    QTest::newRow("find bar") << 2 << "cboFIND";
+    QTest::newRow("replace bar") << 3 << "cboREPLACE";
+    QTest::newRow("pictures page") << 1 << "btnINSPICTURE";
+    QTest::newRow("spelling page, its tab chosen") << -1 << "lstSUGGESTIONS";
+}
+
+// The find bar and the side panel's later pages are made when first asked for, after the theme
+// was applied to the editor: they must still be in the theme's panel font, and work.
+void TestNotesEditor::partsBuiltWhenFirstShownTakeTheTheme()
+{
+    QFETCH(int, tool);
+    QFETCH(QString, part);
+    Theme theme = CurrentTheme();
+    theme.PanelFont = QStringLiteral("DejaVu Serif");
+    SetCurrentTheme(theme);
+    ApplyTheme(m_editor);
+    m_editor->show();
+    QVERIFY(!m_editor->findChild<QWidget *>(part));
+
+    if (tool >= 0)
+        m_editor->NoteTool(tool);
+    else
+        m_editor->findChild<QTabWidget *>(QStringLiteral("tabSIDEPANEL"))->setCurrentIndex(2);
+    auto *widget = m_editor->findChild<QWidget *>(part);
+    QVERIFY(widget);
+    QCOMPARE(widget->font().family(), QStringLiteral("DejaVu Serif"));
+    QVERIFY(widget->isVisibleTo(m_editor));
+    SetCurrentTheme(Theme());
 }
 
 QTEST_MAIN(TestNotesEditor)
