@@ -37,7 +37,9 @@ source "$here/bench_session.sh"
 home=$(mktemp -d)
 pids=()
 cleanup() {
-    for pid in "${pids[@]}"; do kill "$pid" && wait "$pid"; done 2>/dev/null
+    # A killed program's status is not 0: under set -e the first wait would end the clean-up
+    # and leave the other program and the X server running.
+    for pid in "${pids[@]}"; do kill "$pid" && wait "$pid" || true; done 2>/dev/null
     stop_private_xvfb
     rm -rf "$home"
 }
