@@ -1,5 +1,7 @@
 #include "calendar/calendar_stickers.h"
 
+#include "core/drawing/closed_polygon.h"
+
 #include <QCoreApplication>
 #include <QLinearGradient>
 #include <QPainter>
@@ -59,14 +61,6 @@ QPainterPath roundedRect(const QRectF &rect, qreal radius)
 {
     QPainterPath path;
     path.addRoundedRect(rect, radius, radius);
-    return path;
-}
-
-QPainterPath polygon(std::initializer_list<QPointF> points)
-{
-    QPainterPath path;
-    path.addPolygon(QPolygonF(QList<QPointF>(points)));
-    path.closeSubpath();
     return path;
 }
 
@@ -150,7 +144,7 @@ void drawDone(QPainter &p)
 
 void drawImportant(QPainter &p)
 {
-    paintShape(p, rounded(polygon({{50, 15}, {88, 82}, {12, 82}}), 6), QColor(0xFF, 0x8F, 0x1F));
+    paintShape(p, rounded(ClosedPolygon({{50, 15}, {88, 82}, {12, 82}}), 6), QColor(0xFF, 0x8F, 0x1F));
     paintMark(p, roundedRect(QRectF(44.5, 33, 11, 31), 5.5), Qt::white);
     paintMark(p, circle(QPointF(50, 74), 6), Qt::white);
 }
@@ -162,7 +156,7 @@ void drawHoliday(QPainter &p)
     for (int i = 0; i < 8; ++i) {
         const qreal a = i * 45.0;
         rays = rays.united(
-            polygon({pointAt(centre, 30, a - 13), pointAt(centre, 44, a), pointAt(centre, 30, a + 13)}));
+            ClosedPolygon({pointAt(centre, 30, a - 13), pointAt(centre, 44, a), pointAt(centre, 30, a + 13)}));
     }
     paintShape(p, rounded(rays, 2), QColor(0xFF, 0xA7, 0x26));
     paintShape(p, circle(centre, 26), QColor(0xFF, 0xD4, 0x3B));
@@ -189,7 +183,7 @@ void drawReminder(QPainter &p)
 QPainterPath speechBubble(const QRectF &body, QPointF tailBase, QPointF tailTip)
 {
     return roundedRect(body, 14).united(
-        polygon({tailBase - QPointF(7, 0), tailBase + QPointF(7, 0), tailTip}));
+        ClosedPolygon({tailBase - QPointF(7, 0), tailBase + QPointF(7, 0), tailTip}));
 }
 
 void drawMeeting(QPainter &p)
@@ -235,8 +229,8 @@ void drawTravel(QPainter &p)
     p.rotate(45);
     p.translate(-50, -50);
     QPainterPath plane = roundedRect(QRectF(43.5, 6, 13, 84), 6.5);
-    plane = plane.united(polygon({{50, 34}, {92, 58}, {92, 66}, {50, 56}, {8, 66}, {8, 58}}));
-    plane = plane.united(polygon({{50, 74}, {68, 87}, {68, 93}, {50, 88}, {32, 93}, {32, 87}}));
+    plane = plane.united(ClosedPolygon({{50, 34}, {92, 58}, {92, 66}, {50, 56}, {8, 66}, {8, 58}}));
+    plane = plane.united(ClosedPolygon({{50, 74}, {68, 87}, {68, 93}, {50, 88}, {32, 93}, {32, 87}}));
     paintShape(p, rounded(plane, 1.5), QColor(0x2F, 0x80, 0xED));
 }
 

@@ -1,5 +1,7 @@
 #include "themes/drawn_file_icons.h"
 
+#include "core/drawing/closed_polygon.h"
+
 #include <QIconEngine>
 #include <QPainter>
 #include <QPainterPath>
@@ -55,17 +57,9 @@ private:
     qreal m_side;
 };
 
-QPainterPath polygon(std::initializer_list<QPointF> points)
-{
-    QPainterPath path;
-    path.addPolygon(QPolygonF(QList<QPointF>(points)));
-    path.closeSubpath();
-    return path;
-}
-
 void drawFolder(const UnitPainter &unit)
 {
-    unit.fill(polygon({{0.06, 0.20}, {0.38, 0.20}, {0.47, 0.30}, {0.94, 0.30}, {0.94, 0.84}, {0.06, 0.84}}),
+    unit.fill(ClosedPolygon({{0.06, 0.20}, {0.38, 0.20}, {0.47, 0.30}, {0.94, 0.30}, {0.94, 0.84}, {0.06, 0.84}}),
               kFolderBack, kFolderEdge);
     QPainterPath front;
     front.addRoundedRect(QRectF(0.06, 0.38, 0.88, 0.46), 0.04, 0.04);
@@ -74,8 +68,8 @@ void drawFolder(const UnitPainter &unit)
 
 void drawFile(const UnitPainter &unit)
 {
-    unit.fill(polygon({{0.20, 0.06}, {0.62, 0.06}, {0.82, 0.26}, {0.82, 0.94}, {0.20, 0.94}}), kPaper, kPaperEdge);
-    unit.fill(polygon({{0.62, 0.06}, {0.62, 0.26}, {0.82, 0.26}}), kPaperFold, kPaperEdge);
+    unit.fill(ClosedPolygon({{0.20, 0.06}, {0.62, 0.06}, {0.82, 0.26}, {0.82, 0.94}, {0.20, 0.94}}), kPaper, kPaperEdge);
+    unit.fill(ClosedPolygon({{0.62, 0.06}, {0.62, 0.26}, {0.82, 0.26}}), kPaperFold, kPaperEdge);
     if (!unit.large())
         return;
     QPainter *painter = unit.painter();
@@ -109,7 +103,7 @@ void drawNetworkDrive(const UnitPainter &unit)
 // White on a chosen row, whose highlight may be as blue as the arrow.
 void drawUp(const UnitPainter &unit, bool selected)
 {
-    unit.fill(polygon({{0.50, 0.10}, {0.86, 0.48}, {0.62, 0.48}, {0.62, 0.90}, {0.38, 0.90}, {0.38, 0.48},
+    unit.fill(ClosedPolygon({{0.50, 0.10}, {0.86, 0.48}, {0.62, 0.48}, {0.62, 0.90}, {0.38, 0.90}, {0.38, 0.48},
                        {0.14, 0.48}}),
               selected ? kPaper : kArrow, selected ? kPaper : kArrow.darker(130));
 }
