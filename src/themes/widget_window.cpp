@@ -119,8 +119,8 @@ void WidgetWindow::ThemeElementsUpdate()
         f.setFamily(theme.BarFont);
         child->setFont(f);
     }
-    for (QWidget *child : panel()->findChildren<QWidget *>())
-        setFamily(child, theme.PanelFont);
+    for (QWidget *child : panel()->findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
+        applyPanelFont(child);
     bar()->update();
     panel()->update();
     relayout();
