@@ -3,6 +3,7 @@
 #include <QApplication>
 #include <QEvent>
 #include <QWidget>
+#include <QWindow>
 
 namespace {
 
@@ -18,7 +19,7 @@ void DialogFocusReturn::install()
     if (installed || !qApp)
         return;
     installed = new DialogFocusReturn(qApp);
-    qApp->installEventFilter(installed);
+    connect(qApp, &QGuiApplication::focusWindowChanged, installed, &DialogFocusReturn::focusMoved);
 }
 
 DialogFocusReturn::DialogFocusReturn(QObject *parent) : QObject(parent) {}
@@ -33,42 +34,58 @@ bool DialogFocusReturn::isDialogWindow(const QWidget *window)
     return type == Qt::Dialog || type == Qt::Sheet || window->isModal();
 }
 
-QWidget *DialogFocusReturn::ownerFor(const QWidget *dialog, QWidget *activeWhenShown)
+QWidget *DialogFocusReturn::ownerFor(const QWidget *dialog, QWidget *activeBefore)
 {
     if (QWidget *parent = dialog->parentWidget())
         return parent->window();
-    return activeWhenShown != dialog ? activeWhenShown : nullptr;
+    return activeBefore != dialog ? activeBefore : nullptr;
+}
+
+void DialogFocusReturn::focusMoved()
+{
+    // The application has already made the window with the focus its active window.
+    QWidget *window = QApplication::activeWindow();
+    if (!window)
+        return; // the keyboard left the program, or went to a window without widgets
+    if (isDialogWindow(window))
+        dialogFocused(window);
+    else
+        windowActivated(window);
+    m_lastActive = window;
+}
+
+void DialogFocusReturn::dialogFocused(QWidget *dialog)
+{
+    // Another dialog ends any giving back still being watched.
+    m_returning = nullptr;
+    const auto known = m_owners.constFind(dialog);
+    if (known != m_owners.constEnd() && *known)
+        return; // back from another window during the same showing: the owner stays
+    QWidget *owner = ownerFor(dialog, m_lastActive);
+    if (!owner)
+        return;
+    if (known == m_owners.constEnd()) {
+        dialog->installEventFilter(this);
+        connect(dialog, &QObject::destroyed, this, [this, dialog] { m_owners.remove(dialog); });
+    }
+    m_owners.insert(dialog, owner);
 }
 
 bool DialogFocusReturn::eventFilter(QObject *watched, QEvent *event)
 {
-    const QEvent::Type type = event->type();
-    if ((type == QEvent::Show || type == QEvent::Hide || type == QEvent::WindowActivate) &&
-        watched->isWidgetType()) {
-        auto *widget = static_cast<QWidget *>(watched);
-        if (type == QEvent::WindowActivate && widget->isWindow())
-            windowActivated(widget);
-        else if (isDialogWindow(widget))
-            type == QEvent::Show ? dialogShown(widget) : type == QEvent::Hide ? dialogHidden(widget) : void();
-    }
+    // Only dialogs that had the keyboard are watched, and only for being hidden.
+    if (event->type() == QEvent::Hide && watched->isWidgetType())
+        dialogHidden(static_cast<QWidget *>(watched));
     return QObject::eventFilter(watched, event);
-}
-
-void DialogFocusReturn::dialogShown(QWidget *dialog)
-{
-    // The dialog is not active yet when it is shown, so the active window is the one it was
-    // opened from.
-    QWidget *owner = ownerFor(dialog, QApplication::activeWindow());
-    if (!owner)
-        return;
-    if (!m_owners.contains(dialog))
-        connect(dialog, &QObject::destroyed, this, [this, dialog] { m_owners.remove(dialog); });
-    m_owners.insert(dialog, owner);
 }
 
 void DialogFocusReturn::dialogHidden(QWidget *dialog)
 {
-    const QPointer<QWidget> owner = m_owners.value(dialog);
+    const auto known = m_owners.find(dialog);
+    if (known == m_owners.end())
+        return;
+    const QPointer<QWidget> owner = *known;
+    *known = nullptr;
     if (!owner || !owner->isVisible() || owner->isMinimized())
         return;
     // Only a dialog that had the keyboard hands it back: one closed while the user works in
@@ -90,13 +107,9 @@ void DialogFocusReturn::windowActivated(QWidget *window)
         return;
     }
     // The owner may get the keyboard first and lose it to the window manager's choice just
-    // after, so the watch goes on until the time is up; another dialog ends it.
+    // after, so the watch goes on until the time is up.
     if (window == m_returning)
         return;
-    if (isDialogWindow(window)) {
-        m_returning = nullptr;
-        return;
-    }
     if (m_returning->isVisible() && !m_returning->isMinimized())
         m_returning->activateWindow();
 }
