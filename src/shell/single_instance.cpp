@@ -1,16 +1,15 @@
 #include "shell/single_instance.h"
 
 #include "core/app_paths.h"
+#include "shell/instance_listener.h"
 
+#include <QCoreApplication>
 #include <QCryptographicHash>
 #include <QDeadlineTimer>
 #include <QDir>
-#include <QEvent>
 #include <QFile>
-#include <QLocalServer>
 #include <QLocalSocket>
 #include <QLockFile>
-#include <QLoggingCategory>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
@@ -25,13 +24,9 @@
 
 namespace {
 
-Q_LOGGING_CATEGORY(lcInstance, "vantora.instance", QtInfoMsg)
-
 // A request or an answer: a 4-byte big-endian length, then the bytes.
 constexpr int kHeaderBytes = 4;
 constexpr int kConnectRetryMs = 50;
-// Qt closes its server without a signal when accepting fails; this catches any case the event
-// filter misses.
 // sockaddr_un holds 108 bytes with the terminating zero.
 constexpr int kMaxSocketPathBytes = 100;
 
@@ -109,13 +104,7 @@ Answer readAnswer(QLocalSocket &socket, const QDeadlineTimer &deadline, QByteArr
 
 SingleInstance::SingleInstance(QObject *parent) : QObject(parent) {}
 
-SingleInstance::~SingleInstance()
-{
-    if (m_server) {
-        m_server->removeEventFilter(this);
-        m_server->close();
-    }
-}
+SingleInstance::~SingleInstance() = default;
 
 bool SingleInstance::isPrivateFolder(const QString &path, bool mayFix, QString *problem)
 {
@@ -232,68 +221,28 @@ SingleInstance::Claim SingleInstance::claim(QString *problem)
 
 bool SingleInstance::listen(QString *error)
 {
-    if (m_server)
+    if (m_listener)
         return true;
     // Without the lock the socket name may be another copy's: never take it over.
     if (!m_lock)
         return setFailure(error, QStringLiteral("this copy does not hold the lock"));
-    // No polling: the event filter set up here sees the server close after a failed accept.
-    return openServer(error);
+    const QString name = serverName();
+    if (name.isEmpty())
+        return setFailure(error, QStringLiteral("no private folder for the socket"));
+    auto listener = std::make_unique<InstanceListener>(
+        this, [this](quintptr descriptor) { acceptConnection(descriptor); });
+    if (!listener->open(name, error))
+        return false;
+    m_listener = std::move(listener);
+    // Its thread ends with the event loop, before the application object goes.
+    if (QCoreApplication::instance())
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { m_listener.reset(); });
+    return true;
 }
 
 bool SingleInstance::isListening() const
 {
-    return m_server && m_server->isListening();
-}
-
-bool SingleInstance::openServer(QString *error)
-{
-    const QString name = serverName();
-    if (name.isEmpty())
-        return setFailure(error, QStringLiteral("no private folder for the socket"));
-    // We hold the lock, so a socket already there was left by a copy that crashed.
-    QLocalServer::removeServer(name);
-    auto *server = new QLocalServer(this);
-#ifdef Q_OS_WIN
-    // Pipe names are machine-wide: only this user may connect.
-    server->setSocketOptions(QLocalServer::UserAccessOption);
-#endif
-    // Elsewhere the socket sits in a folder only this user can enter (runtimeFolder()); Qt's
-    // access option would make, and remove, a temporary folder at every start to bind it in.
-    server->setMaxPendingConnections(kMaxOpenConnections);
-    if (!server->listen(name)) {
-        setFailure(error, server->errorString());
-        delete server;
-        return false;
-    }
-    m_server = server;
-    connect(m_server, &QLocalServer::newConnection, this, &SingleInstance::acceptConnections);
-    // A failed accept makes Qt close the server and drop its socket notifier, without a signal.
-    m_server->installEventFilter(this);
-    return true;
-}
-
-bool SingleInstance::eventFilter(QObject *watched, QEvent *event)
-{
-    if (watched == m_server && event->type() == QEvent::ChildRemoved)
-        QMetaObject::invokeMethod(this, &SingleInstance::checkServer, Qt::QueuedConnection);
-    return QObject::eventFilter(watched, event);
-}
-
-void SingleInstance::checkServer()
-{
-    if (isListening())
-        return;
-    if (m_server) {
-        qCWarning(lcInstance, "later launches could no longer connect (%s); listening again",
-                  qPrintable(m_server->errorString()));
-        m_server->removeEventFilter(this);
-        m_server->deleteLater();
-        m_server = nullptr;
-    }
-    QString error;
-    if (!openServer(&error))
-        qCWarning(lcInstance, "cannot listen for later launches: %s", qPrintable(error));
+    return m_listener && m_listener->isListening();
 }
 
 void SingleInstance::setHandler(Handler handler)
@@ -302,36 +251,37 @@ void SingleInstance::setHandler(Handler handler)
     answerWaiting();
 }
 
-void SingleInstance::acceptConnections()
+void SingleInstance::acceptConnection(quintptr descriptor)
 {
-    while (m_server) {
-        QLocalSocket *socket = m_server->nextPendingConnection();
-        if (!socket)
-            break;
-        // Kept when the server is made anew.
-        socket->setParent(this);
-        if (m_pending.size() >= kMaxOpenConnections) {
-            // The sender tries again; a launch that waits gets its turn once others are done.
-            socket->abort();
-            socket->deleteLater();
-            continue;
-        }
-        m_pending.insert(socket, {});
-        socket->setReadBufferSize(kHeaderBytes + kMaxMessageBytes + 1);
-        connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readRequest(socket); });
-        connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
-            m_pending.remove(socket);
-            socket->deleteLater();
-        });
-        QTimer::singleShot(kConnectionTimeoutMs, socket, [this, socket] {
-            QByteArray request;
-            bool invalid = false;
-            // A whole request waiting for the start to finish is kept; a slow one is not.
-            if (m_pending.contains(socket) && !takeMessage(m_pending.value(socket), &request, &invalid))
-                drop(socket);
-        });
-        readRequest(socket);
+    auto *socket = new QLocalSocket(this);
+    if (!socket->setSocketDescriptor(descriptor)) {
+        delete socket;
+#ifndef Q_OS_WIN
+        ::close(int(descriptor));
+#endif
+        return;
     }
+    if (m_pending.size() >= kMaxOpenConnections) {
+        // The sender tries again; a launch that waits gets its turn once others are done.
+        socket->abort();
+        socket->deleteLater();
+        return;
+    }
+    m_pending.insert(socket, {});
+    socket->setReadBufferSize(kHeaderBytes + kMaxMessageBytes + 1);
+    connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readRequest(socket); });
+    connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
+        m_pending.remove(socket);
+        socket->deleteLater();
+    });
+    QTimer::singleShot(kConnectionTimeoutMs, socket, [this, socket] {
+        QByteArray request;
+        bool invalid = false;
+        // A whole request waiting for the start to finish is kept; a slow one is not.
+        if (m_pending.contains(socket) && !takeMessage(m_pending.value(socket), &request, &invalid))
+            drop(socket);
+    });
+    readRequest(socket);
 }
 
 void SingleInstance::readRequest(QLocalSocket *socket)

@@ -8,7 +8,7 @@
 #include <functional>
 #include <memory>
 
-class QLocalServer;
+class InstanceListener;
 class QLocalSocket;
 class QLockFile;
 
@@ -24,7 +24,8 @@ class QLockFile;
 //
 // The running copy answers whatever connects, so it limits what a connection may cost: a few
 // open at once, a few kilobytes each, a second to send them. A server Qt closed (it does when
-// accepting fails, e.g. out of file descriptors) is opened again.
+// accepting fails, e.g. out of file descriptors) is opened again. It listens on a thread of its
+// own (InstanceListener), so that an idle program's wake-ups never poll the socket.
 class SingleInstance : public QObject
 {
     Q_OBJECT
@@ -91,17 +92,14 @@ public:
     static bool isPrivateFolder(const QString &path, bool mayFix, QString *problem = nullptr);
 
 private:
-    bool openServer(QString *error);
-    void checkServer();
-    void acceptConnections();
+    void acceptConnection(quintptr descriptor);
     void readRequest(QLocalSocket *socket);
     void drop(QLocalSocket *socket);
     void answer(QLocalSocket *socket, const QByteArray &request);
     void answerWaiting();
-    bool eventFilter(QObject *watched, QEvent *event) override;
 
     std::unique_ptr<QLockFile> m_lock;
-    QLocalServer *m_server = nullptr;
+    std::unique_ptr<InstanceListener> m_listener;
     Handler m_handler;
     // Bytes read so far from each open connection.
     QHash<QLocalSocket *, QByteArray> m_pending;
