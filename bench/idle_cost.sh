@@ -1,23 +1,28 @@
 #!/usr/bin/env bash
 # What the program costs while nobody touches it: starts the built program under a private Xvfb
 # with the dashboard and the clock, stopwatch, timer and calculator open (or the windows named on
-# the command line), lets it settle, and prints over a minute its CPU use (% of one core, from
-# the scheduler's account in /proc/PID/task/*/schedstat), how often it woke up (context switches
-# of all its threads) and its resident memory. Beside it, in the same minute and on the same X
+# the command line), lets it settle, and measures its CPU use (% of one core, from the
+# scheduler's account in /proc/PID/task/*/schedstat), how often it woke up (context switches of
+# all its threads) and its resident memory. Beside it, over the same interval and on the same X
 # server, runs bench/bare_timer_window.cpp: a bare Qt window with the 55 ms and 100 ms timers the
 # clock and the alarm check need, whose ticks do nothing; what that costs is the floor of Qt's
-# event loop on this machine, which varies from one minute to the next on a shared machine.
-# Builds nothing.
+# event loop on this machine.
+#
+# One interval decides little on a virtual machine: what a wake-up costs depends on whether the
+# processor was asleep, so two copies of the same bare window started together differ by a
+# quarter, and the difference lasts as long as they run. Both programs are therefore started
+# afresh for each of several rounds, and the medians are compared. Builds nothing.
 #
 #   bench/idle_cost.sh                              dashboard, clock, stopwatch, timer, calculator
 #   bench/idle_cost.sh clock weather notes          any list of --open names
-#   PROGRAM=build/bin/vantora REFERENCE=build/bin/bare_timer_window DURATION=60 SETTLE=5 ...
+#   PROGRAM=build/bin/vantora REFERENCE=build/bin/bare_timer_window ROUNDS=5 DURATION=40 SETTLE=5 ...
 set -euo pipefail
 
 here=$(cd "$(dirname "$0")" && pwd)
 program=${PROGRAM:-build/bin/vantora}
 reference=${REFERENCE:-build/bin/bare_timer_window}
-duration=${DURATION:-60}
+rounds=${ROUNDS:-5}
+duration=${DURATION:-40}
 settle=${SETTLE:-5}
 if (($# == 0)); then
     set -- dashboard clock stopwatch timer calculator
@@ -25,6 +30,7 @@ fi
 windows=$(IFS=,; echo "$*")
 target_cpu=0.25
 target_mb=45
+target_ratio=1.15
 
 if [[ ! -x $program ]]; then
     echo "No program at '$program'. Build it first, or set PROGRAM." >&2
@@ -35,28 +41,22 @@ command -v Xvfb >/dev/null || { echo "Xvfb is needed (apt-get install xvfb)." >&
 
 source "$here/bench_session.sh"
 home=$(mktemp -d)
+results=$(mktemp)
 pids=()
-cleanup() {
+stop_programs() {
     # A killed program's status is not 0: under set -e the first wait would end the clean-up
-    # and leave the other program and the X server running.
+    # and leave the other program running.
     for pid in "${pids[@]}"; do kill "$pid" && wait "$pid" || true; done 2>/dev/null
+    pids=()
+}
+cleanup() {
+    stop_programs
     stop_private_xvfb
-    rm -rf "$home"
+    rm -rf "$home" "$results"
 }
 trap cleanup EXIT
 start_private_xvfb || exit 1
-
 write_chosen_settings "$home"
-VANTORA_HOME=$home VANTORA_OFFLINE=1 QT_QPA_PLATFORM=xcb QT_LOGGING_RULES='qt.multimedia*=false' \
-    "$program" --open "$windows" >/dev/null 2>&1 &
-program_pid=$!
-pids+=("$program_pid")
-reference_pid=
-if [[ -n $reference ]]; then
-    QT_QPA_PLATFORM=xcb "$reference" >/dev/null 2>&1 &
-    reference_pid=$!
-    pids+=("$reference_pid")
-fi
 
 # CPU time of all of a process's threads in nanoseconds, from the scheduler's own account
 # (first field of schedstat): utime+stime in /proc/PID/stat counts whole 10 ms ticks, too coarse
@@ -69,49 +69,83 @@ wakeups() {
     cat /proc/"$1"/task/*/status 2>/dev/null |
         awk '/^(voluntary|nonvoluntary)_ctxt_switches:/ {n += $2} END {print n + 0}'
 }
-alive() {
-    kill -0 "$program_pid" 2>/dev/null
+rss_kb() {
+    awk '/^VmRSS:/ {print $2}' "/proc/$1/status"
 }
 
-sleep "$settle"
-alive || { echo "The program ended during start-up." >&2; exit 1; }
-start_cpu=$(cpu_ns "$program_pid")
-start_wakeups=$(wakeups "$program_pid")
-if [[ -n $reference_pid ]]; then
-    reference_start_cpu=$(cpu_ns "$reference_pid")
-    reference_start_wakeups=$(wakeups "$reference_pid")
-fi
-start_ns=$(date +%s%N)
-sleep "$duration"
-alive || { echo "The program ended during the measurement." >&2; exit 1; }
-end_cpu=$(cpu_ns "$program_pid")
-end_wakeups=$(wakeups "$program_pid")
-end_ns=$(date +%s%N)
-reference_line=
-if [[ -n $reference_pid ]]; then
-    reference_line="$(($(cpu_ns "$reference_pid") - reference_start_cpu)) \
-$(($(wakeups "$reference_pid") - reference_start_wakeups)) \
-$(awk '/^VmRSS:/ {print $2}' "/proc/$reference_pid/status")"
-fi
-rss_kb=$(awk '/^VmRSS:/ {print $2}' "/proc/$program_pid/status")
-threads=$(ls /proc/"$program_pid"/task | wc -l)
-shown=
-if command -v xdotool >/dev/null; then
-    shown=$(xdotool search --onlyvisible --pid "$program_pid" --name '^Vantora' 2>/dev/null |
-        while read -r id; do xdotool getwindowname "$id"; done | sort | paste -sd, - || true)
-fi
+# One round: both programs started afresh, settled, measured over the same interval. Appends
+# "seconds cpu_ns wakeups rss_kb [ref_cpu_ns ref_wakeups ref_rss_kb]" to the results.
+measure_round() {
+    VANTORA_HOME=$home VANTORA_OFFLINE=1 QT_QPA_PLATFORM=xcb QT_LOGGING_RULES='qt.multimedia*=false' \
+        "$program" --open "$windows" >/dev/null 2>&1 &
+    local program_pid=$! reference_pid=
+    pids+=("$program_pid")
+    if [[ -n $reference ]]; then
+        QT_QPA_PLATFORM=xcb "$reference" >/dev/null 2>&1 &
+        reference_pid=$!
+        pids+=("$reference_pid")
+    fi
+    sleep "$settle"
+    kill -0 "$program_pid" 2>/dev/null || { echo "The program ended during start-up." >&2; exit 1; }
+    local cpu0 wake0 rcpu0= rwake0= start_ns end_ns line
+    cpu0=$(cpu_ns "$program_pid")
+    wake0=$(wakeups "$program_pid")
+    if [[ -n $reference_pid ]]; then
+        rcpu0=$(cpu_ns "$reference_pid")
+        rwake0=$(wakeups "$reference_pid")
+    fi
+    start_ns=$(date +%s%N)
+    sleep "$duration"
+    kill -0 "$program_pid" 2>/dev/null || { echo "The program ended during the measurement." >&2; exit 1; }
+    line="$(($(cpu_ns "$program_pid") - cpu0)) $(($(wakeups "$program_pid") - wake0)) $(rss_kb "$program_pid")"
+    if [[ -n $reference_pid ]]; then
+        line+=" $(($(cpu_ns "$reference_pid") - rcpu0)) $(($(wakeups "$reference_pid") - rwake0)) $(rss_kb "$reference_pid")"
+    fi
+    end_ns=$(date +%s%N)
+    if ((round == rounds)) && command -v xdotool >/dev/null; then
+        shown=$(xdotool search --onlyvisible --pid "$program_pid" --name '^Vantora' 2>/dev/null |
+            while read -r id; do xdotool getwindowname "$id"; done | sort | paste -sd, - || true)
+    fi
+    echo "$(((end_ns - start_ns) / 1000000)) $line" >>"$results"
+    stop_programs
+}
 
-awk -v cpu_ns=$((end_cpu - start_cpu)) -v ns=$((end_ns - start_ns)) \
-    -v w=$((end_wakeups - start_wakeups)) -v kb="$rss_kb" -v asked="$windows" -v shown="$shown" \
-    -v threads="$threads" -v tcpu="$target_cpu" -v tmb="$target_mb" -v ref="$reference_line" 'BEGIN {
-    seconds = ns / 1e9
-    cpu = 100 * cpu_ns / ns
-    mb = kb / 1024
-    printf "idle for %.0f s with %s open\n", seconds, asked
-    printf "  CPU use: %.3f %% of one core (%.1f ms of CPU time)   target under %.2f %%: %s\n", cpu, cpu_ns / 1e6, tcpu, (cpu < tcpu) ? "met" : "MISSED"
-    printf "  wake-ups: %.1f per second (context switches of its %d threads)\n", w / seconds, threads
-    printf "  resident memory: %.1f MB   target under %d MB: %s\n", mb, tmb, (mb < tmb) ? "met" : "MISSED"
-    if (split(ref, r, " ") == 3)
-        printf "  beside it, a bare Qt window with a 55 ms and a 100 ms timer: %.3f %%, %.1f wake-ups per second, %.1f MB\n", 100 * r[1] / ns, r[2] / seconds, r[3] / 1024
+shown=
+for ((round = 1; round <= rounds; round++)); do
+    measure_round
+done
+
+awk -v asked="$windows" -v shown="$shown" -v tcpu="$target_cpu" -v tmb="$target_mb" \
+    -v tratio="$target_ratio" '
+function median(a, n,    i, j, t) {
+    for (i = 2; i <= n; i++)
+        for (j = i; j > 1 && a[j - 1] > a[j]; j--) { t = a[j]; a[j] = a[j - 1]; a[j - 1] = t }
+    return (n % 2) ? a[(n + 1) / 2] : (a[n / 2] + a[n / 2 + 1]) / 2
+}
+{
+    n++
+    seconds = $1 / 1000
+    cpu[n] = 100 * $2 / 1e9 / seconds; wake[n] = $3 / seconds; mb[n] = $4 / 1024
+    line[n] = sprintf("  round %d: %.3f %% of one core, %.1f wake-ups per second", n, cpu[n], wake[n])
+    if (NF >= 7) {
+        refs++
+        rcpu[n] = 100 * $5 / 1e9 / seconds; rwake[n] = $6 / seconds; rmb[n] = $7 / 1024
+        ratio[n] = cpu[n] / rcpu[n]
+        line[n] = line[n] sprintf("; bare window %.3f %%, %.1f per second: %.2fx", rcpu[n], rwake[n], ratio[n])
+    }
+    total += seconds
+}
+END {
+    printf "idle with %s open: %d rounds of %.0f s, each program started afresh\n", asked, n, total / n
+    for (i = 1; i <= n; i++) print line[i]
+    c = median(cpu, n); m = median(mb, n)
+    printf "  CPU use (median): %.3f %% of one core   target under %.2f %%: %s\n", c, tcpu, (c < tcpu) ? "met" : "MISSED"
+    printf "  wake-ups (median): %.1f per second\n", median(wake, n)
+    printf "  resident memory (median): %.1f MB   target under %d MB: %s\n", m, tmb, (m < tmb) ? "met" : "MISSED"
+    if (refs == n) {
+        rc = median(rcpu, n); r = median(ratio, n)
+        printf "  beside it, a bare Qt window with a 55 ms and a 100 ms timer (median): %.3f %%, %.1f wake-ups per second, %.1f MB\n", rc, median(rwake, n), median(rmb, n)
+        printf "  CPU use against the bare window (median of the rounds): %.2fx   target at most %.2fx: %s\n", r, tratio, (r <= tratio) ? "met" : "MISSED"
+    }
     if (shown != "") printf "  windows on screen: %s\n", shown
-}'
+}' "$results"
