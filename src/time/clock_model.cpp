@@ -35,6 +35,14 @@ QString ClockModel::classicSuffix(bool secsShow, bool ampmShow)
 ClockModel::Display ClockModel::compose(const QDateTime &moment, const ClockSettings &settings,
                                         const QLocale &locale)
 {
+    Display d = composeTime(moment, settings, locale);
+    d.date = dateText(moment, settings, locale);
+    return d;
+}
+
+ClockModel::Display ClockModel::composeTime(const QDateTime &moment, const ClockSettings &settings,
+                                            const QLocale &locale)
+{
     Display d;
     const QString hours = hourText(moment.time(), settings.hour24);
     if (settings.modern) {
@@ -45,9 +53,13 @@ ClockModel::Display ClockModel::compose(const QDateTime &moment, const ClockSett
         const QString suffix = classicSuffix(settings.secsShow, settings.ampmShow);
         d.panel = hours + DateTimeFormatter::format(moment, suffix, locale) + QLatin1Char(' ');
     }
-    d.date = settings.dateDefault ? locale.toString(moment.date(), QLocale::LongFormat)
-                                  : DateTimeFormatter::format(moment, settings.dateCustom, locale);
     return d;
+}
+
+QString ClockModel::dateText(const QDateTime &moment, const ClockSettings &settings, const QLocale &locale)
+{
+    return settings.dateDefault ? locale.toString(moment.date(), QLocale::LongFormat)
+                                : DateTimeFormatter::format(moment, settings.dateCustom, locale);
 }
 
 void ClockModel::refresh()
@@ -75,7 +87,17 @@ void ClockModel::recompute(bool rereadSettings)
         m_loaded = true;
     }
 
-    const Display display = compose(ClockSource::now(), m_settings);
+    const QDateTime moment = ClockSource::now();
+    const QLocale locale;
+    Display display = composeTime(moment, m_settings, locale);
+    // The long date asks the system locale for its names, the dearest part of a tick, and it
+    // changes only with the day. A date of the user's own format may show the time, so it is
+    // formatted every second.
+    if (settingsMoved || !m_settings.dateDefault || moment.date() != m_dateOf) {
+        m_dateText = dateText(moment, m_settings, locale);
+        m_dateOf = moment.date();
+    }
+    display.date = m_dateText;
     const bool displayMoved = !(display == m_display);
     m_display = display;
 

@@ -47,11 +47,15 @@ signals:
     void settingsChanged();
 
 private:
+    static Display composeTime(const QDateTime &moment, const ClockSettings &settings, const QLocale &locale);
+    static QString dateText(const QDateTime &moment, const ClockSettings &settings, const QLocale &locale);
     void recompute(bool rereadSettings);
 
     Display m_display;
     ClockSettings m_settings;
     bool m_loaded = false;
     qint64 m_second = 0;
+    QDate m_dateOf;     // the day m_dateText was formatted for
+    QString m_dateText;
     quint64 m_settingsWrites = 0;
 };
