@@ -121,6 +121,20 @@ QByteArray choosePlatform()
         qputenv("QT_QPA_PLATFORM", platform);
     return platform;
 }
+// On X11 Qt hands each repaint to the server through shared memory, and before it paints an
+// area again it waits for the server to have read the last copy: a round trip. The widgets
+// repaint small areas all day (the clock's seconds, once a second), where that wait costs more
+// than sending the few hundred bytes over the socket; even a whole-window repaint of the largest
+// window costs under a millisecond that way. VANTORA_XSHM=1 keeps shared memory (Qt turns it
+// off when QT_XCB_NO_MITSHM is set at all, whatever its value). Returns whether it was set here.
+bool paintThroughTheSocket()
+{
+    static const char name[] = "QT_XCB_NO_MITSHM";
+    if (qEnvironmentVariableIsSet(name) || qEnvironmentVariableIntValue("VANTORA_XSHM") == 1)
+        return false;
+    qputenv(name, "1");
+    return true;
+}
 } // namespace
 
 int main(int argc, char *argv[])
@@ -143,10 +157,13 @@ int main(int argc, char *argv[])
     // can costs a round trip to the session bus before the first window.
     QApplication::setAttribute(Qt::AA_DontUseNativeMenuBar);
     const QByteArray chosenPlatform = choosePlatform();
+    const bool socketPaintChosen = paintThroughTheSocket();
     QApplication app(argc, argv);
-    // Programs started from here (a browser for a link) make their own choice.
+    // Programs started from here (a browser for a link) make their own choices.
     if (!chosenPlatform.isEmpty())
         qunsetenv("QT_QPA_PLATFORM");
+    if (socketPaintChosen)
+        qunsetenv("QT_XCB_NO_MITSHM");
     qCDebug(lcMain, "window system: %s", qPrintable(QGuiApplication::platformName()));
     StartupTrace::mark("application object made");
     QApplication::setStyle(new DeferredIconStyle);
