@@ -11,8 +11,13 @@
 #include <QLabel>
 
 namespace {
+// A font set on a widget, even an equal one, is its own from then on and tells the widget so; a
+// combo box answers by building its drop-down list. Only a widget showing another family is
+// given one: the rest take the panel's through inheritance.
 void setFamily(QWidget *widget, const QString &family)
 {
+    if (widget->font().family() == family)
+        return;
     QFont font = widget->font();
     font.setFamily(family);
     widget->setFont(font);
@@ -32,6 +37,9 @@ WidgetWindow::WidgetWindow(const QString &windowName, int widgetIndex, const QSt
     options.contextMenu = true;
     m_chrome = new ThemedChrome(this, options);
     connect(m_chrome, &ThemedChrome::closeRequested, this, &QWidget::close);
+    // Parts built on the panel from here on are born with the theme's family, so that applying
+    // the theme afterwards finds nothing to change in them.
+    setFamily(panel(), CurrentTheme().PanelFont);
     // A click on the widget gives the window itself the keyboard, not the first bar button
     // (where Space would press whatever that button does); Tab still reaches the buttons.
     setFocusPolicy(Qt::StrongFocus);
