@@ -122,11 +122,8 @@ void WidgetWindow::ThemeElementsUpdate()
 {
     m_chrome->applyThemeColours();
     const Theme &theme = CurrentTheme();
-    for (QWidget *child : bar()->findChildren<QWidget *>()) {
-        QFont f = child->font();
-        f.setFamily(theme.BarFont);
-        child->setFont(f);
-    }
+    for (QWidget *child : bar()->findChildren<QWidget *>())
+        setFamily(child, theme.BarFont);
     for (QWidget *child : panel()->findChildren<QWidget *>(Qt::FindDirectChildrenOnly))
         applyPanelFont(child);
     bar()->update();
