@@ -121,6 +121,7 @@ QByteArray choosePlatform()
         qputenv("QT_QPA_PLATFORM", platform);
     return platform;
 }
+
 // On X11 Qt hands each repaint to the server through shared memory, and before it paints an
 // area again it waits for the server to have read the last copy: a round trip. The widgets
 // repaint small areas all day (the clock's seconds, once a second), where that wait costs more
