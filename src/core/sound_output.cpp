@@ -1,40 +1,23 @@
 #include "core/sound_output.h"
 
-#include <QCoreApplication>
-#include <QDir>
-#include <QLibrary>
+#include "core/program_module.h"
+
 #include <QLoggingCategory>
 
 namespace {
 Q_LOGGING_CATEGORY(lcSound, "vantora.sound", QtWarningMsg)
 
-#ifndef VANTORA_MODULE_DIR_FROM_BIN
-#define VANTORA_MODULE_DIR_FROM_BIN "../lib/vantora"
-#endif
-
 SoundOutput *load()
 {
-    QStringList tried;
-    for (const QString &candidate : SoundModuleCandidates()) {
-        QLibrary module(candidate);
-        const auto create = reinterpret_cast<CreateSoundOutput>(module.resolve(kSoundModuleEntry));
-        if (create)
-            return create(); // the library stays loaded for the run
-        tried << QStringLiteral("%1 (%2)").arg(QDir::toNativeSeparators(candidate), module.errorString());
-    }
-    qCWarning(lcSound, "No sounds can play: the sound module was not found. Tried: %s",
-              qUtf8Printable(tried.join(QStringLiteral("; "))));
+    QString problem;
+    const auto create = reinterpret_cast<CreateSoundOutput>(
+        ResolveProgramModule(QStringLiteral("vantora_sound"), kSoundModuleEntry, &problem));
+    if (create)
+        return create();
+    qCWarning(lcSound, "No sounds can play: %s", qUtf8Printable(problem));
     return nullptr;
 }
 } // namespace
-
-QStringList SoundModuleCandidates()
-{
-    const QDir programDir(QCoreApplication::applicationDirPath());
-    const QString name = QStringLiteral("vantora_sound");
-    return {programDir.filePath(name),
-            QDir::cleanPath(programDir.filePath(QStringLiteral(VANTORA_MODULE_DIR_FROM_BIN "/") + name))};
-}
 
 SoundOutput *LoadedSoundOutput()
 {

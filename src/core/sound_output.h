@@ -1,7 +1,6 @@
 #pragma once
 
 #include <QString>
-#include <QStringList>
 #include <QUrl>
 
 // What plays the program's sounds (the alarm bell, a chosen wave file).
@@ -25,7 +24,3 @@ using CreateSoundOutput = SoundOutput *(*)();
 // The output of this run, the module loaded on the first call. Null when it cannot be loaded;
 // a warning says why, once.
 SoundOutput *LoadedSoundOutput();
-
-// Where the module is looked for: beside the program (the build folder, Windows), then in the
-// installed library folder.
-QStringList SoundModuleCandidates();

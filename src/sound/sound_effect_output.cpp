@@ -1,6 +1,7 @@
 // The sound module: plays the program's sounds with Qt Multimedia, loaded by the program when
 // the first sound plays (see core/sound_output.h).
 
+#include "core/program_module.h"
 #include "core/sound_output.h"
 
 #include <QHash>
@@ -29,12 +30,6 @@ private:
 };
 
 } // namespace
-
-#if defined(_WIN32)
-#define VANTORA_MODULE_EXPORT extern "C" __declspec(dllexport)
-#else
-#define VANTORA_MODULE_EXPORT extern "C" __attribute__((visibility("default")))
-#endif
 
 VANTORA_MODULE_EXPORT SoundOutput *vantora_create_sound_output()
 {
