@@ -1,6 +1,7 @@
 #include "shell/single_instance.h"
 
 #include "core/app_paths.h"
+#include "core/held_file_lock.h"
 #include "shell/instance_listener.h"
 
 #include <QCoreApplication>
@@ -9,7 +10,6 @@
 #include <QDir>
 #include <QFile>
 #include <QLocalSocket>
-#include <QLockFile>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
@@ -197,23 +197,22 @@ SingleInstance::Claim SingleInstance::claim(QString *problem)
         return Claim::Unavailable;
     }
     const QString path = folder + QLatin1Char('/') + baseName() + QStringLiteral(".lock");
-    auto lock = std::make_unique<QLockFile>(path);
-    // Held for the whole run: only a holder that is gone makes it stale, never its age.
-    lock->setStaleLockTime(0);
-    if (lock->tryLock(0)) {
+    auto lock = std::make_unique<HeldFileLock>();
+    QString cause;
+    switch (lock->tryLock(path, &cause)) {
+    case HeldFileLock::Result::Taken:
         m_lock = std::move(lock);
         return Claim::Ours;
-    }
-    switch (lock->error()) {
-    case QLockFile::LockFailedError:
+    case HeldFileLock::Result::HeldElsewhere:
         return Claim::HeldElsewhere;
-    case QLockFile::PermissionError:
+    case HeldFileLock::Result::PermissionDenied:
         setFailure(problem, QStringLiteral("the lock file %1 cannot be made: permission denied")
                                 .arg(QDir::toNativeSeparators(path)));
         break;
-    default:
-        setFailure(problem, QStringLiteral("the lock file %1 cannot be written (the disk may be full)")
-                                .arg(QDir::toNativeSeparators(path)));
+    case HeldFileLock::Result::Failed:
+        setFailure(
+            problem,
+            QStringLiteral("the lock file %1 cannot be used: %2").arg(QDir::toNativeSeparators(path), cause));
         break;
     }
     return Claim::Unavailable;
@@ -236,7 +235,8 @@ bool SingleInstance::listen(QString *error)
     m_listener = std::move(listener);
     // Its thread ends with the event loop, before the application object goes.
     if (QCoreApplication::instance())
-        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this, [this] { m_listener.reset(); });
+        connect(QCoreApplication::instance(), &QCoreApplication::aboutToQuit, this,
+                [this] { m_listener.reset(); });
     return true;
 }
 

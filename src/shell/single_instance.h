@@ -10,17 +10,17 @@
 
 class InstanceListener;
 class QLocalSocket;
-class QLockFile;
+class HeldFileLock;
 
 // Keeps one running copy per user (per settings file): the first launch takes a lock file and
 // answers on a local socket (a Unix domain socket; a named pipe on Windows). A later launch finds
 // the lock taken, sends its request over the socket, waits for the answer and exits, so two
 // copies never write the same settings file.
 //
-// The lock is what decides, not the socket: a copy that crashed leaves both behind, and its lock
-// is known stale because its process is gone, so the next launch takes over and clears the old
-// socket before listening. Both live in a folder only the user can reach, so nobody else can
-// take the names first.
+// The lock is what decides, not the socket: a copy that crashed leaves its socket behind, but the
+// system let go of its lock when its process ended (HeldFileLock), so the next launch takes over
+// and clears the old socket before listening. Both live in a folder only the user can reach, so nobody else
+// can take the names first.
 //
 // The running copy answers whatever connects, so it limits what a connection may cost: a few
 // open at once, a few kilobytes each, a second to send them. A server Qt closed (it does when
@@ -98,7 +98,7 @@ private:
     void answer(QLocalSocket *socket, const QByteArray &request);
     void answerWaiting();
 
-    std::unique_ptr<QLockFile> m_lock;
+    std::unique_ptr<HeldFileLock> m_lock;
     std::unique_ptr<InstanceListener> m_listener;
     Handler m_handler;
     // Bytes read so far from each open connection.

@@ -1,9 +1,9 @@
 #include "core/settings_store.h"
 #include "core/widget_index.h"
-#include "support/scoped_environment.h"
 #include "shell/launch_request.h"
 #include "shell/single_instance.h"
 #include "support/file_size_limit.h"
+#include "support/scoped_environment.h"
 #include "support/test_home.h"
 
 #include <QDir>
@@ -49,6 +49,7 @@ private slots:
     void launchesAtOnceLeaveOneCopy();
     void unreachableOrUnusableLockStillStarts_data();
     void unreachableOrUnusableLockStillStarts();
+    void lockNeedsNoRoomAndEndsWithItsHolder();
     void failedAcceptDoesNotEndListening();
     void requestsNamingNoDocumentAreRefused_data();
     void requestsNamingNoDocumentAreRefused();
@@ -201,8 +202,6 @@ void TestSingleInstance::unreachableOrUnusableLockStillStarts_data()
                                                        << "not a folder";
     QTest::newRow("lock folder others can write to") << "open"
                                                      << "other users";
-    QTest::newRow("full disk") << "full"
-                               << "cannot be written";
     QTest::newRow("read-only lock folder") << "read-only"
                                            << "permission denied";
 }
@@ -213,7 +212,6 @@ void TestSingleInstance::unreachableOrUnusableLockStillStarts()
     QFETCH(QString, warningMentions);
     const QString folder = m_home->filePath(QStringLiteral(".vantora-run"));
     SingleInstance holder;
-    std::unique_ptr<FileSizeLimit> fullDisk;
     if (how == QLatin1String("held")) {
         QCOMPARE(holder.claim(), SingleInstance::Claim::Ours);
     } else if (how == QLatin1String("file")) {
@@ -221,26 +219,40 @@ void TestSingleInstance::unreachableOrUnusableLockStillStarts()
         QVERIFY(file.open(QIODevice::WriteOnly));
     } else if (how == QLatin1String("read-only")) {
         if (::geteuid() == 0)
-            QSKIP("root writes into a read-only folder; the full disk row fails the same way");
+            QSKIP("root writes into a read-only folder");
         QVERIFY(QDir().mkdir(folder));
         QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0500), 0);
     } else if (how == QLatin1String("open")) {
         QVERIFY(QDir().mkdir(folder));
         QCOMPARE(::chmod(QFile::encodeName(folder).constData(), 0777), 0);
-    } else {
-        // Passed on to the program, which cannot make its lock file any longer than nothing.
-        fullDisk = std::make_unique<FileSizeLimit>(0);
-        QVERIFY(fullDisk->isActive());
     }
     QProcess *launch =
         startProgram({QStringLiteral("--open"), QStringLiteral("clock")}, QProcess::SeparateChannels);
-    fullDisk.reset();
     QByteArray warnings;
     QTRY_VERIFY_WITH_TIMEOUT((warnings += launch->readAllStandardError()).contains(warningMentions.toUtf8()),
                              10000);
     QVERIFY2(warnings.contains("on its own") || warnings.contains("starting without"), warnings.constData());
     QTest::qWait(1000);
     QCOMPARE(launch->state(), QProcess::Running);
+}
+
+// Taking the lock writes nothing, so a full disk still leaves one copy in charge; the lock goes
+// with the object that holds it, and another takes it then.
+void TestSingleInstance::lockNeedsNoRoomAndEndsWithItsHolder()
+{
+    auto first = std::make_unique<SingleInstance>();
+    {
+        const FileSizeLimit fullDisk(0);
+        QVERIFY(fullDisk.isActive());
+        QString problem;
+        QCOMPARE(first->claim(&problem), SingleInstance::Claim::Ours);
+        QVERIFY2(problem.isEmpty(), qPrintable(problem));
+    }
+    SingleInstance second;
+    QCOMPARE(second.claim(), SingleInstance::Claim::HeldElsewhere);
+    first.reset();
+    QCOMPARE(second.claim(), SingleInstance::Claim::Ours);
+    QVERIFY(second.holdsLock());
 }
 
 void TestSingleInstance::failedAcceptDoesNotEndListening()
