@@ -1,17 +1,18 @@
 #include "notes/print_engine.h"
 
 #include "core/clock_source.h"
+#include "core/program_module.h"
 #include "core/safe_file_write.h"
 #include "notes/print_paper.h"
+#include "notes/printer_access.h"
 #include "themes/message_box.h"
 
 #include <QApplication>
 #include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
-#include <QPrintDialog>
-#include <QPrinter>
-#include <QPrinterInfo>
+#include <QHash>
+#include <QLoggingCategory>
 #include <QProgressDialog>
 #include <QRegularExpression>
 #include <QTextDocument>
@@ -27,7 +28,10 @@ constexpr int kPreviewBorder = 16;
 // Progress shows for printing that takes longer than this, in milliseconds.
 constexpr int kProgressDelayMs = 400;
 
+Q_LOGGING_CATEGORY(lcPrint, "vantora.print", QtWarningMsg)
+
 std::optional<QStringList> g_testPrinters;
+QString g_printModule = QStringLiteral("vantora_print");
 
 const int kNoPrinterMessage = 5;
 const int kNothingToPrintMessage = 6;
@@ -41,6 +45,56 @@ PrintLayout::Progress progressOver(QProgressDialog &dialog)
         QCoreApplication::processEvents();
         return !dialog.wasCanceled();
     };
+}
+
+struct LoadedPrintModule
+{
+    PrinterAccess *access = nullptr;
+    QString problem;
+};
+
+// The system's printers, the print module loaded on the first call. Null when it cannot be
+// loaded; *problem then says why.
+PrinterAccess *printerAccess(QString *problem = nullptr)
+{
+    // Loaded once and kept to the end of the run, like the module itself.
+    static QHash<QString, LoadedPrintModule> loaded;
+    auto module = loaded.find(g_printModule);
+    if (module == loaded.end()) {
+        LoadedPrintModule found;
+        const auto create = reinterpret_cast<CreatePrinterAccess>(
+            ResolveProgramModule(g_printModule, kPrintModuleEntry, &found.problem));
+        if (create)
+            found.access = create();
+        else
+            qCWarning(lcPrint, "Nothing can be printed: %s", qUtf8Printable(found.problem));
+        module = loaded.insert(g_printModule, found);
+    }
+    if (problem)
+        *problem = module->problem;
+    return module->access;
+}
+
+void tellPrintingUnavailable(QWidget *owner)
+{
+    QString problem;
+    printerAccess(&problem);
+    ShowNotice(PrintEngine::tr("Cannot Print"),
+               PrintEngine::tr("Printing is not available: %1. Saving the pages as a PDF file still works.")
+                   .arg(problem),
+               true, owner);
+}
+
+// The printer a preview starts with: the system's default, else the first one installed.
+QString firstChoicePrinter()
+{
+    if (g_testPrinters)
+        return g_testPrinters->value(0);
+    PrinterAccess *access = printerAccess();
+    if (!access)
+        return QString();
+    const QString name = access->defaultPrinterName();
+    return name.isEmpty() ? access->printerNames().value(0) : name;
 }
 
 } // namespace
@@ -101,11 +155,17 @@ void PrintEngine::setPrintersForTesting(std::optional<QStringList> names)
     g_testPrinters = std::move(names);
 }
 
+void PrintEngine::setPrintModuleForTesting(const QString &name)
+{
+    g_printModule = name;
+}
+
 bool PrintEngine::PrinterAvailableCheck() const
 {
     if (g_testPrinters)
         return !g_testPrinters->isEmpty();
-    return !QPrinterInfo::availablePrinterNames().isEmpty();
+    PrinterAccess *access = printerAccess();
+    return access && !access->printerNames().isEmpty();
 }
 
 QList<PrintEngine::PrinterChoice> PrintEngine::printers() const
@@ -121,8 +181,10 @@ QList<PrintEngine::PrinterChoice> PrintEngine::printers() const
             choices.append({name, caption(name, QString())});
         return choices;
     }
-    for (const QPrinterInfo &printer : QPrinterInfo::availablePrinters())
-        choices.append({printer.printerName(), caption(printer.printerName(), printer.location())});
+    if (PrinterAccess *access = printerAccess()) {
+        for (const PrinterAccess::Printer &printer : access->printers())
+            choices.append({printer.name, caption(printer.name, printer.location)});
+    }
     return choices;
 }
 
@@ -134,7 +196,8 @@ void PrintEngine::setPrinterName(const QString &name)
 QMarginsF PrintEngine::printerEdgeMm()
 {
     const QMarginsF usual(kUsualPrinterEdgeMm, kUsualPrinterEdgeMm, kUsualPrinterEdgeMm, kUsualPrinterEdgeMm);
-    if (m_printerName.isEmpty() || g_testPrinters)
+    PrinterAccess *access = printerAccess();
+    if (m_printerName.isEmpty() || g_testPrinters || !access)
         return usual;
     // Asking a printer for its edge can take a moment: once per printer, paper and orientation.
     const QString key = QStringLiteral("%1|%2|%3|%4x%5")
@@ -145,10 +208,9 @@ QMarginsF PrintEngine::printerEdgeMm()
                             .arg(m_settings.userPaperCm.height());
     if (key == m_edgeKey)
         return m_edgeMm;
-    QPrinter printer(QPrinterInfo::printerInfo(m_printerName), QPrinter::HighResolution);
-    printer.setPageLayout(QPageLayout(PageSizeOfPaper(m_settings.paperCode, m_settings.userPaperMm()),
-                                      m_settings.orientation, QMarginsF()));
-    QPageLayout layout = printer.pageLayout();
+    QPageLayout layout = access->printerPageLayout(
+        m_printerName, QPageLayout(PageSizeOfPaper(m_settings.paperCode, m_settings.userPaperMm()),
+                                   m_settings.orientation, QMarginsF()));
     layout.setUnits(QPageLayout::Millimeter);
     m_edgeMm = layout.minimumMargins();
     if (m_edgeMm.isNull())
@@ -162,11 +224,8 @@ void PrintEngine::PrintPreview(const QTextDocument *document, const QString &fil
     m_document = document;
     m_fileName = fileName;
     m_page = 0;
-    if (m_printerName.isEmpty()) {
-        m_printerName = g_testPrinters ? g_testPrinters->value(0) : QPrinterInfo::defaultPrinterName();
-        if (m_printerName.isEmpty() && !g_testPrinters)
-            m_printerName = QPrinterInfo::availablePrinterNames().value(0);
-    }
+    if (m_printerName.isEmpty())
+        m_printerName = firstChoicePrinter();
     ReviewRefresh();
     showPage(0);
 }
@@ -267,9 +326,9 @@ QRect PrintEngine::PageReposition(const QSize &area, qreal dotsPerMm) const
 {
     const QSize page = pageImageSize(dotsPerMm);
     const int x = page.width() + 2 * kPreviewBorder <= area.width() ? (area.width() - page.width()) / 2
-                                                                   : kPreviewBorder;
+                                                                    : kPreviewBorder;
     const int y = page.height() + 2 * kPreviewBorder <= area.height() ? (area.height() - page.height()) / 2
-                                                                     : kPreviewBorder;
+                                                                      : kPreviewBorder;
     return QRect(QPoint(x, y), page);
 }
 
@@ -289,48 +348,47 @@ bool PrintEngine::hasContent(QWidget *owner) const
 
 bool PrintEngine::PagesPrint(QWidget *owner)
 {
+    if (!g_testPrinters && !printerAccess()) {
+        tellPrintingUnavailable(owner);
+        return false;
+    }
     if (!PrinterAvailableCheck()) {
         ShowInfoMessage(kNoPrinterMessage, QString(), owner);
         return false;
     }
     if (!hasContent(owner))
         return false;
-    QPrinter printer(QPrinterInfo::printerInfo(m_printerName), QPrinter::HighResolution);
-    preparePrinter(printer);
-    QPrintDialog dialog(&printer, owner);
-    dialog.setMinMax(1, m_layout.pageCount());
-    dialog.setOption(QAbstractPrintDialog::PrintPageRange);
-    if (dialog.exec() != QDialog::Accepted)
-        return false;
-    int first = 0;
-    int last = m_layout.pageCount() - 1;
-    if (printer.printRange() == QPrinter::PageRange) {
-        first = printer.fromPage() - 1;
-        last = printer.toPage() - 1;
-    } else if (printer.printRange() == QPrinter::CurrentPage) {
-        first = last = m_page;
-    }
-    return printPages(printer, first, last, owner);
+    return sendPages(QString(), 0, owner);
 }
 
-void PrintEngine::preparePrinter(QPrinter &printer) const
+bool PrintEngine::printToFile(const QString &path, int dotsPerInch, QWidget *owner)
 {
-    // The pages are drawn edge to edge: the layout keeps the margins itself.
-    printer.setFullPage(true);
-    printer.setPageLayout(m_layout.pageLayout());
-    printer.setDocName(m_fileName);
+    if (!hasContent(owner))
+        return false;
+    return sendPages(path, dotsPerInch, owner);
 }
 
-bool PrintEngine::printPages(QPrinter &printer, int first, int last, QWidget *owner)
+bool PrintEngine::sendPages(const QString &pdfFile, int dotsPerInch, QWidget *owner)
 {
-    QProgressDialog progress(tr("Printing..."), tr("Cancel"), 0, last - first + 1, owner);
-    progress.setWindowTitle(tr("Vantora Print"));
-    progress.setMinimumDuration(kProgressDelayMs);
-    if (!m_layout.renderPages(printer, first, last, progressOver(progress))) {
-        printer.abort();
+    PrinterAccess *access = printerAccess();
+    if (!access) {
+        tellPrintingUnavailable(owner);
         return false;
     }
-    return true;
+    PrinterAccess::Job job;
+    job.printerName = pdfFile.isEmpty() ? m_printerName : QString();
+    job.pageLayout = m_layout.pageLayout();
+    job.documentName = m_fileName;
+    job.pageCount = m_layout.pageCount();
+    job.currentPage = m_page;
+    job.pdfFile = pdfFile;
+    job.dotsPerInch = dotsPerInch;
+    return access->print(job, owner, [this, owner](QPagedPaintDevice &device, int first, int last) {
+        QProgressDialog progress(tr("Printing..."), tr("Cancel"), 0, last - first + 1, owner);
+        progress.setWindowTitle(tr("Vantora Print"));
+        progress.setMinimumDuration(kProgressDelayMs);
+        return m_layout.renderPages(device, first, last, progressOver(progress));
+    });
 }
 
 bool PrintEngine::savePdf(const QString &path, QWidget *owner)

@@ -9,7 +9,6 @@
 
 #include <optional>
 
-class QPrinter;
 class QTextDocument;
 class QWidget;
 
@@ -94,17 +93,17 @@ public:
     // Prints every page through the platform's print dialog. Without a printer, or with an
     // empty document, the user is told so and nothing is printed.
     bool PagesPrint(QWidget *owner);
-    // Gives `printer` the paper of the pages, drawn edge to edge.
-    void preparePrinter(QPrinter &printer) const;
-    // Sends pages `first` to `last` (0-based) to a printer set up by preparePrinter(), with a
-    // progress window that can stop it (the printer's job is then abandoned).
-    bool printPages(QPrinter &printer, int first, int last, QWidget *owner);
+    // Sends every page through the printer's own PDF output into `path`, without a dialog, at
+    // `dotsPerInch` (0: the printer's high resolution): what a printer is sent, as a file.
+    bool printToFile(const QString &path, int dotsPerInch, QWidget *owner);
     // Writes the pages as a PDF file (no printer needed). The user is told about an empty
     // document or a failed write; the old file stays whole.
     bool savePdf(const QString &path, QWidget *owner);
 
     // Tests only: the printers to report instead of asking the system (nullopt asks it).
     static void setPrintersForTesting(std::optional<QStringList> names);
+    // Tests only: the name of the module that reaches the printers ("vantora_print").
+    static void setPrintModuleForTesting(const QString &name);
 
 signals:
     void laidOut();
@@ -114,6 +113,10 @@ signals:
 
 private:
     bool hasContent(QWidget *owner) const;
+    // Paints the pages chosen in the print dialog on the chosen printer, or every page into
+    // `pdfFile` when one is given, with a progress window that can stop it. Without the print
+    // module the user is told why nothing can be printed.
+    bool sendPages(const QString &pdfFile, int dotsPerInch, QWidget *owner);
     QMarginsF printerEdgeMm();
     void showPage(int page);
 

@@ -48,7 +48,7 @@ const QList<QStringList> &IncludeLayerCheck::layers()
         {"core"},
         {"themes", "sound"},
         {"time", "calculator", "calendar", "notes", "weather", "webcam", "whiteboard"},
-        {"shell"},
+        {"shell", "print"},
         {"app"},
     };
     // clang-format on

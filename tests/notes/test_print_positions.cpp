@@ -9,7 +9,6 @@
 #include <QAbstractTextDocumentLayout>
 #include <QFile>
 #include <QGuiApplication>
-#include <QPrinter>
 #include <QProcess>
 #include <QRegularExpression>
 #include <QScreen>
@@ -313,13 +312,8 @@ QString TestPrintPositions::printedBy(const QString &route)
     if (route == QLatin1String("saved as PDF")) {
         written = m_engine->savePdf(path, nullptr);
     } else {
-        QPrinter printer(QPrinter::HighResolution);
-        printer.setOutputFormat(QPrinter::PdfFormat);
-        printer.setOutputFileName(path);
-        if (route == QLatin1String("printer at 300 dpi"))
-            printer.setResolution(300);
-        m_engine->preparePrinter(printer);
-        written = m_engine->printPages(printer, 0, m_engine->pageCount() - 1, nullptr);
+        const int dotsPerInch = route == QLatin1String("printer at 300 dpi") ? 300 : 0;
+        written = m_engine->printToFile(path, dotsPerInch, nullptr);
     }
     if (!written || !QFile::exists(path))
         return QString();

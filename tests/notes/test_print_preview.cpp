@@ -4,13 +4,14 @@
 #include "notes/print_engine.h"
 #include "notes/print_paper.h"
 #include "notes/print_preview_window.h"
-#include "themes/message_box.h"
 #include "support/test_home.h"
+#include "themes/message_box.h"
 
 #include <QComboBox>
 #include <QDir>
 #include <QFile>
 #include <QLineEdit>
+#include <QRegularExpression>
 #include <QSignalSpy>
 #include <QTabWidget>
 #include <QTest>
@@ -31,6 +32,20 @@ void fillLines(QTextDocument &document, int count)
     }
 }
 
+// The first page's size in a PDF file, in points, as its media box gives it.
+QSize pdfPageSize(const QString &path)
+{
+    QFile file(path);
+    if (!file.open(QIODevice::ReadOnly))
+        return {};
+    static const QRegularExpression box(
+        QStringLiteral(R"(/MediaBox\s*\[\s*0\s+0\s+([\d.]+)\s+([\d.]+)\s*\])"));
+    const QRegularExpressionMatch match = box.match(QString::fromLatin1(file.readAll()));
+    return match.hasMatch()
+               ? QSize(qRound(match.captured(1).toDouble()), qRound(match.captured(2).toDouble()))
+               : QSize();
+}
+
 } // namespace
 
 // The print engine as the preview drives it (the messages, zoom, turning pages, refreshing)
@@ -49,6 +64,10 @@ private slots:
     void zoomStaysWithinBounds();
     void refreshKeepsThePageOfTheText();
     void pdfNotWrittenOverAFailure();
+    void printingWithoutThePrintModule_data();
+    void printingWithoutThePrintModule();
+    void printedOnThePaperSetUp_data();
+    void printedOnThePaperSetUp();
     void windowShowsTheSetupAsWritten();
     void typedMarginRelaysThePages();
     void editorOpensThePreview();
@@ -56,14 +75,17 @@ private slots:
 private:
     std::unique_ptr<TestHome> m_home;
     QList<int> m_messages;
+    QStringList m_messageTexts;
 };
 
 void TestPrintPreview::init()
 {
     m_home = std::make_unique<TestHome>();
     m_messages.clear();
-    SetMessageResponderForTesting([this](bool, int number, const QString &) {
+    m_messageTexts.clear();
+    SetMessageResponderForTesting([this](bool, int number, const QString &text) {
         m_messages.append(number);
+        m_messageTexts.append(text);
         return int(AnswerCancel);
     });
     PrintEngine::setPrintersForTesting(QStringList());
@@ -72,6 +94,7 @@ void TestPrintPreview::init()
 void TestPrintPreview::cleanup()
 {
     PrintEngine::setPrintersForTesting(std::nullopt);
+    PrintEngine::setPrintModuleForTesting(QStringLiteral("vantora_print"));
     SetMessageResponderForTesting({});
     m_home.reset();
 }
@@ -182,6 +205,99 @@ void TestPrintPreview::pdfNotWrittenOverAFailure()
     QVERIFY(!engine.savePdf(m_home->filePath(QStringLiteral("empty.pdf")), nullptr));
     QCOMPARE(m_messages.last(), 6);
     QVERIFY(!QFile::exists(m_home->filePath(QStringLiteral("empty.pdf"))));
+}
+
+void TestPrintPreview::printingWithoutThePrintModule_data()
+{
+    QTest::addColumn<QString>("module");
+    QTest::addColumn<QString>("action");
+    QTest::addColumn<bool>("written");
+    const QString missing = QStringLiteral("vantora_print_missing");
+    QTest::newRow("print: told why") << missing << "print" << false;
+    QTest::newRow("print to a file: told why") << missing << "print to a file" << false;
+    QTest::newRow("save as PDF: needs no printer") << missing << "save as PDF" << true;
+    QTest::newRow("print to a file through the module") << "vantora_print"
+                                                        << "print to a file" << true;
+}
+
+void TestPrintPreview::printingWithoutThePrintModule()
+{
+    QFETCH(QString, module);
+    QFETCH(QString, action);
+    QFETCH(bool, written);
+    PrintEngine::setPrintersForTesting(std::nullopt);
+    PrintEngine::setPrintModuleForTesting(module);
+    QTextDocument document(QStringLiteral("Some text"));
+    PrintEngine engine;
+    engine.PrintPreview(&document, QStringLiteral("a.rtf"));
+    QCOMPARE(engine.pageCount(), 1);
+    if (module != QLatin1String("vantora_print")) {
+        // As without a printer: nothing listed, nothing chosen, the pages laid out all the same.
+        QVERIFY(!engine.PrinterAvailableCheck());
+        QVERIFY(engine.printers().isEmpty());
+        QCOMPARE(engine.printerName(), QString());
+    }
+
+    const QString target = m_home->filePath(QStringLiteral("out.pdf"));
+    bool done = false;
+    if (action == QLatin1String("print"))
+        done = engine.PagesPrint(nullptr);
+    else if (action == QLatin1String("print to a file"))
+        done = engine.printToFile(target, 0, nullptr);
+    else
+        done = engine.savePdf(target, nullptr);
+    QCOMPARE(done, written);
+    QFile file(target);
+    QCOMPARE(file.open(QIODevice::ReadOnly) && file.readAll().startsWith("%PDF-"), written);
+    if (written) {
+        QVERIFY(m_messages.isEmpty());
+    } else {
+        QCOMPARE(m_messages, QList<int>{0});
+        QVERIFY2(m_messageTexts.value(0).contains(module), qPrintable(m_messageTexts.value(0)));
+    }
+}
+
+void TestPrintPreview::printedOnThePaperSetUp_data()
+{
+    QTest::addColumn<QString>("route");
+    QTest::addColumn<int>("paper");
+    QTest::addColumn<QPageLayout::Orientation>("orientation");
+    QTest::addColumn<QSizeF>("userPaperCm");
+    QTest::addColumn<QSize>("expectedPt");
+    for (const char *route : {"saved as PDF", "printed"}) {
+        const auto row = [route](const char *name, int paper,
+                                 QPageLayout::Orientation orientation) -> QTestData & {
+            return QTest::addRow("%s: %s", route, name) << QString::fromLatin1(route) << paper << orientation;
+        };
+        row("A4", kPaperA4, QPageLayout::Portrait) << QSizeF() << QSize(595, 842);
+        row("A4 across", kPaperA4, QPageLayout::Landscape) << QSizeF() << QSize(842, 595);
+        row("A5", 11, QPageLayout::Portrait) << QSizeF() << QSize(420, 595);
+        row("11 X 17 across", 17, QPageLayout::Landscape) << QSizeF() << QSize(1224, 792);
+        row("user-defined", kPaperUserDefined, QPageLayout::Portrait)
+            << QSizeF(10.0, 15.0) << QSize(283, 425);
+    }
+}
+
+void TestPrintPreview::printedOnThePaperSetUp()
+{
+    QFETCH(QString, route);
+    QFETCH(int, paper);
+    QFETCH(QPageLayout::Orientation, orientation);
+    QFETCH(QSizeF, userPaperCm);
+    QFETCH(QSize, expectedPt);
+    QTextDocument document(QStringLiteral("Some text"));
+    PrintEngine engine;
+    PrintSettings settings = engine.settings();
+    settings.paperCode = paper;
+    settings.orientation = orientation;
+    if (userPaperCm.isValid())
+        settings.userPaperCm = userPaperCm;
+    engine.setSettings(settings);
+    engine.PrintPreview(&document, QStringLiteral("a.rtf"));
+    const QString target = m_home->filePath(QStringLiteral("out.pdf"));
+    const bool printed = route == QLatin1String("printed");
+    QVERIFY(printed ? engine.printToFile(target, 0, nullptr) : engine.savePdf(target, nullptr));
+    QCOMPARE(pdfPageSize(target), expectedPt);
 }
 
 void TestPrintPreview::windowShowsTheSetupAsWritten()

@@ -1,6 +1,6 @@
 #!/usr/bin/env bash
 # Installs the build into a scratch prefix, as the package does, and checks what the desktop
-# reads from it: the program, its sound module, its launcher entry, the icons in every size, the
+# reads from it: the program, its modules, its launcher entry, the icons in every size, the
 # AppStream metadata and the credits. desktop-file-validate and appstreamcli check the two metadata files when they
 # are installed (the README's set-up commands install them).
 #
@@ -25,16 +25,18 @@ for file in bin/vantora "share/applications/$id.desktop" "share/metainfo/$id.met
 done
 [ -x "$prefix/bin/vantora" ] || fail "bin/vantora is not executable"
 
-# The sound module, where the program looks for it, with the entry point it asks for.
-module=$prefix/$module_dir/vantora_sound.so
-if [ -f "$module" ]; then
-  if command -v nm >/dev/null; then
-    nm -D --defined-only "$module" | grep -q ' vantora_create_sound_output$' ||
-      fail "the sound module does not export vantora_create_sound_output"
+# The modules loaded on first use, where the program looks for them, with the entry point it
+# asks for.
+for entry in vantora_sound:vantora_create_sound_output vantora_print:vantora_create_printer_access; do
+  name=${entry%%:*}
+  module=$prefix/$module_dir/$name.so
+  if [ ! -f "$module" ]; then
+    fail "not installed: $module_dir/$name.so"
+  elif command -v nm >/dev/null; then
+    nm -D --defined-only "$module" | grep -q " ${entry#*:}\$" ||
+      fail "the module $name does not export ${entry#*:}"
   fi
-else
-  fail "not installed: $module_dir/vantora_sound.so"
-fi
+done
 
 # Every PNG is the size its folder names (the PNG header holds the width at byte 16).
 for size in 16 22 24 32 48 64 128 256 512; do
