@@ -49,11 +49,12 @@ OleColor GradientRampColor(OleColor color1, OleColor color2, int i, int steps)
     return ComposeColor(RedOf(c1) + i * stepR, GreenOf(c1) + i * stepG, BlueOf(c1) + i * stepB);
 }
 
-bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor color1, OleColor color2)
+QList<GradientLine> GradientLines(const QSize &size, double angle, OleColor color1, OleColor color2)
 {
     angle = NormalizeGradientAngle(angle);
+    QList<GradientLine> lines;
     if (size.width() < 2 || size.height() < 2)
-        return false;
+        return lines;
 
     const int side = qMax(size.width(), size.height());
     const float span = std::sqrt(float(side) * side + float(side) * side);
@@ -62,10 +63,6 @@ bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor 
     const float left = float(centre.x()) - span / 2.0f;
     const float top = float(centre.y()) - span / 2.0f;
     const float lineStep = steps ? span / steps : 0.0f;
-
-    painter.save();
-    painter.setRenderHint(QPainter::Antialiasing, false);
-    painter.setBrush(Qt::NoBrush);
     for (int i = 0; i <= steps; ++i) {
         const float x = left + i * lineStep;
         const QPointF from = RotatePoint(centre, QPointF(x, top), angle);
@@ -74,12 +71,32 @@ bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor 
         if (from == to)
             continue;
         const OleColor c = GradientRampColor(color1, color2, i, steps);
-        QPen pen(QColor(RedOf(c), GreenOf(c), BlueOf(c)), 1, Qt::SolidLine, Qt::FlatCap);
+        lines.append({QLineF(from, to), QColor(RedOf(c), GreenOf(c), BlueOf(c))});
+    }
+    return lines;
+}
+
+void PaintGradientLines(QPainter &painter, const QList<GradientLine> &lines)
+{
+    if (lines.isEmpty())
+        return;
+    painter.save();
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setBrush(Qt::NoBrush);
+    for (const GradientLine &line : lines) {
+        QPen pen(line.color, 1, Qt::SolidLine, Qt::FlatCap);
         pen.setCosmetic(true);
         painter.setPen(pen);
-        painter.drawLine(from, to);
+        painter.drawLine(line.line);
     }
     painter.restore();
+}
+
+bool PaintGradient(QPainter &painter, const QSize &size, double angle, OleColor color1, OleColor color2)
+{
+    if (size.width() < 2 || size.height() < 2)
+        return false;
+    PaintGradientLines(painter, GradientLines(size, angle, color1, color2));
     return true;
 }
 

@@ -2,6 +2,9 @@
 
 #include "themes/theme.h"
 
+#include <QColor>
+#include <QLineF>
+#include <QList>
 #include <QPointF>
 #include <QSize>
 
@@ -32,6 +35,21 @@ QPointF RotatePoint(QPointF centre, QPointF point, double angle);
 // `steps` colour 2); a ramp of 0 steps is colour 1 throughout. System-colour references below 25
 // are resolved from the palette; other references are used as they stand.
 OleColor GradientRampColor(OleColor color1, OleColor color2, int i, int steps);
+
+// One line of the gradient, in its ramp colour.
+struct GradientLine
+{
+    QLineF line;
+    QColor color;
+};
+
+// The lines the gradient paints over a client area of `size` pixels, leaving out those that
+// paint nothing (a line from a point to itself); empty for an area narrower or lower than 2
+// pixels.
+QList<GradientLine> GradientLines(const QSize &size, double angle, OleColor color1, OleColor color2);
+
+// Paints lines from GradientLines() with the painter's origin at the area's top left.
+void PaintGradientLines(QPainter &painter, const QList<GradientLine> &lines);
 
 // Paints the gradient over a client area of `size` pixels (origin at the painter's 0,0), one
 // line per ramp entry. Returns false, painting nothing, when the area is narrower or lower than

@@ -3,6 +3,7 @@
 #include "themes/theme_painter.h"
 
 #include <QEvent>
+#include <QPaintEvent>
 #include <QPainter>
 
 PaintedFrame::PaintedFrame(const QString &objectName, QWidget *parent) : QWidget(parent)
@@ -32,15 +33,18 @@ void PaintedFrame::setBackgroundColor(OleColor color)
 
 QImage PaintedFrame::renderedImage()
 {
-    ensureRendered();
-    return m_cache;
+    const qreal dpr = devicePixelRatioF();
+    QImage image(size() * dpr, QImage::Format_RGB32);
+    image.setDevicePixelRatio(dpr);
+    QPainter painter(&image);
+    paintFrame(painter, rect());
+    return image;
 }
 
-void PaintedFrame::paintEvent(QPaintEvent *)
+void PaintedFrame::paintEvent(QPaintEvent *event)
 {
-    ensureRendered();
-    QPainter p(this);
-    p.drawImage(QPoint(0, 0), m_cache);
+    QPainter painter(this);
+    paintFrame(painter, event->rect());
 }
 
 void PaintedFrame::changeEvent(QEvent *event)
@@ -53,21 +57,27 @@ void PaintedFrame::changeEvent(QEvent *event)
 
 void PaintedFrame::invalidate()
 {
-    m_cacheValid = false;
+    m_linesValid = false;
     update();
 }
 
-void PaintedFrame::ensureRendered()
+void PaintedFrame::ensureLines()
 {
-    const qreal dpr = devicePixelRatioF();
-    const QSize pixels = size() * dpr;
-    if (m_cacheValid && m_cache.size() == pixels && qFuzzyCompare(m_cache.devicePixelRatio(), dpr))
+    if (m_linesValid && m_linesSize == size())
         return;
-    m_cache = QImage(pixels, QImage::Format_RGB32);
-    m_cache.setDevicePixelRatio(dpr);
-    m_cache.fill(ResolveColor(m_background));
     // A frame under 2 pixels keeps its plain background.
-    PaintGradient(m_cache, m_angle, m_start, m_end);
-    m_cacheValid = true;
+    m_lines = GradientLines(size(), m_angle, m_start, m_end);
+    m_linesSize = size();
+    m_linesValid = true;
     ++m_renderCount;
+}
+
+void PaintedFrame::paintFrame(QPainter &painter, const QRect &area)
+{
+    ensureLines();
+    painter.fillRect(area, ResolveColor(m_background));
+    if (m_lines.isEmpty())
+        return;
+    painter.setClipRect(area);
+    PaintGradientLines(painter, m_lines);
 }

@@ -1,13 +1,17 @@
 #pragma once
 
+#include "themes/gradient_painter.h"
 #include "themes/theme.h"
 
 #include <QImage>
 #include <QWidget>
 
 // A rectangle filled with the theme's angled two-colour gradient: the "pfrBAR" and "pfrPANEL"
-// areas of every themed window. The gradient is rendered once into an image and reused until
-// the colours, the angle or the size change.
+// areas of every themed window. The gradient's lines are worked out once and kept until the
+// colours, the angle or the size change; a paint fills the background and draws them. No
+// picture of the whole frame is kept: the lines are few (none at all for the gradients' usual
+// turn, see gradient_painter.h), and an image the size of the window cost its memory, and at
+// the first paint more time to fault in than to paint.
 class PaintedFrame : public QWidget
 {
     Q_OBJECT
@@ -25,7 +29,8 @@ public:
 
     // The frame as it paints itself at its current size (rendered now if not cached).
     QImage renderedImage();
-    // How many times the gradient has been rendered; a repaint from the cache does not count.
+    // How many times the gradient's lines have been worked out; a repaint with the kept ones
+    // does not count.
     int renderCount() const { return m_renderCount; }
 
 protected:
@@ -34,13 +39,15 @@ protected:
 
 private:
     void invalidate();
-    void ensureRendered();
+    void ensureLines();
+    void paintFrame(QPainter &painter, const QRect &area);
 
     int m_angle = 0;
     OleColor m_start = 0;
     OleColor m_end = 0;
     OleColor m_background = 13855252;
-    QImage m_cache;
-    bool m_cacheValid = false;
+    QList<GradientLine> m_lines;
+    QSize m_linesSize;
+    bool m_linesValid = false;
     int m_renderCount = 0;
 };
