@@ -25,16 +25,17 @@ for file in bin/vantora "share/applications/$id.desktop" "share/metainfo/$id.met
 done
 [ -x "$prefix/bin/vantora" ] || fail "bin/vantora is not executable"
 
-# The sound module, where the program looks for it, with the entry point it asks for.
-module=$prefix/$module_dir/vantora_sound.so
-if [ -f "$module" ]; then
-  if command -v nm >/dev/null; then
-    nm -D --defined-only "$module" | grep -q ' vantora_create_sound_output$' ||
-      fail "the sound module does not export vantora_create_sound_output"
+# A module, where the program looks for it, with the entry point it asks for.
+check_module() {
+  local module=$prefix/$module_dir/$1.so
+  if [ ! -f "$module" ]; then
+    fail "not installed: $module_dir/$1.so"
+  elif command -v nm >/dev/null; then
+    nm -D --defined-only "$module" | grep -q " $2\$" || fail "$1.so does not export $2"
   fi
-else
-  fail "not installed: $module_dir/vantora_sound.so"
-fi
+}
+check_module vantora_sound vantora_create_sound_output
+check_module vantora_ical vantora_create_ical_codec
 
 # Every PNG is the size its folder names (the PNG header holds the width at byte 16).
 for size in 16 22 24 32 48 64 128 256 512; do
