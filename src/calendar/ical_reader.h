@@ -12,11 +12,10 @@
 
 // What reads and writes iCalendar text (.ics files).
 //
-// libical, and the ICU libraries under it, live in a module of their own (calendar/ical/) that is
-// loaded when the first calendar file is read or written: linked into the program they cost every
-// start the time to load and relocate them, although most runs never touch such a file. The
-// module includes only this header and makes the objects declared here; the program asks for them
-// through calendar/ical_module.h.
+// libical lives in a module of its own (calendar/ical/) that is loaded when the first calendar
+// file is read or written: linked into the program it costs every start the time to load and
+// relocate it, although most runs never touch such a file. The module includes only this header
+// and makes the objects declared here; the program asks for them through calendar/ical_module.h.
 
 // One event on one day, as a month page shows it.
 struct IcalOccurrence
