@@ -1,32 +1,23 @@
 #pragma once
 
+#include "calendar/ical_reader.h"
+
 #include <QByteArray>
 #include <QDate>
 #include <QList>
 #include <QString>
-#include <QTime>
 #include <QTimeZone>
 
 #include <memory>
-
-// One event on one day, as a month page shows it.
-struct IcalOccurrence
-{
-    QDate date;
-    QTime time; // invalid for a whole-day event
-    QString summary;
-
-    bool isAllDay() const { return !time.isValid(); }
-    bool operator==(const IcalOccurrence &other) const = default;
-};
 
 // An iCalendar file (.ics) read for showing: its events, whole-day and timed, with their
 // recurrences (RRULE, RDATE, EXDATE and moved instances), in the time zones the file names
 // (its own VTIMEZONE blocks, else the system's zone database).
 //
-// Reading is done by libical; nothing of it shows outside this class. A file is read whole or
-// not at all: one that libical cannot make sense of, or with an event that has no start, is
-// refused with a message that says what is wrong.
+// Reading is done by libical, in a module loaded with the first file (see calendar/ical_reader.h).
+// A file is read whole or not at all: one that libical cannot make sense of, or with an event
+// that has no start, is refused with a message that says what is wrong; so is every file when
+// the module cannot be loaded.
 //
 // Recurrences are not expanded when the file is read but for the days asked for, and the answer
 // for a range is kept, so that turning back to a month costs nothing. Copies share the events

@@ -14,8 +14,10 @@
 class IcsNoteWriter
 {
 public:
-    // The file's bytes; `stamp` is the DTSTAMP of every event (the time of the export).
-    static QByteArray toIcs(const QMap<QDate, QString> &notes, const QDateTime &stamp);
+    // The file's bytes; `stamp` is the DTSTAMP of every event (the time of the export). Empty,
+    // with *error for the user, when the iCalendar module cannot be loaded.
+    static QByteArray toIcs(const QMap<QDate, QString> &notes, const QDateTime &stamp,
+                            QString *error = nullptr);
     // The UID of a day's event.
     static QString uidFor(const QDate &date);
     // Writes the file whole or not at all (QSaveFile). False, with *error for the user, on failure;

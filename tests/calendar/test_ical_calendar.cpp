@@ -2,9 +2,11 @@
 // from the file and from the system, yearly, monthly and weekly recurrences with exceptions,
 // and files that cannot be read.
 #include "calendar/ical_calendar.h"
+#include "calendar/ical_module.h"
 #include "calendar_test_data.h"
 
 #include <QFile>
+#include <QScopeGuard>
 #include <QTest>
 
 namespace {
@@ -113,27 +115,44 @@ void TestIcalCalendar::unreadableFilesAreRefusedWithAReason_data()
 {
     QTest::addColumn<QByteArray>("bytes");
     QTest::addColumn<QString>("reasonContains");
-    QTest::newRow("half-written file") << calendarDataFile(QStringLiteral("malformed.ics")) << "cut off";
+    QTest::addColumn<QString>("module"); // empty: the program's own
+    QTest::newRow("half-written file") << calendarDataFile(QStringLiteral("malformed.ics")) << "cut off"
+                                       << "";
     QTest::newRow("unreadable start")
         << QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:x\r\nDTSTART:next Friday\r\n"
                       "SUMMARY:Dinner\r\nEND:VEVENT\r\nEND:VCALENDAR\r\n")
-        << "event 1 (\"Dinner\")";
+        << "event 1 (\"Dinner\")"
+        << "";
     QTest::newRow("blocks crossed")
         << QByteArray("BEGIN:VCALENDAR\r\nBEGIN:VEVENT\r\nDTSTART:20261101\r\nEND:VCALENDAR\r\n"
                       "END:VEVENT\r\n")
-        << "Line 4";
-    QTest::newRow("empty") << QByteArray("\r\n") << "empty";
-    QTest::newRow("a picture") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << "BEGIN:VCALENDAR";
+        << "Line 4"
+        << "";
+    QTest::newRow("empty") << QByteArray("\r\n") << "empty"
+                           << "";
+    QTest::newRow("a picture") << QByteArray("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16) << "BEGIN:VCALENDAR"
+                               << "";
     QTest::newRow("event without a start")
         << QByteArray("BEGIN:VCALENDAR\r\nVERSION:2.0\r\nBEGIN:VEVENT\r\nUID:x\r\nSUMMARY:Lunch\r\n"
                       "END:VEVENT\r\nEND:VCALENDAR\r\n")
-        << "DTSTART";
+        << "DTSTART"
+        << "";
+    QTest::newRow("no iCalendar module")
+        << calendarDataFile(QStringLiteral("birthdays.ics"))
+        << "iCalendar files cannot be read: the module vantora_missing was not found"
+        << "vantora_missing";
+    QTest::newRow("no iCalendar module, and no calendar either")
+        << QByteArray("Dear diary,\r\n") << "no BEGIN:VCALENDAR"
+        << "vantora_missing";
 }
 
 void TestIcalCalendar::unreadableFilesAreRefusedWithAReason()
 {
     QFETCH(QByteArray, bytes);
     QFETCH(QString, reasonContains);
+    QFETCH(QString, module);
+    SetIcalModuleName(module);
+    const auto ownModule = qScopeGuard([] { SetIcalModuleName({}); });
     QString error;
     const IcalCalendar calendar = IcalCalendar::fromBytes(bytes, &error);
     QVERIFY(calendar.isNull());

@@ -3,6 +3,7 @@
 // chosen span of months is what is written.
 #include "calendar/calendar_store.h"
 #include "calendar/ical_calendar.h"
+#include "calendar/ical_module.h"
 #include "calendar/ics_note_writer.h"
 #include "support/test_home.h"
 
@@ -12,6 +13,7 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QProcess>
+#include <QScopeGuard>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 #include <QTest>
@@ -90,6 +92,7 @@ private slots:
     void ourReaderFindsTheSameDays();
     void aSecondExportNamesTheSameEvents();
     void linesStayWithinTheLengthLimit();
+    void aFailedWriteSaysWhyAndLeavesNothing_data();
     void aFailedWriteSaysWhyAndLeavesNothing();
     void theChosenSpanIsExported_data();
     void theChosenSpanIsExported();
@@ -179,18 +182,38 @@ void TestIcsNoteWriter::linesStayWithinTheLengthLimit()
     }
 }
 
+void TestIcsNoteWriter::aFailedWriteSaysWhyAndLeavesNothing_data()
+{
+    QTest::addColumn<QString>("target"); // below the temporary folder, which holds "plain file"
+    QTest::addColumn<QString>("module"); // empty: the program's own
+    QTest::addColumn<QString>("saysContains");
+    QTest::newRow("a plain file in the way") << "plain file/notes.ics"
+                                             << ""
+                                             << "notes.ics";
+    QTest::newRow("no iCalendar module") << "plain file"
+                                         << "vantora_missing"
+                                         << "iCalendar files cannot be written: the module vantora_missing";
+}
+
 void TestIcsNoteWriter::aFailedWriteSaysWhyAndLeavesNothing()
 {
+    QFETCH(QString, target);
+    QFETCH(QString, module);
+    QFETCH(QString, saysContains);
     QTemporaryDir dir;
-    const QString notAFolder = dir.filePath(QStringLiteral("plain file"));
-    QFile blocker(notAFolder);
+    QFile blocker(dir.filePath(QStringLiteral("plain file")));
     QVERIFY(blocker.open(QIODevice::WriteOnly));
+    blocker.write("an earlier export");
     blocker.close();
+    SetIcalModuleName(module);
+    const auto ownModule = qScopeGuard([] { SetIcalModuleName({}); });
     QString error;
-    QVERIFY(!IcsNoteWriter::write(notAFolder + QStringLiteral("/notes.ics"),
-                                  sampleNotes(QStringLiteral("plain")), kStamp, &error));
-    QVERIFY2(error.contains(QStringLiteral("notes.ics")), qPrintable(error));
+    QVERIFY(
+        !IcsNoteWriter::write(dir.filePath(target), sampleNotes(QStringLiteral("plain")), kStamp, &error));
+    QVERIFY2(error.contains(saysContains), qPrintable(error));
     QCOMPARE(QDir(dir.path()).entryList(QDir::Files | QDir::NoDotAndDotDot), QStringList{"plain file"});
+    QVERIFY(blocker.open(QIODevice::ReadOnly));
+    QCOMPARE(blocker.readAll(), QByteArray("an earlier export"));
 }
 
 void TestIcsNoteWriter::theChosenSpanIsExported_data()

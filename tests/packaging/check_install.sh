@@ -1,8 +1,8 @@
 #!/usr/bin/env bash
 # Installs the build into a scratch prefix, as the package does, and checks what the desktop
 # reads from it: the program, its modules, its launcher entry, the icons in every size, the
-# AppStream metadata and the credits. desktop-file-validate and appstreamcli check the two metadata files when they
-# are installed (the README's set-up commands install them).
+# AppStream metadata and the credits. desktop-file-validate and appstreamcli check the two
+# metadata files when they are installed (the README's set-up commands install them).
 #
 #   check_install.sh BUILD_FOLDER MODULE_FOLDER (the modules' folder under the prefix)
 set -euo pipefail
@@ -25,18 +25,18 @@ for file in bin/vantora "share/applications/$id.desktop" "share/metainfo/$id.met
 done
 [ -x "$prefix/bin/vantora" ] || fail "bin/vantora is not executable"
 
-# The modules loaded on first use, where the program looks for them, with the entry point it
-# asks for.
-for entry in vantora_sound:vantora_create_sound_output vantora_print:vantora_create_printer_access; do
-  name=${entry%%:*}
-  module=$prefix/$module_dir/$name.so
+# A module, where the program looks for it, with the entry point it asks for.
+check_module() {
+  local module=$prefix/$module_dir/$1.so
   if [ ! -f "$module" ]; then
-    fail "not installed: $module_dir/$name.so"
+    fail "not installed: $module_dir/$1.so"
   elif command -v nm >/dev/null; then
-    nm -D --defined-only "$module" | grep -q " ${entry#*:}\$" ||
-      fail "the module $name does not export ${entry#*:}"
+    nm -D --defined-only "$module" | grep -q " $2\$" || fail "$1.so does not export $2"
   fi
-done
+}
+check_module vantora_sound vantora_create_sound_output
+check_module vantora_print vantora_create_printer_access
+check_module vantora_ical vantora_create_ical_codec
 
 # Every PNG is the size its folder names (the PNG header holds the width at byte 16).
 for size in 16 22 24 32 48 64 128 256 512; do
