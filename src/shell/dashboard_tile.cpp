@@ -1,8 +1,8 @@
 #include "shell/dashboard_tile.h"
 
-#include "core/widget_index.h"
 #include "core/clock_source.h"
 #include "core/shipped_data.h"
+#include "core/widget_index.h"
 #include "themes/widget_glyphs.h"
 #include "weather/forecast_painter.h"
 #include "weather/weather_settings.h"
@@ -11,6 +11,60 @@
 #include <QKeyEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QPixmapCache>
+
+namespace {
+
+// How a tile's rounded box is drawn; an invalid focus ring colour for none.
+struct TileBoxLook
+{
+    QColor fill;
+    QColor border;
+    qreal borderWidth = 1.0;
+    QColor focusRing;
+};
+
+// The box (fill, border, focus ring) over a tile of `size`.
+QPixmap tileBox(const QSize &size, qreal devicePixelRatio, qreal radius, const TileBoxLook &look)
+{
+    // Drawn once per look and shared by the tiles: Qt splits the antialiased fill of a shape this
+    // tall across its thread pool, and nine tiles drawing theirs at every paint cost more in
+    // threads waking than in painting.
+    const QString key = QStringLiteral("vantora-tile:%1x%2@%3:%4:%5:%6:%7:%8")
+                            .arg(size.width())
+                            .arg(size.height())
+                            .arg(devicePixelRatio)
+                            .arg(radius)
+                            .arg(look.fill.rgba(), 0, 16)
+                            .arg(look.border.rgba(), 0, 16)
+                            .arg(look.borderWidth)
+                            .arg(look.focusRing.isValid() ? look.focusRing.rgba() : 0u, 0, 16);
+    QPixmap pixmap;
+    if (QPixmapCache::find(key, &pixmap))
+        return pixmap;
+    QImage image(size * devicePixelRatio, QImage::Format_ARGB32_Premultiplied);
+    image.setDevicePixelRatio(devicePixelRatio);
+    image.fill(Qt::transparent);
+    QPainter p(&image);
+    p.setRenderHint(QPainter::Antialiasing);
+    const QRectF box = QRectF(QPointF(0, 0), QSizeF(size)).adjusted(2, 2, -2, -2);
+    QPen border(look.border);
+    border.setWidthF(look.borderWidth);
+    p.setPen(border);
+    p.setBrush(look.fill);
+    p.drawRoundedRect(box, radius, radius);
+    if (look.focusRing.isValid()) {
+        p.setPen(QPen(look.focusRing, 1, Qt::DotLine));
+        p.setBrush(Qt::NoBrush);
+        p.drawRoundedRect(box.adjusted(4, 4, -4, -4), radius * 0.7, radius * 0.7);
+    }
+    p.end();
+    pixmap = QPixmap::fromImage(std::move(image));
+    QPixmapCache::insert(key, pixmap);
+    return pixmap;
+}
+
+} // namespace
 
 DashboardTile::DashboardTile(int widgetIndex, QWidget *parent) : QAbstractButton(parent), m_index(widgetIndex)
 {
@@ -23,7 +77,8 @@ DashboardTile::DashboardTile(int widgetIndex, QWidget *parent) : QAbstractButton
     updateDescription();
     // The weather's tile shows the days ahead in brief once there is a forecast.
     if (m_index == WidgetWeather)
-        connect(WeatherStation::shared(), &WeatherStation::forecastChanged, this, qOverload<>(&QWidget::update));
+        connect(WeatherStation::shared(), &WeatherStation::forecastChanged, this,
+                qOverload<>(&QWidget::update));
     // A click that is not the mouse's (a screen reader's press) opens or closes the widget;
     // the mouse's single click only selects the tile.
     connect(this, &QAbstractButton::clicked, this, [this] {
@@ -143,17 +198,12 @@ void DashboardTile::paintEvent(QPaintEvent *)
     qreal fillAlpha = m_hovered && m_available ? 0.14 : 0.07;
     if (m_open)
         fillAlpha += 0.16;
-    QPen border(m_selected ? ink(1.0) : ink(0.25));
-    border.setWidthF(m_selected ? 2.0 : 1.0);
-    p.setPen(border);
-    p.setBrush(ink(fillAlpha));
-    p.drawRoundedRect(box, radius, radius);
-
-    if (hasFocus()) {
-        p.setPen(QPen(ink(0.8), 1, Qt::DotLine));
-        p.setBrush(Qt::NoBrush);
-        p.drawRoundedRect(box.adjusted(4, 4, -4, -4), radius * 0.7, radius * 0.7);
-    }
+    TileBoxLook look;
+    look.fill = ink(fillAlpha);
+    look.border = m_selected ? ink(1.0) : ink(0.25);
+    look.borderWidth = m_selected ? 2.0 : 1.0;
+    look.focusRing = hasFocus() ? ink(0.8) : QColor();
+    p.drawPixmap(0, 0, tileBox(size(), devicePixelRatioF(), radius, look));
 
     const QColor content = ink(m_available ? 1.0 : 0.35);
     // A detail line takes room from the picture.
