@@ -54,6 +54,13 @@ measure() {
     VANTORA_HOME=$home VANTORA_OFFLINE=1 XDG_RUNTIME_DIR=$runtime QT_QPA_PLATFORM=xcb "$build/bin/first_map_timer" $1
 }
 
+# Processor time the host took from this machine while the runs went on (a virtual machine's
+# steal time, from /proc/stat): a busy host slows the programs unevenly, and the ratios of such
+# a run vary more than usual.
+steal_ticks() { awk '/^cpu / {print $9}' /proc/stat 2>/dev/null || echo 0; }
+steal_before=$(steal_ticks)
+started_at=$SECONDS
+
 declare -A results
 failed=0
 # One untimed start of each fills the file cache and lets the program lay out its data folder.
@@ -107,3 +114,9 @@ for name in "--open calculator" "--open clock"; do
     }'
 done
 ((failed == 0)) || echo "$failed launches painted nothing within 10 s and were left out."
+awk -v ticks="$(($(steal_ticks) - steal_before))" -v hz="$(getconf CLK_TCK)" -v cpus="$(nproc)" \
+    -v seconds="$((SECONDS - started_at))" 'BEGIN {
+    share = seconds > 0 ? 100 * ticks / hz / (seconds * cpus) : 0
+    printf "time the host took from this machine (steal) during the runs: %.1f s of %d s on %d processors (%.1f %%)%s\n",
+        ticks / hz, seconds, cpus, share, (share > 2) ? ": a busy host, the ratios vary more than usual" : ""
+}'
