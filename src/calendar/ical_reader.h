@@ -68,4 +68,3 @@ public:
 
 // The module's one entry point, looked up by this name: IcalCodec *vantora_create_ical_codec().
 inline constexpr char kIcalModuleEntry[] = "vantora_create_ical_codec";
-using CreateIcalCodec = IcalCodec *(*)();

@@ -8,17 +8,19 @@
 #define VANTORA_MODULE_DIR_FROM_BIN "../lib/vantora"
 #endif
 
-QStringList ProgramModuleCandidates(const QString &name)
+namespace {
+QStringList candidates(const QString &name)
 {
     const QDir programDir(QCoreApplication::applicationDirPath());
     return {programDir.filePath(name),
             QDir::cleanPath(programDir.filePath(QStringLiteral(VANTORA_MODULE_DIR_FROM_BIN "/") + name))};
 }
+} // namespace
 
 void *ResolveProgramModule(const QString &name, const char *entry, QString *problem)
 {
     QStringList tried;
-    for (const QString &candidate : ProgramModuleCandidates(name)) {
+    for (const QString &candidate : candidates(name)) {
         QLibrary module(candidate);
         // Never unloaded: the objects it makes live as long as the program.
         if (void *address = reinterpret_cast<void *>(module.resolve(entry)))

@@ -10,12 +10,11 @@ Q_LOGGING_CATEGORY(lcSound, "vantora.sound", QtWarningMsg)
 SoundOutput *load()
 {
     QString problem;
-    const auto create = reinterpret_cast<CreateSoundOutput>(
-        ResolveProgramModule(QStringLiteral("vantora_sound"), kSoundModuleEntry, &problem));
-    if (create)
-        return create();
-    qCWarning(lcSound, "No sounds can play: %s", qUtf8Printable(problem));
-    return nullptr;
+    SoundOutput *output =
+        ProgramModuleObject<SoundOutput>(QStringLiteral("vantora_sound"), kSoundModuleEntry, &problem);
+    if (!output)
+        qCWarning(lcSound, "No sounds can play: %s", qUtf8Printable(problem));
+    return output;
 }
 } // namespace
 

@@ -19,7 +19,6 @@ public:
 
 // The module's one entry point, looked up by this name: SoundOutput *vantora_create_sound_output().
 inline constexpr char kSoundModuleEntry[] = "vantora_create_sound_output";
-using CreateSoundOutput = SoundOutput *(*)();
 
 // The output of this run, the module loaded on the first call. Null when it cannot be loaded;
 // a warning says why, once.

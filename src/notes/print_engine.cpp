@@ -11,8 +11,6 @@
 #include <QBuffer>
 #include <QDir>
 #include <QFileInfo>
-#include <QHash>
-#include <QLoggingCategory>
 #include <QProgressDialog>
 #include <QRegularExpression>
 #include <QTextDocument>
@@ -27,8 +25,6 @@ constexpr qreal kUsualPrinterEdgeMm = 6.35;
 constexpr int kPreviewBorder = 16;
 // Progress shows for printing that takes longer than this, in milliseconds.
 constexpr int kProgressDelayMs = 400;
-
-Q_LOGGING_CATEGORY(lcPrint, "vantora.print", QtWarningMsg)
 
 std::optional<QStringList> g_testPrinters;
 QString g_printModule = QStringLiteral("vantora_print");
@@ -47,32 +43,11 @@ PrintLayout::Progress progressOver(QProgressDialog &dialog)
     };
 }
 
-struct LoadedPrintModule
-{
-    PrinterAccess *access = nullptr;
-    QString problem;
-};
-
 // The system's printers, the print module loaded on the first call. Null when it cannot be
 // loaded; *problem then says why.
 PrinterAccess *printerAccess(QString *problem = nullptr)
 {
-    // Loaded once and kept to the end of the run, like the module itself.
-    static QHash<QString, LoadedPrintModule> loaded;
-    auto module = loaded.find(g_printModule);
-    if (module == loaded.end()) {
-        LoadedPrintModule found;
-        const auto create = reinterpret_cast<CreatePrinterAccess>(
-            ResolveProgramModule(g_printModule, kPrintModuleEntry, &found.problem));
-        if (create)
-            found.access = create();
-        else
-            qCWarning(lcPrint, "Nothing can be printed: %s", qUtf8Printable(found.problem));
-        module = loaded.insert(g_printModule, found);
-    }
-    if (problem)
-        *problem = module->problem;
-    return module->access;
+    return ProgramModuleObject<PrinterAccess>(g_printModule, kPrintModuleEntry, problem);
 }
 
 void tellPrintingUnavailable(QWidget *owner)

@@ -61,4 +61,3 @@ public:
 
 // The module's one entry point, looked up by this name: PrinterAccess *vantora_create_printer_access().
 inline constexpr char kPrintModuleEntry[] = "vantora_create_printer_access";
-using CreatePrinterAccess = PrinterAccess *(*)();
