@@ -171,8 +171,10 @@ void PrintEngine::setPrinterName(const QString &name)
 QMarginsF PrintEngine::printerEdgeMm()
 {
     const QMarginsF usual(kUsualPrinterEdgeMm, kUsualPrinterEdgeMm, kUsualPrinterEdgeMm, kUsualPrinterEdgeMm);
+    if (m_printerName.isEmpty() || g_testPrinters)
+        return usual;
     PrinterAccess *access = printerAccess();
-    if (m_printerName.isEmpty() || g_testPrinters || !access)
+    if (!access)
         return usual;
     // Asking a printer for its edge can take a moment: once per printer, paper and orientation.
     const QString key = QStringLiteral("%1|%2|%3|%4x%5")
