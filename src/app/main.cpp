@@ -4,7 +4,7 @@
 #include "shell/command_line.h"
 #include "shell/program_icon.h"
 #include "shell/single_instance.h"
-#include "themes/deferred_icon_style.h"
+#include "themes/program_style.h"
 
 #include <QApplication>
 #include <QDir>
@@ -167,7 +167,7 @@ int main(int argc, char *argv[])
         qunsetenv("QT_XCB_NO_MITSHM");
     qCDebug(lcMain, "window system: %s", qPrintable(QGuiApplication::platformName()));
     StartupTrace::mark("application object made");
-    QApplication::setStyle(new DeferredIconStyle);
+    QApplication::setStyle(new ProgramStyle);
     QGuiApplication::setDesktopFileName(QStringLiteral("io.vantora.Vantora"));
     QApplication::setWindowIcon(ProgramIcon::forWindows());
     QString listenProblem;

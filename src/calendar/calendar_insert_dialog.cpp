@@ -5,8 +5,6 @@
 #include "core/settings_store.h"
 #include "themes/message_box.h"
 #include "themes/panel_tool_style.h"
-#include "themes/theme.h"
-#include "themes/theme_painter.h"
 
 #include <QButtonGroup>
 #include <QDir>
@@ -335,9 +333,9 @@ void CalendarInsertDialog::ThemeElementsUpdate()
 
 void CalendarInsertDialog::styleStickerGrid()
 {
-    // Flat sticker buttons, the chosen one tinted in the panel's text colour: the desktop's
-    // raised buttons would hide the stickers' colours behind their own.
-    const QColor text = ResolveColor(CurrentTheme().PanelColor);
-    m_grid->setStyleSheet(PanelToolStyleSheet(text, palette()) +
-                          QStringLiteral("QToolButton:focus { border-color: %1; }").arg(text.name()));
+    // Flat sticker buttons, the chosen one tinted in the panel's text colour and the one with
+    // the focus framed in it: the desktop's raised buttons would hide the stickers' colours
+    // behind their own.
+    PreparePanelTools(m_grid);
+    m_grid->update();
 }

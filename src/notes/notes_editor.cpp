@@ -82,6 +82,7 @@ NotesEditor::NotesEditor(QWidget *parent)
     , m_spell(SpellChecker::shared())
 {
     setAcceptDrops(true);
+    PreparePanelTools(panel());
     m_title = AddBarTitle(bar());
     m_commands = new QWidget(panel());
     buildCommandRow(m_commands);

@@ -5,8 +5,6 @@
 #include "notes/print_setup_tabs.h"
 #include "themes/painted_frame.h"
 #include "themes/panel_tool_style.h"
-#include "themes/theme.h"
-#include "themes/theme_painter.h"
 
 #include <QComboBox>
 #include <QDir>
@@ -200,7 +198,8 @@ QToolButton *PrintPreviewWindow::addCommand(const QString &name, const QString &
 void PrintPreviewWindow::ThemeElementsUpdate()
 {
     ThemedDialog::ThemeElementsUpdate();
-    panel()->setStyleSheet(PanelToolStyleSheet(ResolveColor(CurrentTheme().PanelColor), palette()));
+    PreparePanelTools(panel());
+    panel()->update();
 }
 
 void PrintPreviewWindow::showPageNumbers(int page, int count)

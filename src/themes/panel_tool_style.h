@@ -6,22 +6,21 @@
 
 class QColor;
 class QLabel;
-class QPalette;
 class QToolButton;
 class QVBoxLayout;
 class QWidget;
-
-// The style of tool buttons, tabs and labels on a painted panel (the notes editor, the
-// whiteboard): flat buttons tinted with the panel's text colour `text` under the mouse and when
-// switched on, so they read on light and dark themes alike; labels in `text`. The chosen tab
-// takes the colours of `page`, so it reads as the front of that page.
-QString PanelToolStyleSheet(const QColor &text, const QPalette &page);
 
 // A flat command button ("New", "Save") added to the layout of `row`, a row of such buttons on
 // a painted panel, that runs `action` when clicked: reached with Tab but not taking the focus
 // from the page when clicked.
 QToolButton *AddPanelCommand(QWidget *row, const QString &name, const QString &caption,
                              const QString &toolTip, const std::function<void()> &action);
+
+// Gives the tools under `panel` the program's look for tools on a painted panel (ProgramStyle):
+// flat buttons tinted with the panel's text colour under the mouse and when switched on, so
+// they read on light and dark themes alike; tabs tinted the same way, the chosen one in the
+// colours of the page it fronts.
+void PreparePanelTools(QWidget *panel);
 
 // The theme of a window whose panel holds such tools (the notes editor, the whiteboard, the
 // calendar): its bar title in the bar's font, bold, and the panel's tools and labels in the
