@@ -12,6 +12,7 @@
 #include "time/clock_settings_dialog.h"
 #include "time/font_fit.h"
 #include "time/hover_check.h"
+#include "time/ticking_label.h"
 
 #include <QFontMetricsF>
 #include <QLabel>
@@ -26,8 +27,9 @@ constexpr double kSideScale = 0.36;
 
 QLabel *panelLabel(const QString &name, QWidget *parent)
 {
-    auto *label = new QLabel(parent);
+    auto *label = new TickingLabel(parent);
     label->setObjectName(name);
+    label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignLeft | Qt::AlignTop);
     label->setAttribute(Qt::WA_TransparentForMouseEvents); // the panel drags the window
     return label;
