@@ -40,7 +40,9 @@ void TickingLabel::paintEvent(QPaintEvent *event)
         return;
     }
     QPainter painter(this);
-    painter.setPen(palette().color(isEnabled() ? QPalette::Active : QPalette::Disabled, foregroundRole()));
+    // palette() answers in the colours of the label's state (off, in a window behind others),
+    // as QLabel draws it.
+    painter.setPen(palette().color(foregroundRole()));
     painter.drawStaticText(contentsRect().topLeft(), laidOut(text()));
 }
 
