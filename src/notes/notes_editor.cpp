@@ -82,7 +82,6 @@ NotesEditor::NotesEditor(QWidget *parent)
     , m_spell(SpellChecker::shared())
 {
     setAcceptDrops(true);
-    PreparePanelTools(panel());
     m_title = AddBarTitle(bar());
     m_commands = new QWidget(panel());
     buildCommandRow(m_commands);
