@@ -2,6 +2,7 @@
 
 #include <QDateTime>
 #include <QDir>
+#include <QDirIterator>
 #include <QFile>
 #include <QFileInfo>
 #include <QTemporaryFile>
@@ -27,6 +28,21 @@ QString fileToReplace(const QString &path)
     if (!info.isSymLink())
         return info.absoluteFilePath();
     return QFileInfo(info.symLinkTarget()).absoluteFilePath();
+}
+
+// Whether `name` is one of the temporary files made for the file named `target`:
+// "<target>.XXXXXX.tmp", as TemporaryFilePattern() matches it.
+bool isTemporaryFileOf(QStringView name, QStringView target)
+{
+    constexpr qsizetype kRandomLength = 6; // QTemporaryFile's XXXXXX
+    constexpr QStringView kSuffix = u".tmp";
+#ifdef Q_OS_WIN
+    constexpr Qt::CaseSensitivity kCase = Qt::CaseInsensitive;
+#else
+    constexpr Qt::CaseSensitivity kCase = Qt::CaseSensitive;
+#endif
+    return name.size() == target.size() + 1 + kRandomLength + kSuffix.size() && name.startsWith(target, kCase)
+           && name[target.size()] == QLatin1Char('.') && name.endsWith(kSuffix, kCase);
 }
 
 // Asks the system to put the file's data on the disk before the rename makes it the file:
@@ -119,12 +135,17 @@ bool WriteFileSafely(const QString &path, const QByteArray &bytes, QString *erro
 int RemoveStaleTemporaryFiles(const QString &path, int minimumAgeSeconds)
 {
     const QFileInfo info(fileToReplace(path));
-    const QDir folder = info.absoluteDir();
+    const QString target = info.fileName();
     const QDateTime cutOff = QDateTime::currentDateTimeUtc().addSecs(-minimumAgeSeconds);
     int removed = 0;
-    const QFileInfoList candidates =
-        folder.entryInfoList({TemporaryFilePattern(info.filePath())}, QDir::Files | QDir::Hidden);
-    for (const QFileInfo &candidate : candidates) {
+    // Unsorted, and the names compared by hand: a wildcard filter would compile a regular
+    // expression, and the settings file runs this on every start.
+    QDirIterator entries(info.absolutePath(), QDir::Files | QDir::Hidden);
+    while (entries.hasNext()) {
+        entries.next();
+        if (!isTemporaryFileOf(entries.fileName(), target))
+            continue;
+        const QFileInfo candidate = entries.fileInfo();
         if (candidate.lastModified().toUTC() <= cutOff && QFile::remove(candidate.absoluteFilePath()))
             ++removed;
     }

@@ -386,11 +386,19 @@ void TestRegFileBackend::staleTemporaryFilesAreRemoved()
     makeFile(QStringLiteral("settings.reg.Xy34Zw.tmp"), {});          // a save running now
     makeFile(QStringLiteral("settings.reg.damaged"), twoHoursAgo);
     makeFile(QStringLiteral("notes.rtf.Ab12Cd.tmp"), twoHoursAgo); // another file's
+    // Old, but not the name of a temporary file of the settings: kept.
+    const QStringList lookAlikes = {"settings.reg.Ab12C.tmp", "settings.reg.Ab12Cde.tmp", "xsettings.reg.Ab12Cd.tmp",
+                                    "settings.reg.Ab12Cd.tmp.bak", "settings.reg-Ab12Cd.tmp", "settings.reg.Ab12Cd.tmq"};
+    for (const QString &name : lookAlikes)
+        makeFile(name, twoHoursAgo);
+    makeFile(QStringLiteral(".settings.reg.Ab12Cd.tmp"), twoHoursAgo);
     RegFileBackend backend(path);
-    QStringList left = QDir(home.path()).entryList(QDir::Files);
+    QStringList left = QDir(home.path()).entryList(QDir::Files | QDir::Hidden);
+    QStringList expected = lookAlikes + QStringList({".settings.reg.Ab12Cd.tmp", "notes.rtf.Ab12Cd.tmp", "settings.reg",
+                                                     "settings.reg.Xy34Zw.tmp", "settings.reg.damaged"});
     left.sort();
-    QCOMPARE(left, QStringList({"notes.rtf.Ab12Cd.tmp", "settings.reg", "settings.reg.Xy34Zw.tmp",
-                                "settings.reg.damaged"}));
+    expected.sort();
+    QCOMPARE(left, expected);
 }
 
 void TestRegFileBackend::twoRunningCopiesKeepEachOthersValues()
