@@ -30,19 +30,27 @@ QString fileToReplace(const QString &path)
     return QFileInfo(info.symLinkTarget()).absoluteFilePath();
 }
 
-// Whether `name` is one of the temporary files made for the file named `target`:
-// "<target>.XXXXXX.tmp", as TemporaryFilePattern() matches it.
+// A temporary file's name is "<target>.XXXXXX.tmp", the Xs made random by QTemporaryFile.
+constexpr qsizetype kRandomLength = 6;
+constexpr QLatin1StringView kTemporarySuffix(".tmp");
+
+QString temporaryName(const QString &target, QChar randomPart)
+{
+    return target + QLatin1Char('.') + QString(kRandomLength, randomPart) + kTemporarySuffix;
+}
+
+// Whether `name` is one of the temporary files made for the file named `target`, as
+// TemporaryFilePattern() matches it.
 bool isTemporaryFileOf(QStringView name, QStringView target)
 {
-    constexpr qsizetype kRandomLength = 6; // QTemporaryFile's XXXXXX
-    constexpr QStringView kSuffix = u".tmp";
 #ifdef Q_OS_WIN
     constexpr Qt::CaseSensitivity kCase = Qt::CaseInsensitive;
 #else
     constexpr Qt::CaseSensitivity kCase = Qt::CaseSensitive;
 #endif
-    return name.size() == target.size() + 1 + kRandomLength + kSuffix.size() && name.startsWith(target, kCase)
-           && name[target.size()] == QLatin1Char('.') && name.endsWith(kSuffix, kCase);
+    return name.size() == target.size() + 1 + kRandomLength + kTemporarySuffix.size()
+           && name.startsWith(target, kCase) && name[target.size()] == QLatin1Char('.')
+           && name.endsWith(kTemporarySuffix, kCase);
 }
 
 // Asks the system to put the file's data on the disk before the rename makes it the file:
@@ -97,13 +105,13 @@ bool renameOver(const QString &from, const QString &to, QString *error)
 
 QString TemporaryFilePattern(const QString &path)
 {
-    return QFileInfo(path).fileName() + QStringLiteral(".??????.tmp");
+    return temporaryName(QFileInfo(path).fileName(), QLatin1Char('?'));
 }
 
 bool WriteFileSafely(const QString &path, const QByteArray &bytes, QString *error)
 {
     const QString target = fileToReplace(path);
-    QTemporaryFile temp(target + QStringLiteral(".XXXXXX.tmp"));
+    QTemporaryFile temp(temporaryName(target, QLatin1Char('X')));
     if (!temp.open())
         return fail(error, temp.errorString());
 
