@@ -1,8 +1,9 @@
 #include "core/in_process_host.h"
 
+#include "core/network_access.h"
+
 #include <QHash>
 #include <QMetaObject>
-#include <QNetworkReply>
 
 InProcessReply::InProcessReply(QObject *parent) : QObject(parent) {}
 
@@ -69,7 +70,7 @@ InProcessReply *StartInProcessRead(const QUrl &url, int options)
     if (!reply) {
         // A source that gave nothing still gets its reader a completion.
         reply = new InProcessReply;
-        reply->fail(QNetworkReply::UnknownServerError,
+        reply->fail(NetworkError::UnknownServer,
                     QStringLiteral("The built-in source for %1 gave no answer.").arg(host));
     }
     return reply;

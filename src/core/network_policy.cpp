@@ -2,35 +2,30 @@
 
 #include "core/in_process_host.h"
 
-#include <QHostAddress>
-#include <QNetworkReply>
-#include <QTimer>
-
 namespace {
-class RefusedReply : public QNetworkReply
+// 127.0.0.0/8, written out in full as a URL's host gives it.
+bool isLoopbackIPv4(QStringView host)
 {
-public:
-    RefusedReply(const QUrl &url, QObject *parent) : QNetworkReply(parent)
-    {
-        setUrl(url);
-        setOperation(QNetworkAccessManager::GetOperation);
-        setRequest(QNetworkRequest(url));
-        open(QIODevice::ReadOnly);
-        setError(ContentAccessDenied, NetworkRefusedText(url));
-        QTimer::singleShot(0, this, [this] {
-            setFinished(true);
-            emit errorOccurred(ContentAccessDenied);
-            emit finished();
-        });
+    const auto parts = host.split(QLatin1Char('.'));
+    if (parts.size() != 4)
+        return false;
+    for (const QStringView part : parts) {
+        bool ok = false;
+        const uint value = part.toUInt(&ok);
+        if (!ok || value > 255 || part.isEmpty() || part.size() > 3)
+            return false;
     }
+    return parts.first().toUInt() == 127;
+}
 
-    void abort() override {}
-    bool isSequential() const override { return true; }
-    qint64 bytesAvailable() const override { return 0; }
-
-protected:
-    qint64 readData(char *, qint64) override { return -1; }
-};
+// ::1, or an IPv4 loopback address mapped into IPv6; a URL's host holds IPv6 in its short form.
+bool isLoopbackIPv6(QStringView host)
+{
+    if (host == QLatin1String("::1"))
+        return true;
+    const QLatin1String mapped("::ffff:");
+    return host.startsWith(mapped, Qt::CaseInsensitive) && isLoopbackIPv4(host.mid(mapped.size()));
+}
 } // namespace
 
 bool NetworkReadAllowed(const QUrl &url)
@@ -40,16 +35,10 @@ bool NetworkReadAllowed(const QUrl &url)
     const QString host = url.host();
     if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0 || IsInProcessHost(host))
         return true;
-    const QHostAddress address(host);
-    return !address.isNull() && address.isLoopback();
+    return isLoopbackIPv4(host) || isLoopbackIPv6(host);
 }
 
 QString NetworkRefusedText(const QUrl &url)
 {
     return QStringLiteral("Reading %1 is not allowed while VANTORA_OFFLINE is set.").arg(url.host());
-}
-
-QNetworkReply *RefusedNetworkReply(const QUrl &url, QObject *parent)
-{
-    return new RefusedReply(url, parent);
 }

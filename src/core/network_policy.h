@@ -10,10 +10,3 @@ bool NetworkReadAllowed(const QUrl &url);
 
 // The sentence a refused read reports.
 QString NetworkRefusedText(const QUrl &url);
-
-class QNetworkReply;
-class QObject;
-// A reply for a refused read, made without a network access manager: it finishes from the
-// event loop, like any failed read, with ContentAccessDenied and NetworkRefusedText(url), and
-// nothing of the network stack (TLS included) is loaded for it.
-QNetworkReply *RefusedNetworkReply(const QUrl &url, QObject *parent);

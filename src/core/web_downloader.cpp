@@ -1,12 +1,7 @@
 #include "core/web_downloader.h"
 
-#include "core/bounded_network_read.h"
 #include "core/in_process_host.h"
-#include "core/network_policy.h"
 
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QUrl>
 
 #include <limits>
@@ -49,43 +44,43 @@ QString statusName(int status)
     }
 }
 
-QString describeStatus(const QNetworkReply *reply, int status)
+QString describeStatus(const NetworkReadResult &result)
 {
+    const int status = result.status;
     QString name = statusName(status);
     if (name.isEmpty())
-        name = reply->attribute(QNetworkRequest::HttpReasonPhraseAttribute).toString().trimmed();
+        name = result.reasonPhrase;
     return name.isEmpty() ? QStringLiteral("The server answered %1.").arg(status)
                           : QStringLiteral("The server answered %1 (%2).").arg(status).arg(name);
 }
 
-QString describeNetworkError(const QNetworkReply *reply)
+QString describeNetworkError(const QUrl &url, const NetworkReadResult &result)
 {
-    const QUrl url = reply->url();
     const QString host = url.host().isEmpty() ? url.toDisplayString() : url.host();
-    switch (reply->error()) {
-    case QNetworkReply::ConnectionRefusedError:
+    switch (result.error) {
+    case NetworkError::ConnectionRefused:
         return QStringLiteral("Could not connect to %1: connection refused.").arg(host);
-    case QNetworkReply::HostNotFoundError:
+    case NetworkError::HostNotFound:
         return QStringLiteral("The server %1 was not found.").arg(host);
-    case QNetworkReply::TimeoutError:
+    case NetworkError::Timeout:
         return QStringLiteral("The connection to %1 timed out.").arg(host);
-    case QNetworkReply::RemoteHostClosedError:
+    case NetworkError::RemoteHostClosed:
         return QStringLiteral("%1 closed the connection before the reply was complete.").arg(host);
-    case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::NetworkSessionFailedError:
+    case NetworkError::TemporaryNetworkFailure:
+    case NetworkError::NetworkSessionFailed:
         return QStringLiteral("The network is not available.");
-    case QNetworkReply::SslHandshakeFailedError:
+    case NetworkError::SslHandshakeFailed:
         return QStringLiteral("A secure connection to %1 could not be made: %2")
-            .arg(host, sentence(reply->errorString()));
-    case QNetworkReply::TooManyRedirectsError:
+            .arg(host, sentence(result.errorString));
+    case NetworkError::TooManyRedirects:
         return QStringLiteral("The server %1 redirected too many times.").arg(host);
-    case QNetworkReply::InsecureRedirectError:
+    case NetworkError::InsecureRedirect:
         return QStringLiteral("The server %1 redirected to an address that is not secure.").arg(host);
-    case QNetworkReply::ProtocolUnknownError:
+    case NetworkError::ProtocolUnknown:
         return QStringLiteral("The address %1 cannot be read: its protocol is not supported.")
             .arg(url.toDisplayString());
     default:
-        return QStringLiteral("Could not read from %1: %2").arg(host, sentence(reply->errorString()));
+        return QStringLiteral("Could not read from %1: %2").arg(host, sentence(result.errorString));
     }
 }
 
@@ -127,12 +122,6 @@ void WebDownloader::DownloadStart(const QString &url, int options)
             return;
         }
     }
-    if (!NetworkReadAllowed(address)) {
-        auto *refusal = new InProcessReply;
-        refusal->fail(QNetworkReply::ContentAccessDenied, NetworkRefusedText(address));
-        startInProcessRead(refusal);
-        return;
-    }
     startNetworkRead(address, options);
 }
 
@@ -147,12 +136,7 @@ void WebDownloader::DownloadCancel()
 // read's. No host wants the answer to a question it has taken back.
 void WebDownloader::cancelRead()
 {
-    if (QNetworkReply *reply = m_reply) {
-        m_reply = nullptr;
-        disconnect(reply, nullptr, this, nullptr);
-        reply->abort();
-        reply->deleteLater();
-    }
+    m_transfer.reset();
     if (InProcessReply *reply = m_inProcess) {
         m_inProcess = nullptr;
         delete reply;
@@ -161,25 +145,17 @@ void WebDownloader::cancelRead()
 
 void WebDownloader::startNetworkRead(const QUrl &url, int options)
 {
-    if (!m_network) // made on the first network read: most hosts never read at start-up
-        m_network = new QNetworkAccessManager(this);
-
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::UserAgentHeader, userAgent());
-    for (const auto &[name, value] : m_extraHeaders)
-        request.setRawHeader(name, value);
-    request.setAttribute(QNetworkRequest::RedirectPolicyAttribute, QNetworkRequest::NoLessSafeRedirectPolicy);
-    if (options & ForceFetch) {
-        request.setAttribute(QNetworkRequest::CacheLoadControlAttribute, QNetworkRequest::AlwaysNetwork);
-        request.setRawHeader("Cache-Control", "no-cache");
-        request.setRawHeader("Pragma", "no-cache");
-    }
-
-    QNetworkReply *reply = m_network->get(request);
-    m_reply = reply;
+    NetworkGet request;
+    request.url = url;
+    request.userAgent = userAgent();
+    request.headers = m_extraHeaders;
+    request.forceFetch = (options & ForceFetch) != 0;
     // The size is held to the limit as the bytes arrive; time limits are the host's to set.
-    BoundedNetworkRead::watch(reply, {m_replyLimit, 0, 0});
-    connect(reply, &QNetworkReply::finished, this, [this, reply] { onNetworkFinished(reply); });
+    request.limits = {m_replyLimit, 0, 0};
+    m_transfer = StartNetworkGet(request, [this, url](const NetworkReadResult &result) {
+        m_transfer.reset();
+        onNetworkFinished(url, result);
+    });
 }
 
 void WebDownloader::startInProcessRead(InProcessReply *reply)
@@ -189,25 +165,19 @@ void WebDownloader::startInProcessRead(InProcessReply *reply)
     connect(reply, &InProcessReply::finished, this, [this, reply] { onInProcessFinished(reply); });
 }
 
-void WebDownloader::onNetworkFinished(QNetworkReply *reply)
+void WebDownloader::onNetworkFinished(const QUrl &url, const NetworkReadResult &result)
 {
-    if (reply != m_reply)
-        return;
-    m_reply = nullptr;
-    reply->deleteLater();
     settle();
-
-    BoundedNetworkRead *guard = BoundedNetworkRead::of(reply);
-    const QByteArray data = guard->takeData();
-    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (guard->stopReason() == BoundedNetworkRead::Stop::TooLarge)
+    if (result.refused)
+        fail(result.error, result.errorString);
+    else if (result.stop == NetworkReadResult::Stop::TooLarge)
         failTooLarge();
-    else if (status >= 400)
-        fail(status, describeStatus(reply, status));
-    else if (reply->error() != QNetworkReply::NoError)
-        fail(reply->error(), describeNetworkError(reply));
+    else if (result.status >= 400)
+        fail(result.status, describeStatus(result));
+    else if (result.error != NetworkError::None)
+        fail(result.error, describeNetworkError(url, result));
     else
-        complete(data, reply->header(QNetworkRequest::ContentTypeHeader).toByteArray());
+        complete(result.body, result.contentType);
 }
 
 void WebDownloader::onInProcessFinished(InProcessReply *reply)
@@ -249,7 +219,7 @@ void WebDownloader::fail(int errorNumber, const QString &description)
 
 void WebDownloader::failTooLarge()
 {
-    fail(QNetworkReply::UnknownContentError,
+    fail(NetworkError::UnknownContent,
          QStringLiteral("The reply was larger than %1 KB, the most this read accepts; it was not kept.")
              .arg((m_replyLimit + 1023) / 1024));
 }

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/network_access.h"
+
 #include <QByteArray>
 #include <QElapsedTimer>
 #include <QList>
@@ -9,14 +11,11 @@
 #include <QString>
 
 class InProcessReply;
-class QNetworkAccessManager;
-class QNetworkReply;
-class QUrl;
 
 // The downloader control ("uctl_WEB"): fetches one address at a time in the background and
 // hands the bytes to the window that hosts it. Every host names its instance "cls_dlmgr1".
 //
-// Reads go through a QNetworkAccessManager of the control's own, or to an in-process host
+// Reads go over the network (core/network_access.h), or to an in-process host
 // (see in_process_host.h) when the address names one. Completion is delivered on the thread
 // that owns the control (the UI thread). A reply larger than the control's limit is a failure
 // and its bytes are dropped. There is no time limit: a host that wants one watches
@@ -67,7 +66,7 @@ signals:
     // The read finished and delivered its bytes (possibly none).
     void DownloadComplete(int byteCount);
     // The read failed. errorNumber is the HTTP status when the server answered with an error
-    // status, else the QNetworkReply::NetworkError code (for an in-process host, its own
+    // status, else the NetworkError number (for an in-process host, its own
     // number); description is a sentence for the user.
     void DownloadFailed(int errorNumber, const QString &description);
     // Declared for hosts; never raised.
@@ -77,7 +76,7 @@ private:
     void cancelRead();
     void startNetworkRead(const QUrl &url, int options);
     void startInProcessRead(InProcessReply *reply);
-    void onNetworkFinished(QNetworkReply *reply);
+    void onNetworkFinished(const QUrl &url, const NetworkReadResult &result);
     void onInProcessFinished(InProcessReply *reply);
     // Ends the running read: duration measured, key back to 0.
     void settle();
@@ -85,8 +84,7 @@ private:
     void fail(int errorNumber, const QString &description);
     void failTooLarge();
 
-    QNetworkAccessManager *m_network = nullptr;
-    QPointer<QNetworkReply> m_reply;
+    std::unique_ptr<NetworkTransfer> m_transfer;
     QPointer<InProcessReply> m_inProcess;
     QElapsedTimer m_started;
     QByteArray m_data;

@@ -1,9 +1,7 @@
 #include "weather/live_weather_adapter.h"
 
-#include "core/bounded_network_read.h"
 #include "core/clock_source.h"
 #include "core/in_process_host.h"
-#include "core/network_policy.h"
 #include "core/web_downloader.h"
 #include "weather/forecast_replies.h"
 #include "weather/location_catalogue.h"
@@ -12,9 +10,6 @@
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QLocale>
-#include <QNetworkAccessManager>
-#include <QNetworkReply>
-#include <QNetworkRequest>
 #include <QRegularExpression>
 #include <QUrlQuery>
 
@@ -34,8 +29,7 @@ constexpr int UnreachedRetrySeconds = 60;
 constexpr int NotFoundError = 404;
 constexpr int SourcesFailedError = 503;
 // Neither source could be reached: the reader tells this apart as having no network.
-constexpr int UnreachedError = QNetworkReply::TemporaryNetworkFailureError;
-constexpr const char *RefusedProperty = "vantoraRefused";
+constexpr int UnreachedError = NetworkError::TemporaryNetworkFailure;
 
 // The User-Agent of every source request: "Vantora/1.0.0 (+<contact>)". met.no refuses
 // requests that do not name the application, its version and a contact address.
@@ -93,46 +87,43 @@ QString statusPhrase(int status, const QByteArray &body)
     return QStringLiteral("unexpected answer (%1)").arg(status);
 }
 
-WeatherSourceResult networkProblem(const QNetworkReply *reply)
+WeatherSourceResult networkProblem(const NetworkReadResult &reply)
 {
-    switch (reply->error()) {
-    case QNetworkReply::HostNotFoundError:
+    switch (reply.error) {
+    case NetworkError::HostNotFound:
         return {std::nullopt, QStringLiteral("server not found"), true};
-    case QNetworkReply::ConnectionRefusedError:
+    case NetworkError::ConnectionRefused:
         return {std::nullopt, QStringLiteral("connection refused"), true};
-    case QNetworkReply::TimeoutError:
+    case NetworkError::Timeout:
         return {std::nullopt, QStringLiteral("no answer in time"), true};
-    case QNetworkReply::NetworkSessionFailedError:
-    case QNetworkReply::TemporaryNetworkFailureError:
-    case QNetworkReply::UnknownNetworkError:
+    case NetworkError::NetworkSessionFailed:
+    case NetworkError::TemporaryNetworkFailure:
+    case NetworkError::UnknownNetwork:
         return {std::nullopt, QStringLiteral("no network connection"), true};
-    case QNetworkReply::RemoteHostClosedError:
+    case NetworkError::RemoteHostClosed:
         return {std::nullopt, QStringLiteral("the server closed the connection"), false};
     default:
-        return {std::nullopt, QStringLiteral("network error (%1)").arg(phrase(reply->errorString())), false};
+        return {std::nullopt, QStringLiteral("network error (%1)").arg(phrase(reply.errorString)), false};
     }
 }
 
 // The outcome of a finished source request whose body `parse` reads.
-template <typename Parse> WeatherSourceResult readSourceReply(QNetworkReply *reply, Parse parse)
+template <typename Parse> WeatherSourceResult readSourceReply(const NetworkReadResult &reply, Parse parse)
 {
-    if (reply->property(RefusedProperty).toBool())
+    if (reply.refused)
         return {std::nullopt, QStringLiteral("network reads are switched off"), true};
-    BoundedNetworkRead *guard = BoundedNetworkRead::of(reply);
-    const QByteArray body = guard ? guard->takeData() : reply->readAll();
-    if (guard && guard->stopReason() != BoundedNetworkRead::Stop::None) {
+    if (reply.stop != NetworkReadResult::Stop::None) {
         // Nothing was heard at all: as good as unreached, and as cheap to ask again.
-        const bool silent = guard->stopReason() != BoundedNetworkRead::Stop::TooLarge && body.isEmpty()
-                            && !reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).isValid();
-        return {std::nullopt, guard->stopPhrase(), silent};
+        const bool silent =
+            reply.stop != NetworkReadResult::Stop::TooLarge && reply.body.isEmpty() && reply.status == 0;
+        return {std::nullopt, reply.stopPhrase, silent};
     }
-    const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
-    if (status >= 400)
-        return {std::nullopt, statusPhrase(status, body), false};
-    if (reply->error() != QNetworkReply::NoError || status == 0)
+    if (reply.status >= 400)
+        return {std::nullopt, statusPhrase(reply.status, reply.body), false};
+    if (reply.error != NetworkError::None || reply.status == 0)
         return networkProblem(reply);
     QString problem;
-    std::optional<CurrentConditions> conditions = parse(body, &problem);
+    std::optional<CurrentConditions> conditions = parse(reply.body, &problem);
     return {conditions, conditions ? QString() : phrase(problem), false};
 }
 
@@ -250,25 +241,20 @@ void LiveWeatherAdapter::serve(const PlaceRecord &record, InProcessReply *reply,
     reply->fail(record.unreached ? UnreachedError : SourcesFailedError, failure);
 }
 
-QNetworkReply *LiveWeatherAdapter::get(const QUrl &url, const QByteArray &ifModifiedSince)
+void LiveWeatherAdapter::get(const QUrl &url, const QByteArray &ifModifiedSince, NetworkReadDone done)
 {
-    // A refused read fails later, through the same path as any failed one, without the
-    // network stack.
-    if (!NetworkReadAllowed(url)) {
-        QNetworkReply *refusal = RefusedNetworkReply(url, this);
-        refusal->setProperty(RefusedProperty, true);
-        return refusal;
-    }
-    if (!m_network)
-        m_network = new QNetworkAccessManager(this);
-    QNetworkRequest request(url);
-    request.setHeader(QNetworkRequest::UserAgentHeader, sourceUserAgent());
-    request.setRawHeader("Accept", "application/json");
+    NetworkGet request;
+    request.url = url;
+    request.userAgent = sourceUserAgent();
+    request.headers.append({QByteArray("Accept"), QByteArray("application/json")});
     if (!ifModifiedSince.isEmpty())
-        request.setRawHeader("If-Modified-Since", ifModifiedSince);
-    QNetworkReply *reply = m_network->get(request);
-    BoundedNetworkRead::watch(reply, m_limits);
-    return reply;
+        request.headers.append({QByteArray("If-Modified-Since"), ifModifiedSince});
+    request.limits = m_limits;
+    const quint64 id = ++m_lastTransfer;
+    m_transfers[id] = StartNetworkGet(request, [this, id, done = std::move(done)](const NetworkReadResult &result) {
+        m_transfers.erase(id);
+        done(result);
+    });
 }
 
 void LiveWeatherAdapter::askOpenMeteo(const QString &code, const LocationCatalogue::Place &place)
@@ -287,9 +273,8 @@ void LiveWeatherAdapter::askOpenMeteo(const QString &code, const LocationCatalog
     query.addQueryItem(QStringLiteral("temperature_unit"), QStringLiteral("fahrenheit"));
     query.addQueryItem(QStringLiteral("timezone"), QStringLiteral("auto"));
     query.addQueryItem(QStringLiteral("forecast_days"), QStringLiteral("7"));
-    QNetworkReply *reply = get(sourceUrl(m_openMeteoBase, QStringLiteral("/v1/forecast"), query));
-    connect(reply, &QNetworkReply::finished, this, [this, reply, code, place] {
-        reply->deleteLater();
+    const QUrl url = sourceUrl(m_openMeteoBase, QStringLiteral("/v1/forecast"), query);
+    get(url, {}, [this, code, place](const NetworkReadResult &reply) {
         const WeatherSourceResult result = readSourceReply(reply, ParseOpenMeteoReply);
         if (result.conditions) {
             m_places[code].utcOffsetSeconds = result.conditions->forecast.utcOffsetSeconds;
@@ -313,15 +298,13 @@ void LiveWeatherAdapter::askMetNo(const QString &code, const LocationCatalogue::
     query.addQueryItem(QStringLiteral("lat"), coordinate(place.latitude));
     query.addQueryItem(QStringLiteral("lon"), coordinate(place.longitude));
     const QByteArray since = record.metNoConditions ? record.metNoLastModified : QByteArray();
-    QNetworkReply *reply =
-        get(sourceUrl(m_metNoBase, QStringLiteral("/weatherapi/locationforecast/2.0/compact"), query), since);
+    const QUrl url = sourceUrl(m_metNoBase, QStringLiteral("/weatherapi/locationforecast/2.0/compact"), query);
     // met.no gives UTC times only: the place's days follow the offset Open-Meteo last gave,
     // or its solar time.
     const int offset = record.utcOffsetSeconds.value_or(SolarOffsetSeconds(place.longitude));
-    connect(reply, &QNetworkReply::finished, this, [this, reply, code, openMeteo, offset] {
-        reply->deleteLater();
+    get(url, since, [this, code, openMeteo, offset](const NetworkReadResult &reply) {
         PlaceRecord &record = m_places[code];
-        const int status = reply->attribute(QNetworkRequest::HttpStatusCodeAttribute).toInt();
+        const int status = reply.status;
         WeatherSourceResult result;
         if (status == 304 && record.metNoConditions)
             result.conditions = record.metNoConditions;
@@ -332,8 +315,8 @@ void LiveWeatherAdapter::askMetNo(const QString &code, const LocationCatalogue::
         if (result.conditions) {
             record.metNoConditions = result.conditions;
             if (status != 304)
-                record.metNoLastModified = reply->rawHeader("Last-Modified");
-            record.metNoExpires = httpDate(reply->rawHeader("Expires"));
+                record.metNoLastModified = reply.lastModified;
+            record.metNoExpires = httpDate(reply.expires);
         }
         conclude(code, openMeteo, result);
     });

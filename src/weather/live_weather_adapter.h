@@ -1,6 +1,6 @@
 #pragma once
 
-#include "core/bounded_network_read.h"
+#include "core/network_access.h"
 #include "weather/weather_conditions.h"
 
 #include <QByteArray>
@@ -11,11 +11,12 @@
 #include <QPointer>
 #include <QString>
 #include <QUrl>
+
+#include <map>
+#include <memory>
 #include <optional>
 
 class InProcessReply;
-class QNetworkAccessManager;
-class QNetworkReply;
 namespace LocationCatalogue {
 struct Place;
 }
@@ -37,7 +38,7 @@ public:
     // A source read ends within 20 seconds whatever the server does, and is given up sooner when
     // the server goes quiet: a source that trickles must not hold up the weather (or the later
     // reads for the same place, which wait for this one).
-    static constexpr BoundedNetworkRead::Limits SourceLimits{1024 * 1024, 20 * 1000, 10 * 1000};
+    static constexpr NetworkReadLimits SourceLimits{1024 * 1024, 20 * 1000, 10 * 1000};
 
     explicit LiveWeatherAdapter(QObject *parent = nullptr);
     ~LiveWeatherAdapter() override;
@@ -55,7 +56,7 @@ public:
     // Forgets every remembered answer (tests).
     void clearCacheForTesting();
     // Tests: the size and time limits of each source read.
-    void setSourceLimitsForTesting(const BoundedNetworkRead::Limits &limits) { m_limits = limits; }
+    void setSourceLimitsForTesting(const NetworkReadLimits &limits) { m_limits = limits; }
 
 private:
     // A reply that waits for the sources, with the feed host its picture address names.
@@ -90,11 +91,14 @@ private:
                   const WeatherSourceResult &openMeteo);
     void conclude(const QString &code, const WeatherSourceResult &openMeteo,
                   const WeatherSourceResult &metNo);
-    QNetworkReply *get(const QUrl &url, const QByteArray &ifModifiedSince = {});
+    // Reads `url`; `done` runs unless the adapter goes first.
+    void get(const QUrl &url, const QByteArray &ifModifiedSince, NetworkReadDone done);
 
-    QNetworkAccessManager *m_network = nullptr;
+    // The reads running, by number; the adapter going cancels them.
+    std::map<quint64, std::unique_ptr<NetworkTransfer>> m_transfers;
+    quint64 m_lastTransfer = 0;
     QUrl m_openMeteoBase;
     QUrl m_metNoBase;
-    BoundedNetworkRead::Limits m_limits = SourceLimits;
+    NetworkReadLimits m_limits = SourceLimits;
     QHash<QString, PlaceRecord> m_places;
 };

@@ -1,21 +1,12 @@
 #include "weather/weather_problem.h"
 
+#include "core/network_access.h"
+
 #include <QRegularExpression>
 
 namespace {
 
 constexpr int ReasonLength = 40;
-
-// The network errors (QNetworkReply's numbers) that mean no server was reached.
-enum NetworkError
-{
-    ConnectionRefused = 1,
-    HostNotFound = 3,
-    Timeout = 4,
-    TemporaryNetworkFailure = 7,
-    NetworkSessionFailed = 8,
-    UnknownNetwork = 99,
-};
 
 // "Open-Meteo: too many requests (429); met.no: access refused (403)." -> the first source's
 // reason; any other sentence without its full stop.
@@ -38,12 +29,12 @@ QString reasonOf(const QString &description)
 bool isOfflineError(int errorNumber)
 {
     switch (errorNumber) {
-    case ConnectionRefused:
-    case HostNotFound:
-    case Timeout:
-    case TemporaryNetworkFailure:
-    case NetworkSessionFailed:
-    case UnknownNetwork:
+    case NetworkError::ConnectionRefused:
+    case NetworkError::HostNotFound:
+    case NetworkError::Timeout:
+    case NetworkError::TemporaryNetworkFailure:
+    case NetworkError::NetworkSessionFailed:
+    case NetworkError::UnknownNetwork:
         return true;
     default:
         return false;

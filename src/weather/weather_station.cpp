@@ -10,7 +10,6 @@
 
 #include <QDir>
 #include <QLocale>
-#include <QNetworkInformation>
 #include <QTemporaryFile>
 #include <QTimer>
 
@@ -166,11 +165,8 @@ void WeatherStation::watchNetwork()
         return;
     m_watchingNetwork = true;
     // Not every platform reports reachability; there the retry tick alone brings the weather back.
-    if (!QNetworkInformation::instance() && !QNetworkInformation::loadDefaultBackend())
-        return;
-    QNetworkInformation *info = QNetworkInformation::instance();
-    connect(info, &QNetworkInformation::reachabilityChanged, this, [this](QNetworkInformation::Reachability r) {
-        if (r == QNetworkInformation::Reachability::Online && m_problem.offline && !m_fetching)
+    WatchNetworkReachability(this, [this] {
+        if (m_problem.offline && !m_fetching)
             GetWeatherData();
     });
 }

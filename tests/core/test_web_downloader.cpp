@@ -1,4 +1,5 @@
 #include "core/in_process_host.h"
+#include "core/network_policy.h"
 #include "core/web_downloader.h"
 #include "support/local_http_server.h"
 
@@ -74,6 +75,8 @@ private slots:
     void overLimitFails();
     void failures_data();
     void failures();
+    void offlineReadsStayOnThisComputer_data();
+    void offlineReadsStayOnThisComputer();
     void sendsHeaders_data();
     void sendsHeaders();
     void inProcessHost_data();
@@ -92,6 +95,8 @@ private:
 
 void TestWebDownloader::initTestCase()
 {
+    // Only this computer's addresses may be read.
+    qputenv("VANTORA_OFFLINE", "1");
     m_server = std::make_unique<LocalHttpServer>();
     QVERIFY(m_server->isListening());
     m_server->setBody("/kept", "kept");
@@ -313,6 +318,8 @@ void TestWebDownloader::failures_data()
         << m_server->url("/drop").toString() << int(QNetworkReply::RemoteHostClosedError) << "closed the connection";
     QTest::newRow("unknown protocol")
         << "nosuch://127.0.0.1/x" << int(QNetworkReply::ProtocolUnknownError) << "not supported";
+    QTest::newRow("internet while offline")
+        << "https://example.com/x" << int(QNetworkReply::ContentAccessDenied) << "not allowed while VANTORA_OFFLINE";
 }
 
 void TestWebDownloader::failures()
@@ -332,6 +339,36 @@ void TestWebDownloader::failures()
     QVERIFY2(description.contains(describes) && description.endsWith(QLatin1Char('.')), qPrintable(description));
     QCOMPARE(downloader.DataBytes(), QByteArray("kept"));
     QVERIFY(!downloader.StatusBusy());
+}
+
+void TestWebDownloader::offlineReadsStayOnThisComputer_data()
+{
+    QTest::addColumn<QString>("url");
+    QTest::addColumn<bool>("allowed");
+    QTest::newRow("IPv4 loopback") << "http://127.0.0.1:8080/x" << true;
+    QTest::newRow("elsewhere in 127/8") << "http://127.45.6.7/x" << true;
+    QTest::newRow("short IPv4 form") << "http://127.1/x" << true;
+    QTest::newRow("IPv6 loopback") << "http://[::1]:80/x" << true;
+    QTest::newRow("IPv6 loopback in full") << "http://[0:0:0:0:0:0:0:1]/x" << true;
+    QTest::newRow("IPv4 loopback as IPv6") << "http://[::FFFF:127.0.0.1]/x" << true;
+    QTest::newRow("localhost") << "http://LocalHost/x" << true;
+    QTest::newRow("built-in host") << "http://" + kBuiltInHost + "/x" << true;
+    QTest::newRow("next to loopback") << "http://128.0.0.1/x" << false;
+    QTest::newRow("private network") << "http://10.0.0.1/x" << false;
+    QTest::newRow("name that starts like loopback") << "http://127.0.0.1.example.com/x" << false;
+    QTest::newRow("other IPv6") << "http://[::2]/x" << false;
+    QTest::newRow("other IPv4 as IPv6") << "http://[::ffff:10.0.0.1]/x" << false;
+    QTest::newRow("internet name") << "https://example.com/x" << false;
+}
+
+void TestWebDownloader::offlineReadsStayOnThisComputer()
+{
+    QFETCH(QString, url);
+    QFETCH(bool, allowed);
+    RegisterInProcessHost(kBuiltInHost, [](const QUrl &, int) { return nullptr; });
+    const bool answer = NetworkReadAllowed(QUrl(url));
+    UnregisterInProcessHost(kBuiltInHost);
+    QCOMPARE(answer, allowed);
 }
 
 void TestWebDownloader::sendsHeaders_data()

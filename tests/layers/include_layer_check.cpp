@@ -46,7 +46,7 @@ const QList<QStringList> &IncludeLayerCheck::layers()
     // clang-format off
     static const QList<QStringList> table = {
         {"core"},
-        {"themes", "sound"},
+        {"themes", "sound", "network"},
         {"time", "calculator", "calendar", "notes", "weather", "webcam", "whiteboard"},
         {"shell", "print"},
         {"app"},

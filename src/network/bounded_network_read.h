@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/network_access.h"
+
 #include <QByteArray>
 #include <QObject>
 #include <QPointer>
@@ -24,14 +26,8 @@ class BoundedNetworkRead : public QObject
 {
     Q_OBJECT
 public:
-    // A time of 0 sets no limit of that kind.
-    struct Limits
-    {
-        qint64 maxBytes = 1024 * 1024;
-        int totalMs = 0;
-        int stallMs = 0;
-    };
-    enum class Stop { None, TooLarge, TookTooLong, Stalled };
+    using Limits = NetworkReadLimits;
+    using Stop = NetworkReadResult::Stop;
 
     // Watches `reply`; call straight after the request is made, before the event loop runs.
     static BoundedNetworkRead *watch(QNetworkReply *reply, const Limits &limits);

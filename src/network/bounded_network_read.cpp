@@ -1,4 +1,4 @@
-#include "core/bounded_network_read.h"
+#include "network/bounded_network_read.h"
 
 #include <QNetworkReply>
 #include <QTimer>
