@@ -37,6 +37,7 @@ check_module() {
 check_module vantora_sound vantora_create_sound_output
 check_module vantora_print vantora_create_printer_access
 check_module vantora_ical vantora_create_ical_codec
+check_module vantora_network vantora_create_network_access
 
 # Every PNG is the size its folder names (the PNG header holds the width at byte 16).
 for size in 16 22 24 32 48 64 128 256 512; do
