@@ -39,8 +39,7 @@ public:
         // Pipe names are machine-wide: only this user may connect.
         setSocketOptions(LocalServer::UserAccessOption);
 #endif
-        // Elsewhere the socket sits in a folder only this user can enter; Qt's access option
-        // would make, and remove, a temporary folder at every start to bind it in.
+        // Elsewhere the socket sits in a folder only this user can enter.
         if (listen(name))
             return true;
         if (error)
