@@ -1,9 +1,13 @@
 #include "shell/instance_listener.h"
 
-#include <QChildEvent>
-#include <QLocalServer>
+#include "core/platform/local_server.h"
+
 #include <QLoggingCategory>
 #include <QTimer>
+
+#ifdef Q_OS_WIN
+#include <QChildEvent>
+#endif
 
 namespace {
 Q_LOGGING_CATEGORY(lcInstance, "vantora.instance", QtInfoMsg)
@@ -14,25 +18,28 @@ constexpr int kReopenRetryMs = 1000;
 } // namespace
 
 // Every call to it is made on the listening thread.
-class ListeningServer : public QLocalServer
+class ListeningServer : public LocalServer
 {
 public:
     ListeningServer(QObject *receiver, InstanceListener::Accept accept)
         : m_receiver(receiver), m_accept(std::move(accept))
     {
+#ifndef Q_OS_WIN
+        // Queued: the server closed itself while accepting, and is opened again after that.
+        connect(this, &LocalServer::acceptFailed, this, [this] { reopenIfClosed(); }, Qt::QueuedConnection);
+#endif
     }
 
     bool openAt(const QString &name, QString *error)
     {
         m_name = name;
         // The caller holds the lock, so a socket already there was left by a copy that crashed.
-        QLocalServer::removeServer(name);
+        LocalServer::removeServer(name);
 #ifdef Q_OS_WIN
         // Pipe names are machine-wide: only this user may connect.
-        setSocketOptions(QLocalServer::UserAccessOption);
+        setSocketOptions(LocalServer::UserAccessOption);
 #endif
-        // Elsewhere the socket sits in a folder only this user can enter; Qt's access option
-        // would make, and remove, a temporary folder at every start to bind it in.
+        // Elsewhere the socket sits in a folder only this user can enter.
         if (listen(name))
             return true;
         if (error)
@@ -54,16 +61,18 @@ protected:
             m_receiver, [accept = m_accept, descriptor] { accept(descriptor); }, Qt::QueuedConnection);
     }
 
+#ifdef Q_OS_WIN
     void childEvent(QChildEvent *event) override
     {
-        // A failed accept (no descriptors left) makes Qt close the server and drop its socket
-        // notifier, without a signal: the notifier going is the sign.
+        // A failed accept makes Qt close the server and drop its notifier, without a signal:
+        // the notifier going is the sign.
         if (event->removed() && !m_closing && !m_checkQueued) {
             m_checkQueued = true;
             QMetaObject::invokeMethod(this, [this] { reopenIfClosed(); }, Qt::QueuedConnection);
         }
-        QLocalServer::childEvent(event);
+        LocalServer::childEvent(event);
     }
+#endif
 
 private:
     void reopenIfClosed()

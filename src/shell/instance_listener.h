@@ -27,7 +27,7 @@ public:
     InstanceListener &operator=(const InstanceListener &) = delete;
 
     // Starts listening on `name` (a socket that is there already is removed first) and waits
-    // for the outcome. When Qt closes the server after a failed accept, it is opened again.
+    // for the outcome. When the server closes after a failed accept, it is opened again.
     bool open(const QString &name, QString *error);
     bool isListening() const;
 

@@ -2,6 +2,7 @@
 
 #include "core/app_paths.h"
 #include "core/held_file_lock.h"
+#include "core/platform/local_socket.h"
 #include "shell/instance_listener.h"
 
 #include <QCoreApplication>
@@ -9,7 +10,6 @@
 #include <QDeadlineTimer>
 #include <QDir>
 #include <QFile>
-#include <QLocalSocket>
 #include <QStandardPaths>
 #include <QThread>
 #include <QTimer>
@@ -81,7 +81,7 @@ enum class Answer
     Missing,
 };
 
-Answer readAnswer(QLocalSocket &socket, const QDeadlineTimer &deadline, QByteArray *message)
+Answer readAnswer(LocalSocket &socket, const QDeadlineTimer &deadline, QByteArray *message)
 {
     QByteArray buffer;
     for (;;) {
@@ -92,7 +92,7 @@ Answer readAnswer(QLocalSocket &socket, const QDeadlineTimer &deadline, QByteArr
         if (invalid || buffer.size() > kHeaderBytes + SingleInstance::kMaxMessageBytes)
             return Answer::Missing;
         // Closed without a word: the running copy had too many connections open at once.
-        if (socket.state() != QLocalSocket::ConnectedState && socket.bytesAvailable() == 0)
+        if (socket.state() != LocalSocket::ConnectedState && socket.bytesAvailable() == 0)
             return buffer.isEmpty() ? Answer::ClosedUnread : Answer::Missing;
         if (deadline.hasExpired())
             return Answer::Missing;
@@ -253,7 +253,7 @@ void SingleInstance::setHandler(Handler handler)
 
 void SingleInstance::acceptConnection(quintptr descriptor)
 {
-    auto *socket = new QLocalSocket(this);
+    auto *socket = new LocalSocket(this);
     if (!socket->setSocketDescriptor(descriptor)) {
         delete socket;
 #ifndef Q_OS_WIN
@@ -269,8 +269,8 @@ void SingleInstance::acceptConnection(quintptr descriptor)
     }
     m_pending.insert(socket, {});
     socket->setReadBufferSize(kHeaderBytes + kMaxMessageBytes + 1);
-    connect(socket, &QLocalSocket::readyRead, this, [this, socket] { readRequest(socket); });
-    connect(socket, &QLocalSocket::disconnected, this, [this, socket] {
+    connect(socket, &LocalSocket::readyRead, this, [this, socket] { readRequest(socket); });
+    connect(socket, &LocalSocket::disconnected, this, [this, socket] {
         m_pending.remove(socket);
         socket->deleteLater();
     });
@@ -284,7 +284,7 @@ void SingleInstance::acceptConnection(quintptr descriptor)
     readRequest(socket);
 }
 
-void SingleInstance::readRequest(QLocalSocket *socket)
+void SingleInstance::readRequest(LocalSocket *socket)
 {
     const auto it = m_pending.find(socket);
     if (it == m_pending.end())
@@ -297,7 +297,7 @@ void SingleInstance::readRequest(QLocalSocket *socket)
     answerWaiting();
 }
 
-void SingleInstance::drop(QLocalSocket *socket)
+void SingleInstance::drop(LocalSocket *socket)
 {
     m_pending.remove(socket);
     socket->disconnect(this);
@@ -310,8 +310,8 @@ void SingleInstance::answerWaiting()
     if (!m_handler)
         return;
     // Copied: answering may drop connections from the table.
-    const QList<QLocalSocket *> sockets = m_pending.keys();
-    for (QLocalSocket *socket : sockets) {
+    const QList<LocalSocket *> sockets = m_pending.keys();
+    for (LocalSocket *socket : sockets) {
         QByteArray request;
         bool invalid = false;
         if (takeMessage(m_pending.value(socket), &request, &invalid)) {
@@ -323,7 +323,7 @@ void SingleInstance::answerWaiting()
     }
 }
 
-void SingleInstance::answer(QLocalSocket *socket, const QByteArray &request)
+void SingleInstance::answer(LocalSocket *socket, const QByteArray &request)
 {
     const QByteArray reply = m_handler(request);
     socket->write(frame(reply));
@@ -341,7 +341,7 @@ SingleInstance::Delivery SingleInstance::deliver(const QByteArray &request, QByt
     for (;;) {
         const QString name = serverName();
         if (!name.isEmpty()) {
-            QLocalSocket socket;
+            LocalSocket socket;
             socket.connectToServer(name);
             if (socket.waitForConnected(int(deadline.remainingTime()))) {
                 socket.write(frame(request));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "core/platform/local_socket.h"
+
 #include <QByteArray>
 #include <QHash>
 #include <QObject>
@@ -9,7 +11,6 @@
 #include <memory>
 
 class InstanceListener;
-class QLocalSocket;
 class HeldFileLock;
 
 // Keeps one running copy per user (per settings file): the first launch takes a lock file and
@@ -23,8 +24,8 @@ class HeldFileLock;
 // can take the names first.
 //
 // The running copy answers whatever connects, so it limits what a connection may cost: a few
-// open at once, a few kilobytes each, a second to send them. A server Qt closed (it does when
-// accepting fails, e.g. out of file descriptors) is opened again. It listens on a thread of its
+// open at once, a few kilobytes each, a second to send them. A server that closed because
+// accepting failed (out of file descriptors, say) is opened again. It listens on a thread of its
 // own (InstanceListener), so that an idle program's wake-ups never poll the socket.
 class SingleInstance : public QObject
 {
@@ -93,14 +94,14 @@ public:
 
 private:
     void acceptConnection(quintptr descriptor);
-    void readRequest(QLocalSocket *socket);
-    void drop(QLocalSocket *socket);
-    void answer(QLocalSocket *socket, const QByteArray &request);
+    void readRequest(LocalSocket *socket);
+    void drop(LocalSocket *socket);
+    void answer(LocalSocket *socket, const QByteArray &request);
     void answerWaiting();
 
     std::unique_ptr<HeldFileLock> m_lock;
     std::unique_ptr<InstanceListener> m_listener;
     Handler m_handler;
     // Bytes read so far from each open connection.
-    QHash<QLocalSocket *, QByteArray> m_pending;
+    QHash<LocalSocket *, QByteArray> m_pending;
 };
