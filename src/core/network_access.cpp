@@ -58,6 +58,10 @@ std::unique_ptr<NetworkTransfer> StartNetworkGet(const NetworkGet &request, Netw
 
 bool WatchNetworkReachability(QObject *context, std::function<void()> online)
 {
+    // Reads kept to this computer come back with no help from the network, and loading the
+    // module (and the system's network monitors) for nothing would cost every test and benchmark.
+    if (NetworkReadsKeptLocal())
+        return false;
     NetworkAccess *access = loadedAccess(nullptr);
     return access && access->watchReachability(context, std::move(online));
 }

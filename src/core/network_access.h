@@ -114,5 +114,6 @@ inline constexpr char kNetworkModuleEntry[] = "vantora_create_network_access";
 // network module fails without loading the module, from the event loop like any other.
 std::unique_ptr<NetworkTransfer> StartNetworkGet(const NetworkGet &request, NetworkReadDone done);
 
-// See NetworkAccess::watchReachability; false too when the module cannot be loaded.
+// See NetworkAccess::watchReachability; false too when the module cannot be loaded, and while
+// reads are kept to this computer (nothing the network does can change what they find).
 bool WatchNetworkReachability(QObject *context, std::function<void()> online);

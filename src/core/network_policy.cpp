@@ -28,9 +28,14 @@ bool isLoopbackIPv6(QStringView host)
 }
 } // namespace
 
+bool NetworkReadsKeptLocal()
+{
+    return !qEnvironmentVariableIsEmpty("VANTORA_OFFLINE");
+}
+
 bool NetworkReadAllowed(const QUrl &url)
 {
-    if (qEnvironmentVariableIsEmpty("VANTORA_OFFLINE"))
+    if (!NetworkReadsKeptLocal())
         return true;
     const QString host = url.host();
     if (host.compare(QLatin1String("localhost"), Qt::CaseInsensitive) == 0 || IsInProcessHost(host))

@@ -8,5 +8,8 @@
 // read, so that nothing a test does reaches the internet. Otherwise everything may.
 bool NetworkReadAllowed(const QUrl &url);
 
+// Whether reads are kept to this computer (VANTORA_OFFLINE is set).
+bool NetworkReadsKeptLocal();
+
 // The sentence a refused read reports.
 QString NetworkRefusedText(const QUrl &url);
