@@ -54,6 +54,7 @@ private slots:
     void requestsNamingNoDocumentAreRefused_data();
     void requestsNamingNoDocumentAreRefused();
     void sessionFolderOfOthersIsPassedOver();
+    void startLoadsNoNetworkLibrary();
 
 private:
     QProcess *startProgram(const QStringList &arguments = {},
@@ -364,6 +365,24 @@ void TestSingleInstance::sessionFolderOfOthersIsPassedOver()
     QVERIFY(later->waitForFinished(10000));
     QCOMPARE(later->exitCode(), 0);
     QCOMPARE(first->state(), QProcess::Running);
+}
+
+
+void TestSingleInstance::startLoadsNoNetworkLibrary()
+{
+    // Loading Qt Network, and the libraries under it, would cost every start before its first
+    // frame; it comes with the first read instead. The dashboard asks for the weather a second
+    // after it is shown, and that read is refused (reads are kept to this computer here), which
+    // must not load it either.
+    QProcess *copy = startProgram();
+    QVERIFY(waitUntilAnswering());
+    QTest::qWait(2500);
+    QFile maps(QStringLiteral("/proc/%1/maps").arg(copy->processId()));
+    QVERIFY(maps.open(QIODevice::ReadOnly));
+    const QByteArray mapped = maps.readAll();
+    QVERIFY(mapped.contains("libQt6Widgets"));
+    QVERIFY2(!mapped.contains("libQt6Network"), "the network library was loaded at start");
+    QVERIFY2(!mapped.contains("vantora_network"), "the network module was loaded at start");
 }
 
 QTEST_MAIN(TestSingleInstance)
