@@ -32,6 +32,15 @@ QString ClockModel::classicSuffix(bool secsShow, bool ampmShow)
     return suffix;
 }
 
+QStringList ClockModel::secondsTexts(const QLocale &locale)
+{
+    QStringList texts;
+    const QDate day(2000, 1, 1);
+    for (int second = 0; second < 60; ++second)
+        texts << DateTimeFormatter::format(QDateTime(day, QTime(0, 0, second)), QStringLiteral("ss"), locale);
+    return texts;
+}
+
 ClockModel::Display ClockModel::compose(const QDateTime &moment, const ClockSettings &settings,
                                         const QLocale &locale)
 {

@@ -31,6 +31,8 @@ public:
     static QString hourText(const QTime &time, bool hour24);
     // The classic style's text after the hours: ":nn:ss ampm", ":nn:ss", ":nn ampm" or ":nn".
     static QString classicSuffix(bool secsShow, bool ampmShow);
+    // Every text the modern clock's seconds show in a minute, in the locale's digits.
+    static QStringList secondsTexts(const QLocale &locale);
     static Display compose(const QDateTime &moment, const ClockSettings &settings,
                            const QLocale &locale = QLocale());
 

@@ -24,8 +24,11 @@ constexpr int kClockInterval = 55;
 constexpr int kMargin = 6;
 // The seconds and am/pm labels beside the modern time, relative to the time's font.
 constexpr double kSideScale = 0.36;
+// How long after a new font the seconds' texts are laid out: past the start, whose work they
+// would only lengthen.
+constexpr int kPrepareSecondsMs = 2000;
 
-QLabel *panelLabel(const QString &name, QWidget *parent)
+TickingLabel *panelLabel(const QString &name, QWidget *parent)
 {
     auto *label = new TickingLabel(parent);
     label->setObjectName(name);
@@ -234,9 +237,23 @@ void ClockWidget::layoutModern(const QRect &area)
     const double digitTop = baseline - fm.capHeight();
     m_style->setFont(sideFont);
     m_secs->setFont(sideFont);
+    prepareSeconds();
     const int sideHeight = int(std::ceil(sfm.height()));
     place(m_style, QRect(column, int(digitTop - (sfm.ascent() - sfm.capHeight())), columnWidth + 1, sideHeight));
     place(m_secs, QRect(column, int(baseline - sfm.ascent()), columnWidth + 1, sideHeight));
+}
+
+void ClockWidget::prepareSeconds()
+{
+    // Once a second the seconds label shows a text it may not have laid out yet; through the
+    // first minute in a font, each one would be laid out in a repaint that runs cold.
+    if (m_secondsQueued)
+        return;
+    m_secondsQueued = true;
+    QTimer::singleShot(kPrepareSecondsMs, this, [this] {
+        m_secondsQueued = false;
+        m_secs->prepareTexts(ClockModel::secondsTexts(QLocale()));
+    });
 }
 
 void ClockWidget::layoutClassic(const QRect &area)

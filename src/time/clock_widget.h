@@ -7,6 +7,7 @@ class ClockModel;
 class HoverCheck;
 class QLabel;
 class QTimer;
+class TickingLabel;
 
 // falc_IDX: the time in the panel, the date in the bar, alarm and settings buttons in the bar.
 // tmrCLOCK (55 ms) runs only while the window is visible and repaints only what changed; the
@@ -40,12 +41,13 @@ private:
     QString layoutKey() const;
     void layoutBar();
     void layoutModern(const QRect &area);
+    void prepareSeconds();
     void layoutClassic(const QRect &area);
     static void setTextIfChanged(QLabel *label, const QString &text);
 
     ClockModel *m_model = nullptr;
     QLabel *m_time = nullptr;             // lblPANECLOCK
-    QLabel *m_secs = nullptr;             // lblSECS
+    TickingLabel *m_secs = nullptr;       // lblSECS
     QLabel *m_style = nullptr;            // lblSTYLE
     QLabel *m_date = nullptr;             // lblBARDATE
     ClickableLabel *m_alarm = nullptr;    // lblALARM
@@ -53,5 +55,6 @@ private:
     QTimer *m_clockTimer = nullptr;       // tmrCLOCK
     HoverCheck *m_barHover = nullptr;     // tmrBAR
     QString m_laidOutFor;
+    bool m_secondsQueued = false;
     QString m_fullDate;
 };

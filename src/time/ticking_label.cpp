@@ -33,6 +33,15 @@ const QStaticText &TickingLabel::laidOut(const QString &text)
     return *m_laidOut.insert(text, laid);
 }
 
+void TickingLabel::prepareTexts(const QStringList &texts)
+{
+    for (const QString &text : texts) {
+        if (m_laidOut.size() >= kMostTexts)
+            return;
+        laidOut(text);
+    }
+}
+
 void TickingLabel::paintEvent(QPaintEvent *event)
 {
     if (!drawsPlainTopLeft()) {

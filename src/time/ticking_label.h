@@ -15,6 +15,11 @@ class TickingLabel : public QLabel
 public:
     explicit TickingLabel(QWidget *parent = nullptr);
 
+    // Lays out `texts` now, in the current font, rather than each on its first paint: a text
+    // laid out when the label repaints once a second runs in caches gone cold since the last
+    // second, at several times the cost of laying the texts out together.
+    void prepareTexts(const QStringList &texts);
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void changeEvent(QEvent *event) override;
