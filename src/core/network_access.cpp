@@ -38,6 +38,21 @@ private:
 
 } // namespace
 
+bool NetworkErrorNeverReachedServer(int error)
+{
+    switch (error) {
+    case NetworkError::ConnectionRefused:
+    case NetworkError::HostNotFound:
+    case NetworkError::Timeout:
+    case NetworkError::TemporaryNetworkFailure:
+    case NetworkError::NetworkSessionFailed:
+    case NetworkError::UnknownNetwork:
+        return true;
+    default:
+        return false;
+    }
+}
+
 std::unique_ptr<NetworkTransfer> StartNetworkGet(const NetworkGet &request, NetworkReadDone done)
 {
     NetworkReadResult settled;

@@ -52,6 +52,11 @@ struct NetworkReadLimits
     int stallMs = 0;
 };
 
+// Whether a read that failed with `error` never reached a server (no network, no such host, a
+// refused connection, no answer): asking again costs the server nothing, and the network coming
+// back may be all it takes.
+bool NetworkErrorNeverReachedServer(int error);
+
 // One GET.
 struct NetworkGet
 {

@@ -87,24 +87,29 @@ QString statusPhrase(int status, const QByteArray &body)
     return QStringLiteral("unexpected answer (%1)").arg(status);
 }
 
-WeatherSourceResult networkProblem(const NetworkReadResult &reply)
+QString networkPhrase(const NetworkReadResult &reply)
 {
     switch (reply.error) {
     case NetworkError::HostNotFound:
-        return {std::nullopt, QStringLiteral("server not found"), true};
+        return QStringLiteral("server not found");
     case NetworkError::ConnectionRefused:
-        return {std::nullopt, QStringLiteral("connection refused"), true};
+        return QStringLiteral("connection refused");
     case NetworkError::Timeout:
-        return {std::nullopt, QStringLiteral("no answer in time"), true};
+        return QStringLiteral("no answer in time");
     case NetworkError::NetworkSessionFailed:
     case NetworkError::TemporaryNetworkFailure:
     case NetworkError::UnknownNetwork:
-        return {std::nullopt, QStringLiteral("no network connection"), true};
+        return QStringLiteral("no network connection");
     case NetworkError::RemoteHostClosed:
-        return {std::nullopt, QStringLiteral("the server closed the connection"), false};
+        return QStringLiteral("the server closed the connection");
     default:
-        return {std::nullopt, QStringLiteral("network error (%1)").arg(phrase(reply.errorString)), false};
+        return QStringLiteral("network error (%1)").arg(phrase(reply.errorString));
     }
+}
+
+WeatherSourceResult networkProblem(const NetworkReadResult &reply)
+{
+    return {std::nullopt, networkPhrase(reply), NetworkErrorNeverReachedServer(reply.error)};
 }
 
 // The outcome of a finished source request whose body `parse` reads.

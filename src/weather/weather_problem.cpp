@@ -26,28 +26,13 @@ QString reasonOf(const QString &description)
     return reason;
 }
 
-bool isOfflineError(int errorNumber)
-{
-    switch (errorNumber) {
-    case NetworkError::ConnectionRefused:
-    case NetworkError::HostNotFound:
-    case NetworkError::Timeout:
-    case NetworkError::TemporaryNetworkFailure:
-    case NetworkError::NetworkSessionFailed:
-    case NetworkError::UnknownNetwork:
-        return true;
-    default:
-        return false;
-    }
-}
-
 } // namespace
 
 WeatherProblem DescribeWeatherFailure(int errorNumber, const QString &description)
 {
     if (errorNumber == 0)
         return {QStringLiteral("No answer from the weather source"), true};
-    if (isOfflineError(errorNumber))
+    if (NetworkErrorNeverReachedServer(errorNumber))
         return {QStringLiteral("Offline: no network"), true};
     if (errorNumber == 404)
         return {QStringLiteral("Place not found"), false};
